@@ -1,0 +1,106 @@
+#include "component/methods.h"
+
+#include <algorithm>
+
+#include "component/method_table.h"
+#include "values/numbers.h"
+
+namespace velk {
+namespace {
+
+constexpr auto table = methodTable<Bound>();
+
+/// Rows by dispatch id, and by name in a hash table with open addressing. 0: no row, else its position
+/// plus 1.
+constexpr std::size_t slotCount = 256;
+using Slots = std::array<Byte, slotCount>;
+static_assert(2 * table.size() < slotCount);
+
+constexpr char lowered(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+constexpr std::size_t slotOf(std::string_view name) {
+  std::uint32_t hash = 2166136261U;
+  for (const char c : name) hash = (hash ^ byteValue(lowered(c))) * 16777619U;
+  return (hash ^ (hash >> 16)) % slotCount;
+}
+
+constexpr Slots byId = [] {
+  Slots slots{};
+  for (std::size_t i = 0; i < table.size(); ++i)
+    slots[static_cast<std::size_t>(table[i].id)] = static_cast<Byte>(i + 1);
+  return slots;
+}();
+
+constexpr Slots byName = [] {
+  Slots slots{};
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    std::size_t slot = slotOf(table[i].name);
+    while (slots[slot] != 0) slot = (slot + 1) % slotCount;
+    slots[slot] = static_cast<Byte>(i + 1);
+  }
+  return slots;
+}();
+
+static_assert(std::is_sorted(table.begin(), table.end(),
+                             [](const Method& a, const Method& b) { return a.id < b.id; }));
+
+bool sameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lowered(x) == lowered(y); });
+}
+
+}  // namespace
+
+Value defaultOf(const Parameter& parameter) {
+  if (parameter.type == Type::text) return std::string();
+  return convert(std::int32_t{parameter.fallback}, parameter.type);
+}
+
+std::span<const Method> methods() {
+  return table;
+}
+
+const Method* findMethod(std::string_view name) {
+  for (std::size_t slot = slotOf(name); byName[slot] != 0; slot = (slot + 1) % slotCount) {
+    const Method& row = table[byName[slot] - std::size_t{1}];
+    if (sameName(row.name, name)) return &row;
+  }
+  return nullptr;
+}
+
+const Method* findMethod(int id) {
+  if (id < 0 || static_cast<std::size_t>(id) >= slotCount) return nullptr;
+  const Byte row = byId[static_cast<std::size_t>(id)];
+  return row == 0 ? nullptr : &table[row - std::size_t{1}];
+}
+
+std::optional<std::size_t> findParameter(const Method& method, std::string_view name) {
+  const auto parameters = method.parameters();
+  const auto found = std::find_if(parameters.begin(), parameters.end(),
+                                  [&](const Parameter& parameter) { return sameName(parameter.name, name); });
+  if (found == parameters.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - parameters.begin());
+}
+
+std::optional<CallFault> complete(const Method& method, std::span<Value> arguments,
+                                  std::span<const bool> given) {
+  for (std::size_t i = 0; i < method.count; ++i) {
+    const Parameter& parameter = method.slots[i];
+    if (!given[i]) {
+      if (!parameter.optional) return CallFault{CallFault::notOptional, i};
+      arguments[i] = defaultOf(parameter);
+    } else if (!holds(arguments[i], parameter.type)) {
+      try {
+        arguments[i] = convert(arguments[i], parameter.type);
+      } catch (const RuntimeError& error) {
+        return CallFault{
+            error.number() == RuntimeError::overflow ? CallFault::overflow : CallFault::typeMismatch, i};
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace velk

@@ -1,0 +1,32 @@
+#include "controller/modes.h"
+
+#include <cmath>
+
+namespace velk::controller {
+namespace {
+
+/// The code with number n starts at character 3n, counted from 1; that is what makes the division below work.
+constexpr std::string_view packedCodes = "||BI|PB|DI|RO|T1|T2|T3|T4|UD|LC|RC|RS|SS|IN|TH|ML|LO|PS|AL|AU|T5";
+static_assert(packedCodes.size() == 3 * lastMode + 1);
+
+}  // namespace
+
+Byte ModeToNr(std::string_view modeStr) {
+  // A search for any part of the list, rounded to the nearest code, not a comparison of whole codes: "I"
+  // gives 1 and "|P" gives 2, and hosts rely on it.
+  const auto found = packedCodes.find(modeStr);
+  if (found == std::string_view::npos) return 0;
+  return static_cast<Byte>(std::lround(static_cast<double>(found + 1) / 3));
+}
+
+std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address) {
+  if (mode == 0 || mode > lastMode) return {};
+  if (mode == rollerMode) {
+    const Bytes reply = memory.tryRead(1, rollerMarker(address));
+    const bool marked = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == address;
+    return marked ? "RO" : "DI";
+  }
+  return std::string(packedCodes.substr(std::size_t{3} * mode - 1, 2));
+}
+
+}  // namespace velk::controller

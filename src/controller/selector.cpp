@@ -1,0 +1,12 @@
+#include "controller/selector.h"
+
+#include "link/memory.h"
+
+namespace velk::controller {
+
+bool isRead(std::string_view readOrWrite) {
+  if (std::string_view("RW").find(readOrWrite) == std::string_view::npos) throw link::Stop{101};
+  return readOrWrite == "R";
+}
+
+}  // namespace velk::controller

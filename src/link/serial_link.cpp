@@ -1,0 +1,25 @@
+#include "link/serial_link.h"
+
+#include "link/wait.h"
+#include "values/numbers.h"
+
+namespace velk::link {
+
+void openCom(Link link, Byte port, std::int16_t baudrate, bool fastMode) {
+  // Set before anything can fail, so that they stay set when the port does not open.
+  link.settings.NoEcho = fastMode;
+  link.settings.TCP = false;
+
+  // The blank in front of the rate belongs to the settings text.
+  const std::string settings = signedText(baudrate) + ",N,8,1";
+  link.host.port().open(port, platform::parseSettings(settings));
+
+  pause(link.host, Seconds(0.5), platform::Messages::dispatched);
+  link.host.port().read();
+}
+
+void closeCom(Link link) {
+  link.host.port().close();
+}
+
+}  // namespace velk::link

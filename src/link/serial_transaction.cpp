@@ -1,0 +1,149 @@
+#include "link/serial_transaction.h"
+
+#include <algorithm>
+
+#include "link/wait.h"
+
+namespace velk::link {
+namespace {
+
+using platform::Messages;
+using platform::Source;
+
+constexpr Seconds breakTime(0.01);
+constexpr Seconds breakSettling(0.1);
+constexpr Seconds echoTime(0.1);
+constexpr Seconds replyTime(1.0);
+constexpr Seconds resyncTime(1.0);
+
+/// What one attempt came to.
+struct Outcome {
+  enum Next { done, failed, sendAgain } next;
+  Bytes result;  ///< unused with sendAgain, which leaves the result of the attempt before
+};
+
+Outcome failed(Byte code) {
+  return {Outcome::failed, Bytes(1, character(code))};
+}
+
+class SerialTransaction {
+ public:
+  SerialTransaction(Link link, const Request& request, std::string_view frame)
+      : link_(link), host_(link.host), request_(request), frame_(frame) {}
+
+  Outcome attempt() {
+    host_.port().read();
+    if (link_.settings.FlgBreak) sendBreak();
+    host_.yield();
+    return link_.settings.NoEcho ? fastAttempt() : echoAttempt();
+  }
+
+ private:
+  void sendBreak() {
+    host_.port().setBreak(true);
+    pause(host_, breakTime, Messages::held);
+    host_.port().setBreak(false);
+    pause(host_, breakSettling, Messages::held);
+    host_.port().read();
+    link_.settings.FlgBreak = false;
+  }
+
+  Outcome echoAttempt() {
+    Bytes received;
+    for (const char sent : frame_) {
+      received = echoOf(sent);
+      if (received.empty() || received.front() != sent) return failed(echoFault);
+    }
+    const std::size_t length = expectedReply(request_, false);
+    Bytes reply = received.substr(std::min<std::size_t>(1, received.size()));
+    collect(reply, length, Deadline(host_, replyTime));
+    if (reply.size() != length) return failed(hasShortReply(request_.command) ? wrongWriteReply : noReply);
+    // The last reply is the result even when its status is bad: callers look at its first byte.
+    const bool good = reply.front() == '\0';
+    return {good ? Outcome::done : Outcome::failed, std::move(reply)};
+  }
+
+  /// Sends one byte and returns what came back for it: the echo, and perhaps the start of the reply.
+  Bytes echoOf(char sent) {
+    Bytes received;
+    host_.port().write({&sent, 1});
+    host_.yield();
+    await(host_, Deadline(host_, echoTime), Source::port, Messages::held, [&] {
+      received = host_.port().read();
+      return !received.empty();
+    });
+    host_.yield();
+    return received;
+  }
+
+  Outcome fastAttempt() {
+    host_.port().write(frame_);
+    const std::size_t length = expectedReply(request_, true);
+    Bytes reply;
+    host_.yield();
+    collect(reply, length, Deadline(host_, replyTime));
+    const bool ours = sameHeader(frame_, reply);
+    if (reply.size() != length && (reply.empty() || ours)) return failed(noReply);
+    if (reply.size() != length || !ours) return resynchronise(std::move(reply), length);
+    if (request_.instruction == shortRequest) return {Outcome::done, Bytes(1, '\0')};
+    if (byteAt(reply, headerLength) != 0) return failed(echoFault);
+    return {Outcome::done, Bytes(slice(reply, headerLength, dataCount(request_.command) + 1))};
+  }
+
+  /// The interface may deliver other frames before the answer, each closed by "#": they are dropped until the
+  /// reply starts as the request does, for at most one second in all. The answer found that way is not used:
+  /// the frame is sent again without spending an attempt. That is the interface's protocol, not an oversight.
+  Outcome resynchronise(Bytes reply, std::size_t length) {
+    const Deadline deadline(host_, resyncTime);
+    // A request without a known reply length waits for at least one byte, not for none.
+    const std::size_t wanted = std::max<std::size_t>(length, 1);
+    bool found = false;
+    do {
+      const std::size_t next = endOfFrame(reply);
+      if (next == 0 && deadline.passed()) break;
+      reply.erase(0, next != 0 && next < reply.size() ? next : reply.size());
+      collect(reply, wanted, deadline);
+      found = sameHeader(frame_, reply);
+    } while (!found);
+    return found ? Outcome{Outcome::sendAgain, {}} : failed(noMatchingReply);
+  }
+
+  /// The position behind the first "#" that follows the header; 0 when there is none.
+  static std::size_t endOfFrame(const Bytes& reply) {
+    const auto mark = reply.find('#', headerLength);
+    return mark == Bytes::npos ? 0 : mark + 1;
+  }
+
+  /// Appends what arrives until the reply holds `length` bytes or the deadline has passed.
+  void collect(Bytes& reply, std::size_t length, const Deadline& deadline) {
+    if (reply.size() < length) {
+      await(host_, deadline, Source::port, Messages::held, [&] {
+        reply += host_.port().read();
+        return reply.size() >= length;
+      });
+    }
+    host_.yield();
+  }
+
+  Link link_;
+  platform::Host& host_;
+  const Request& request_;
+  std::string_view frame_;
+};
+
+}  // namespace
+
+Bytes serialTransaction(Link link, const Request& request, std::string_view frame, int attempts) {
+  SerialTransaction transaction(link, request, frame);
+  Bytes result;
+  while (attempts > 0) {
+    Outcome outcome = transaction.attempt();
+    if (outcome.next != Outcome::sendAgain) result = std::move(outcome.result);
+    if (outcome.next == Outcome::done) attempts = 0;
+    if (outcome.next == Outcome::failed) --attempts;
+    link.host.yield();
+  }
+  return result;
+}
+
+}  // namespace velk::link

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "link/frames.h"
+#include "link/link.h"
+
+namespace velk::link {
+
+/// Sends the frame of a request over the serial port, checks the reply and tries again up to `attempts`
+/// times. The waits in here hold the host's messages; they are dispatched between the steps only.
+Bytes serialTransaction(Link link, const Request& request, std::string_view frame, int attempts);
+
+}  // namespace velk::link

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "values/bytes.h"
+
+namespace velk::link {
+
+/// The public settings of a `Serial` object, read at every transaction. Writing one has no effect but on the
+/// next transaction.
+struct Settings {
+  /// True: the next serial transaction first sends a line break (10 ms on, 100 ms to settle) and clears this.
+  bool FlgBreak = true;
+
+  /// Bus address of the controller, sent in fast-mode frames; echo-mode frames carry none.
+  Byte SerAddress = 2;
+
+  /// False: echo mode, the serial interface echoes every byte. True: fast mode, whole frames at once.
+  bool NoEcho = false;
+
+  /// True: transactions go over the socket.
+  bool TCP = false;
+
+  /// The kind of Ethernet interface, from its greeting: "Q" (with login) or "S".
+  std::string SoortETH = "Q";
+};
+
+}  // namespace velk::link

@@ -1,0 +1,90 @@
+#include "link/tcp_frames.h"
+
+#include "link/link.h"
+#include "values/runtime_error.h"
+
+namespace velk::link {
+namespace {
+
+constexpr std::size_t headerQ = 12;
+constexpr std::size_t comparedQ = 10;
+constexpr std::size_t headerS = 8;
+constexpr std::string_view greetingText = "Welcome to VELK TCP/IP";
+constexpr std::size_t greetingPrefix = 8;
+
+void appendHighFirst(Bytes& text, std::int16_t number) {
+  const auto bits = static_cast<std::uint16_t>(number);
+  text += character(bits >> 8);
+  text += character(bits & 255);
+}
+
+bool answeredByOneByte(Byte function) {
+  return function == tcpLogin || function == tcpLogout;
+}
+
+Byte functionClass(Byte function) {
+  if (function == tcpLogin) return 14;
+  return function == tcpLogout ? 15 : 13;
+}
+
+Bytes one(Byte value) {
+  return Bytes(1, character(value));
+}
+
+}  // namespace
+
+Bytes requestQ(const TcpRequest& request) {
+  Bytes text;
+  text.reserve(headerQ + request.data.size());
+  text = "VELK";
+  appendHighFirst(text, request.protocol);
+  appendHighFirst(text, request.id);
+  text += character(request.attempts);
+  text += character(request.function);
+  text += '\0';
+  text += character(request.function >= tcpLogin ? static_cast<int>(request.data.size() & 255) : 0);
+  return text.append(request.data);
+}
+
+Bytes requestS(const TcpRequest& request) {
+  Bytes text;
+  text.reserve(headerS + request.data.size());
+  text += character(static_cast<int>(request.data.size() & 255));
+  text += character(checkedByte(static_cast<long>(request.data.size() >> 8)));
+  text.append(2, '\0');
+  text += character(functionClass(request.function));
+  text.append(3, '\0');
+  return text.append(request.data);
+}
+
+Bytes replyQ(const TcpRequest& request, std::string_view sent, std::string_view reply) {
+  if (reply.substr(0, comparedQ) != sent.substr(0, comparedQ)) return one(echoFault);
+  if (answeredByOneByte(request.function)) return one(byteAt(reply, 11));
+  if (request.function == tcpMemory) {
+    const std::size_t length = byteAt(reply, 10) * std::size_t{256} + byteAt(reply, 11);
+    return Bytes(slice(reply, headerQ, length));
+  }
+  if (byteAt(reply, 10) != 0) return one(byteAt(reply, 11));
+  return one(0).append(slice(reply, headerQ));
+}
+
+Bytes replyS(const TcpRequest& request, std::string_view reply) {
+  const std::size_t length = byteAt(reply, 1) * std::size_t{256} + byteAt(reply, 0);
+  if (length + headerS != reply.size()) return one(echoFault);
+  if (answeredByOneByte(request.function)) return one(byteAt(reply, headerS));
+  // The three characters are what hosts expect here, not a code.
+  if (request.function != tcpMemory) return "100";
+  const auto frame = reply.find("*\x02", headerS);
+  if (frame == std::string_view::npos) return one(noReply);
+  // Behind the frame's header of six bytes: status and data, without the closing "#".
+  if (reply.size() < headerS + 7) throw RuntimeError(RuntimeError::invalidArgument);
+  return Bytes(slice(reply, frame + 6, reply.size() - headerS - 7));
+}
+
+std::string_view kindOfGreeting(std::string_view greeting) {
+  if (slice(greeting, 0, greetingText.size()) == greetingText) return "Q";
+  if (slice(greeting, greetingPrefix, greetingText.size()) == greetingText) return "S";
+  return {};
+}
+
+}  // namespace velk::link

@@ -1,0 +1,50 @@
+#include "link/tcp_link.h"
+
+#include "link/tcp_transaction.h"
+
+namespace velk::link {
+namespace {
+
+constexpr Seconds greetingTime(1.5);
+constexpr std::size_t passWordLength = 4;
+constexpr Byte defaultAddress = 2;
+constexpr Byte highestAddress = 99;
+
+/// Bytes of value 0 are a password, blanks are none.
+bool isBlank(std::string_view text) {
+  return text.find_first_not_of(' ') == std::string_view::npos;
+}
+
+Byte logIn(Link link, std::string& passWord) {
+  passWord = padded(passWord, passWordLength, '\0');
+  const Bytes reply =
+      tranceivTcp(link, {.protocol = 1, .id = 1, .attempts = 0, .function = tcpLogin, .data = passWord});
+  return byteAt(reply, 0);
+}
+
+}  // namespace
+
+Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, std::string& passWord,
+             Byte rsAddress) {
+  if (isBlank(passWord)) passWord.assign(passWordLength, '\0');
+  link.settings.NoEcho = true;
+  // A signed 16-bit number reaches the upper ports as negative ones.
+  link.host.socket().connect(ipAddress, static_cast<std::uint16_t>(portNumber));
+
+  const std::string_view kind = kindOfGreeting(fetchWithin(link.host, greetingTime));
+  if (kind.empty()) return noReply;
+  link.settings.SoortETH = kind;
+  const Byte result = kind == "Q" ? logIn(link, passWord) : Byte{0};
+  link.settings.SerAddress =
+      rsAddress >= defaultAddress && rsAddress <= highestAddress ? rsAddress : defaultAddress;
+  // Also after a refused login, which the result tells: the interface keeps the connection and hosts may go
+  // on.
+  link.settings.TCP = true;
+  return result;
+}
+
+void closeTcp(Link link) {
+  link.host.socket().close();
+}
+
+}  // namespace velk::link

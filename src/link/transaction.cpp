@@ -1,0 +1,28 @@
+#include "link/transaction.h"
+
+#include "link/serial_transaction.h"
+#include "link/tcp_transaction.h"
+
+namespace velk::link {
+
+Bytes tranCeiv(Link link, const Request& request, Byte attempts) {
+  const Bytes frame = frameFor(request, link.settings);
+  if (link.settings.TCP) {
+    return tranceivTcp(link,
+                       {.protocol = 1, .id = 1, .attempts = attempts, .function = tcpMemory, .data = frame});
+  }
+  return serialTransaction(link, request, frame, attempts == 0 ? Byte{3} : attempts);
+}
+
+Bytes readCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, Byte attempts) {
+  return tranCeiv(link, {.command = commandByte(count, direction, false), .dph = dph, .dpl = dpl, .data = {}},
+                  attempts);
+}
+
+Bytes writeCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, std::string_view data,
+               Byte attempts) {
+  return tranCeiv(
+      link, {.command = commandByte(count, direction, true), .dph = dph, .dpl = dpl, .data = data}, attempts);
+}
+
+}  // namespace velk::link

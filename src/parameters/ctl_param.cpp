@@ -1,0 +1,21 @@
+#include "parameters/ctl_param.h"
+
+#include "controller/modes.h"
+#include "controller/selector.h"
+#include "parameters/access.h"
+
+namespace velk::parameters {
+
+using link::Stop;
+
+void Ctl_Param(const link::Memory& memory, std::string_view readOrWrite, const OutputAccess& access) {
+  constexpr Byte lastOutput = 99;
+  if (access.address < 1 || access.address > lastOutput) throw Stop{112};
+  if (controller::isRead(readOrWrite)) {
+    readOutput(memory, access);
+  } else {
+    writeOutput(memory, access);
+  }
+}
+
+}  // namespace velk::parameters

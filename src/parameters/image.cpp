@@ -1,0 +1,23 @@
+#include "parameters/image.h"
+
+#include <algorithm>
+
+#include "values/runtime_error.h"
+
+namespace velk::parameters {
+
+void Image::fetch(const Run& run) {
+  if (run.size == 0) return;
+  pieces_.at(count_++) = {run, memory_.read(run.size, addressOf(output_, run.area, run.at), run.area)};
+}
+
+Byte Image::at(Area area, Byte offset) const {
+  for (const Piece& piece : std::span(pieces_).first(count_)) {
+    const Run& run = piece.run;
+    if (run.area == area && offset >= run.at && offset < run.at + run.size)
+      return byteAt(piece.bytes, offset - run.at);
+  }
+  throw RuntimeError(RuntimeError::invalidArgument);
+}
+
+}  // namespace velk::parameters

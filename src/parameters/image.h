@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+
+#include "link/memory.h"
+#include "parameters/layouts.h"
+
+namespace velk::parameters {
+
+/// The bytes of one output that were read, by their place.
+class Image {
+ public:
+  Image(const link::Memory& memory, Byte output) : memory_(memory), output_(output) {}
+
+  /// Reads a run of bytes and keeps it; an empty run reads nothing.
+  void fetch(const Run& run);
+
+  /// The byte at a place; run-time error 5 when no reply has brought it.
+  [[nodiscard]] Byte at(Area area, Byte offset) const;
+
+ private:
+  static constexpr std::size_t mostRuns = 8;
+
+  struct Piece {
+    Run run;
+    Bytes bytes;
+  };
+
+  const link::Memory& memory_;
+  Byte output_;
+  std::array<Piece, mostRuns> pieces_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace velk::parameters

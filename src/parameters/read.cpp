@@ -1,0 +1,27 @@
+#include "controller/modes.h"
+#include "parameters/access.h"
+#include "parameters/image.h"
+
+namespace velk::parameters {
+
+void readOutput(const link::Memory& memory, const OutputAccess& access) {
+  Image image(memory, access.address);
+  image.fetch({.at = modeOffset, .size = 1});
+  access.mode = controller::ModeToStr(memory, image.at(Area::external, modeOffset), access.address);
+  const Layout* const layout = layoutOf(access.mode);
+  if (access.count <= 0 && (layout == nullptr || !layout->itemsWithoutCount)) return;
+
+  access.parameters.clear();
+  if (layout != nullptr) image.fetch(layout->block);
+  image.fetch(furtherByte);
+  if (layout == nullptr) throw link::Stop{111};
+
+  const Range range = resolveRange(*layout, access.offset, access.count);
+  image.fetch(layout->own);
+  for (std::size_t k = range.first; k < range.end; ++k) {
+    const Item& item = layout->items[k];
+    access.parameters += decoded(item, image.at(item.area, item.at));
+  }
+}
+
+}  // namespace velk::parameters

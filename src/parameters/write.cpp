@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <vector>
+
+#include "controller/modes.h"
+#include "parameters/access.h"
+#include "parameters/image.h"
+#include "values/helpers.h"
+
+namespace velk::parameters {
+namespace {
+
+using link::Memory;
+using link::Stop;
+
+constexpr std::size_t longestTransfer = 16;
+
+/// One byte that a write touches.
+struct Change {
+  Area area;
+  Byte at;
+  Byte mask;    ///< the bits that the write gives
+  bool shared;  ///< the byte that is there has to be known
+  Byte value = 0;
+};
+
+/// An item and the character to put into it.
+struct Assignment {
+  const Item& item;
+  char value;
+};
+
+std::vector<Assignment> checkedAssignments(const Layout& layout, const OutputAccess& access) {
+  std::int16_t count = access.count;
+  const Range range = resolveRange(layout, access.offset, count);
+  if (count < 0 || access.parameters.size() != range.end - range.first) throw Stop{104};
+  std::vector<Assignment> assignments;
+  for (std::size_t k = range.first; k < range.end; ++k) {
+    const Item& item = layout.items[k];
+    const char value = access.parameters[k - range.first];
+    if (!encoded(item, value, 0)) throw Stop{105};
+    assignments.push_back({item, value});
+  }
+  return assignments;
+}
+
+bool precedes(const Change& a, const Change& b) {
+  return a.area != b.area ? a.area == Area::external : a.at < b.at;
+}
+
+/// The bytes that the items lie in, in order of their addresses. The mode byte is not among them.
+std::vector<Change> touchedBytes(const std::vector<Assignment>& assignments) {
+  std::vector<Change> changes;
+  for (const auto& [item, value] : assignments) {
+    if (item.form == Form::stored) continue;
+    const auto same = [&item = item](const Change& c) { return c.area == item.area && c.at == item.at; };
+    const auto found = std::find_if(changes.begin(), changes.end(), same);
+    if (found == changes.end()) {
+      changes.push_back({.area = item.area, .at = item.at, .mask = item.mask, .shared = sharesItsByte(item)});
+    } else {
+      found->mask |= item.mask;
+      found->shared = found->mask != 255;
+    }
+  }
+  std::sort(changes.begin(), changes.end(), precedes);
+  return changes;
+}
+
+/// Calls handle(first, last) for each run of neighbouring bytes that one transaction can carry.
+template <class Handle>
+void forEachRun(const std::vector<Change>& changes, Handle handle) {
+  for (auto first = changes.begin(); first != changes.end();) {
+    auto last = first + 1;
+    while (last != changes.end() && last->area == first->area && last->at == (last - 1)->at + 1 &&
+           static_cast<std::size_t>(last - first) < longestTransfer) {
+      ++last;
+    }
+    handle(first, last);
+    first = last;
+  }
+}
+
+/// Reads the shared bytes and puts the items into them.
+void compose(const Memory& memory, Byte output, const std::vector<Assignment>& assignments,
+             std::vector<Change>& changes) {
+  std::vector<Change> shared;
+  std::copy_if(changes.begin(), changes.end(), std::back_inserter(shared),
+               [](const Change& c) { return c.shared; });
+  Image image(memory, output);
+  forEachRun(shared, [&](auto first, auto last) {
+    image.fetch({.at = first->at, .size = static_cast<Byte>(last - first), .area = first->area});
+  });
+  for (Change& change : changes) {
+    if (change.shared) change.value = image.at(change.area, change.at);
+    for (const auto& [item, value] : assignments) {
+      if (item.form == Form::stored || item.area != change.area || item.at != change.at) continue;
+      change.value = encoded(item, value, change.value).value_or(change.value);
+    }
+  }
+}
+
+void store(const Memory& memory, Byte output, const std::vector<Change>& changes) {
+  forEachRun(changes, [&](auto first, auto last) {
+    Bytes bytes;
+    std::for_each(first, last, [&](const Change& c) { bytes += character(c.value); });
+    memory.write(addressOf(output, first->area, first->at), bytes, first->area);
+  });
+}
+
+/// The number to store for the mode: what the item for it says, else the one that is there if the code may be
+/// stored as it, else the code's own.
+Byte storedNumber(const Layout& layout, Byte number, Byte old, const std::vector<Assignment>& assignments) {
+  for (const auto& [item, value] : assignments) {
+    if (item.form == Form::stored) return encoded(item, value, 0).value_or(number);
+  }
+  return layout.alsoStoredAs != 0 && old == layout.alsoStoredAs ? old : number;
+}
+
+/// Number 4 is "RO" or "DI" by the output's marker byte, so the marker has to follow the code. A marker that
+/// says "DI" already is left as it is.
+void mark(const Memory& memory, Byte output, bool roller) {
+  const link::Address marker = controller::rollerMarker(output);
+  if (roller) {
+    memory.write(marker, Bytes(1, character(output)));
+  } else if (byteAt(memory.read(1, marker), 0) == output) {
+    memory.write(marker, Bytes(1, '\0'));
+  }
+}
+
+void storeMode(const Memory& memory, Byte output, Byte number) {
+  memory.write({.dph = output, .dpl = modeOffset}, Bytes(1, character(number)));
+}
+
+/// Two outputs are the system's own: 1 holds the remote controls and 2 the signals, and neither takes any
+/// other mode; both modes are welcome elsewhere too. This pairing is intended.
+bool isReserved(Byte output, std::string_view mode) {
+  return (output == 1 && mode != "RC") || (output == 2 && mode != "RS");
+}
+
+}  // namespace
+
+void writeOutput(const Memory& memory, const OutputAccess& access) {
+  const Byte number = controller::ModeToNr(access.mode);
+  if (number == 0 || isReserved(access.address, access.mode)) throw Stop{111};
+  const Byte old = byteAt(memory.read(1, {.dph = access.address, .dpl = modeOffset}), 0);
+  if (access.count == 0 && !layouts()[number - 1U].itemsWithoutCount) {
+    storeMode(memory, access.address, number);
+    return;
+  }
+
+  const Layout* const layout = layoutOf(access.mode);
+  // A part of a code has a number, but no items: nothing was done.
+  if (layout == nullptr) throw Stop{99};
+  const std::vector<Assignment> assignments = checkedAssignments(*layout, access);
+  std::vector<Change> changes = touchedBytes(assignments);
+  compose(memory, access.address, assignments, changes);
+  store(memory, access.address, changes);
+  const Byte stored = storedNumber(*layout, number, old, assignments);
+  if (stored == controller::rollerMode) mark(memory, access.address, layout->marked);
+  storeMode(memory, access.address, stored);
+}
+
+}  // namespace velk::parameters

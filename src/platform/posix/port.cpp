@@ -1,0 +1,141 @@
+#include "platform/posix/port.h"
+
+#include <asm/ioctls.h>
+#include <asm/termbits.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+
+#include <array>
+#include <cerrno>
+#include <map>
+#include <mutex>
+
+#include "platform/devices.h"
+#include "platform/host.h"
+#include "values/runtime_error.h"
+
+namespace velk::platform {
+namespace {
+
+/// How long a port may refuse to take anything.
+constexpr int writePatience = 1000;  // ms
+
+std::mutex mapMutex;
+
+std::map<int, std::string>& portMap() {
+  static std::map<int, std::string> map;
+  return map;
+}
+
+std::string devicePath(int number) {
+  const std::lock_guard lock(mapMutex);
+  const auto found = portMap().find(number);
+  return found != portMap().end() ? found->second : "/dev/ttyS" + std::to_string(number - 1);
+}
+
+Fd openDevice(const std::string& path) {
+  Fd fd(::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+  if (!fd)
+    throw RuntimeError(errno == EBUSY ? RuntimeError::portAlreadyOpen : RuntimeError::invalidPortNumber);
+  // The lock keeps other programs out that look for it; the exclusive mode keeps out the rest, but for root.
+  if (flock(fd.get(), LOCK_EX | LOCK_NB) != 0) throw RuntimeError(RuntimeError::portAlreadyOpen);
+  ioctl(fd.get(), TIOCEXCL);
+  return fd;
+}
+
+tcflag_t parityFlags(char parity) {
+  switch (parity) {
+    case 'E':
+      return PARENB;
+    case 'O':
+      return PARENB | PARODD;
+    case 'M':
+      return PARENB | PARODD | CMSPAR;
+    case 'S':
+      return PARENB | CMSPAR;
+    default:
+      return 0;
+  }
+}
+
+void configure(int fd, const SerialSettings& settings) {
+  constexpr std::array<tcflag_t, 4> sizes{CS5, CS6, CS7, CS8};
+  termios2 t{};
+  t.c_cflag = sizes.at(static_cast<std::size_t>(settings.dataBits) - 5) | parityFlags(settings.parity) |
+              (settings.stopBits > 1 ? CSTOPB : 0U) | CREAD | CLOCAL | BOTHER;
+  t.c_iflag = settings.parity == 'N' ? 0U : INPCK;
+  t.c_cc[VMIN] = 1;  // so that an empty line reads as EAGAIN and a vanished one as 0 bytes
+  t.c_ispeed = t.c_ospeed = static_cast<speed_t>(settings.baud);
+  if (ioctl(fd, TCSETS2, &t) != 0) {
+    throw RuntimeError(errno == EIO ? RuntimeError::invalidPortNumber : RuntimeError::invalidPropertyValue);
+  }
+  const int rts = TIOCM_RTS | TIOCM_DTR;
+  ioctl(fd, TIOCMBIS, &rts);  // pseudo terminals have no such lines
+}
+
+}  // namespace
+
+PosixSerialPort::~PosixSerialPort() {
+  if (fd_) deviceClosed();
+}
+
+void PosixSerialPort::open(int number, const SerialSettings& settings) {
+  if (fd_) throw RuntimeError(RuntimeError::portAlreadyOpen);
+  if (number < 1) throw RuntimeError(RuntimeError::invalidPortNumber);
+  Fd fd = openDevice(devicePath(number));
+  configure(fd.get(), settings);
+  fd_ = std::move(fd);
+  deviceOpened();
+}
+
+void PosixSerialPort::close() {
+  if (!fd_) throw RuntimeError(RuntimeError::deviceNotOpen);
+  fd_.reset();
+  deviceClosed();
+}
+
+Bytes PosixSerialPort::read() {
+  requireOpen();
+  std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by read
+  const auto n = ::read(fd_.get(), buffer.data(), buffer.size());
+  if (n > 0) return {buffer.data(), static_cast<std::size_t>(n)};
+  // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
+  if (n < 0 && (errno == EAGAIN || errno == EINTR)) return {};
+  throw RuntimeError(RuntimeError::deviceFailed);
+}
+
+void PosixSerialPort::write(std::string_view bytes) {
+  requireOpen();
+  while (!bytes.empty()) {
+    const auto n = ::write(fd_.get(), bytes.data(), bytes.size());
+    if (n > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(n));
+      continue;
+    }
+    if (n < 0 && errno != EAGAIN && errno != EINTR) throw RuntimeError(RuntimeError::deviceFailed);
+    pollfd ready{.fd = fd_.get(), .events = POLLOUT, .revents = 0};
+    if (poll(&ready, 1, writePatience) == 0) throw RuntimeError(RuntimeError::deviceBusy);
+  }
+}
+
+void PosixSerialPort::setBreak(bool on) {
+  requireOpen();
+  if (ioctl(fd_.get(), on ? TIOCSBRK : TIOCCBRK) != 0) throw RuntimeError(RuntimeError::deviceFailed);
+}
+
+void PosixSerialPort::requireOpen() const {
+  if (!fd_) throw RuntimeError(RuntimeError::portNotOpen);
+}
+
+void mapPort(int number, const std::string& devicePath) {
+  const std::lock_guard lock(mapMutex);
+  if (devicePath.empty()) {
+    portMap().erase(number);
+  } else {
+    portMap()[number] = devicePath;
+  }
+}
+
+}  // namespace velk::platform

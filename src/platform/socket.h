@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "values/bytes.h"
+
+namespace velk::platform {
+
+/// One TCP socket, used by polling. All failures are run-time errors.
+///
+/// From `connect` to `close` the socket counts as in use, also when the connection is refused or the peer
+/// hangs up: it has to be closed before it connects again.
+class Socket {
+ public:
+  virtual ~Socket() = default;
+
+  /// Starts connecting to a host name or address and returns at once; `Host::block` carries the attempt on.
+  /// Error 40020 when the socket is in use.
+  virtual void connect(const std::string& host, std::uint16_t port) = 0;
+
+  /// Closes the socket, whatever its state.
+  virtual void close() = 0;
+
+  /// Whether the socket is in use.
+  [[nodiscard]] virtual bool isOpen() const = 0;
+
+  /// Whether `Host::block` has seen received bytes since the last `receive`.
+  [[nodiscard]] virtual bool hasData() const = 0;
+
+  /// Whether nothing more can come: never connected, refused, or the peer has hung up.
+  [[nodiscard]] virtual bool isDead() const = 0;
+
+  /// Everything received and not fetched yet; empty when nothing is waiting. Error 40006 when the socket is
+  /// not connected.
+  virtual Bytes receive() = 0;
+
+  /// Sends the bytes. Error 40006 when the socket is not connected.
+  virtual void send(std::string_view bytes) = 0;
+};
+
+}  // namespace velk::platform

@@ -1,0 +1,55 @@
+#include "values/helpers.h"
+
+#include <algorithm>
+#include <array>
+
+#include "values/numbers.h"
+#include "values/runtime_error.h"
+
+namespace velk::values {
+
+Byte DECtoBCD(Byte Getal) {
+  return checkedByte(Getal / 10 * 16 + Getal % 10);
+}
+
+bool IfSetBit(Byte Bytte, Byte Bitnr) {
+  // 2 to the power Bitnr + 1 is a signed 32-bit number to the hosts that this rule comes from.
+  if (Bitnr >= 30) throw RuntimeError(RuntimeError::overflow);
+  return ((Bytte >> Bitnr) & 1) == 1;
+}
+
+std::optional<Byte> WhatBit(Byte Bytte) {
+  for (Byte bit = 0; bit < 8; ++bit) {
+    if (IfSetBit(Bytte, bit)) return bit;
+  }
+  return std::nullopt;
+}
+
+Byte LowNibbleBit(Byte Waarde) {
+  return WhatBit(Waarde & 15).value_or(0);
+}
+
+Byte Minimum(Byte Getal1, Byte Getal2) {
+  return std::min(Getal1, Getal2);
+}
+
+std::string LdZr(double Getal, Byte Lengte) {
+  // Dropping the sign position loses the sign of a negative number: hosts rely on -7 giving "007".
+  const std::string digits = std::string(Lengte, '0') + signedText(Getal).substr(1);
+  return digits.substr(digits.size() - Lengte);
+}
+
+Byte ConvertErr(double ErrorNr) {
+  struct Row {
+    int number;
+    Byte result;
+  };
+  constexpr std::array rows{Row{RuntimeError::portAlreadyOpen, 56}, Row{RuntimeError::deviceNotOpen, 84},
+                            Row{RuntimeError::portNotOpen, 55}, Row{RuntimeError::badSocketState, 58},
+                            Row{RuntimeError::socketNotClosed, 58}};
+  const auto* const found =
+      std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.number == ErrorNr; });
+  return found == rows.end() ? Byte{100} : found->result;
+}
+
+}  // namespace velk::values

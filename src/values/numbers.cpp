@@ -1,0 +1,88 @@
+#include "values/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+
+namespace velk {
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+
+std::string_view trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// Reads the longest decimal number at the start of `text` into `number` and returns what follows it.
+std::string_view readDecimal(std::string_view text, double& number) {
+  number = 0;
+  const char* first = text.data();
+  const char* const last = first + text.size();
+  const bool plus = first != last && *first == '+';
+  if (plus) ++first;
+  // from_chars would take "inf" and "nan", and a second sign after the plus.
+  const auto* const digits = first != last && *first == '-' && !plus ? first + 1 : first;
+  if (digits == last || (*digits != '.' && std::isdigit(byteValue(*digits)) == 0)) return text;
+  const auto [end, error] = std::from_chars(first, last, number);
+  if (error == std::errc::invalid_argument) return text;
+  if (error == std::errc::result_out_of_range) number = std::numeric_limits<double>::infinity();
+  return {end, static_cast<std::size_t>(last - end)};
+}
+
+double parseRadix(std::string_view digits, int base) {
+  unsigned long value = 0;
+  const auto* const last = digits.data() + digits.size();
+  const auto [end, error] = std::from_chars(digits.data(), last, value, base);
+  if (error != std::errc() || end != last) throw RuntimeError(RuntimeError::typeMismatch);
+  return static_cast<double>(value);
+}
+
+}  // namespace
+
+std::string plainText(double number) {
+  std::array<char, 32> buffer{};
+  const auto [end, error] =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, std::chars_format::general, 15);
+  std::string text(buffer.data(), end);
+  std::transform(text.begin(), text.end(), text.begin(), [](char c) { return c == 'e' ? 'E' : c; });
+  return text;
+}
+
+std::string signedText(double number) {
+  const std::string text = plainText(number);
+  return text.front() == '-' ? text : " " + text;
+}
+
+double parseNumber(std::string_view text) {
+  const std::string_view body = trimmed(text);
+  const std::string_view prefix = body.substr(0, 2);
+  if (equalsIgnoringCase(prefix, "&H")) return parseRadix(body.substr(2), 16);
+  if (equalsIgnoringCase(prefix, "&O")) return parseRadix(body.substr(2), 8);
+  double number = 0;
+  if (body.empty() || !readDecimal(body, number).empty()) throw RuntimeError(RuntimeError::typeMismatch);
+  return number;
+}
+
+double leadingNumber(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  double number = 0;
+  readDecimal(text, number);
+  return number;
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return std::tolower(byteValue(x)) == std::tolower(byteValue(y)); });
+}
+
+Byte decimalOfBcd(Byte bcd) {
+  const int tens = bcd >> 4;
+  const int ones = bcd & 15;
+  if (tens > 9 || ones > 9) throw RuntimeError(RuntimeError::typeMismatch);
+  return static_cast<Byte>(tens * 10 + ones);
+}
+
+}  // namespace velk

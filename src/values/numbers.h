@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "values/bytes.h"
+#include "values/runtime_error.h"
+
+namespace velk {
+
+/// A number as text without sign position: "5", "-7", ".5", "1E+20"; up to 15 significant digits.
+std::string plainText(double number);
+
+/// A number as text with a sign position: a blank or a minus before the digits (" 5", "-7").
+std::string signedText(double number);
+
+/// A text that is a number as a whole (blanks around it allowed, "&H1F" too); run-time error 13 otherwise.
+double parseNumber(std::string_view text);
+
+/// The number at the start of a text, read leniently: blanks are skipped, reading stops at the first
+/// character that cannot continue a number, and a text without one gives 0.
+double leadingNumber(std::string_view text);
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
+
+/// The number rounded half to even, as the given integer type; run-time error 6 (overflow) where it does not
+/// fit.
+template <class Integer>
+Integer roundTo(double number) {
+  const double rounded = std::nearbyint(number);
+  if (!(rounded >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
+        rounded <= static_cast<double>(std::numeric_limits<Integer>::max()))) {
+    throw RuntimeError(RuntimeError::overflow);
+  }
+  return static_cast<Integer>(rounded);
+}
+
+/// A packed-BCD byte as the number that its two hexadecimal digits spell (0x59 gives 59); run-time error 13
+/// when a digit is A to F.
+Byte decimalOfBcd(Byte bcd);
+
+}  // namespace velk

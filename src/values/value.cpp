@@ -1,0 +1,87 @@
+#include "values/value.h"
+
+#include <cmath>
+
+#include "values/numbers.h"
+#include "values/runtime_error.h"
+
+namespace velk {
+namespace {
+
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
+
+template <class Integer>
+Integer toInteger(const Value& value) {
+  // A truth value fills the whole integer: true is 255 as a byte and -1 as a signed integer.
+  if (const auto* truth = std::get_if<bool>(&value)) return static_cast<Integer>(*truth ? -1 : 0);
+  return roundTo<Integer>(toNumber(value));
+}
+
+bool toBoolean(const Value& value) {
+  const auto* text = std::get_if<std::string>(&value);
+  if (text != nullptr && equalsIgnoringCase(*text, "true")) return true;
+  if (text != nullptr && equalsIgnoringCase(*text, "false")) return false;
+  return toNumber(value) != 0;
+}
+
+}  // namespace
+
+double toNumber(const Value& value) {
+  return std::visit(
+      Overloaded{[](std::monostate) { return 0.0; }, [](bool truth) { return truth ? -1.0 : 0.0; },
+                 [](const std::string& text) { return parseNumber(text); },
+                 [](auto number) { return static_cast<double>(number); }},
+      value);
+}
+
+std::string toText(const Value& value) {
+  return std::visit(Overloaded{[](std::monostate) { return std::string(); },
+                               [](bool truth) { return std::string(truth ? "True" : "False"); },
+                               [](const std::string& text) { return text; },
+                               [](double number) { return plainText(number); },
+                               [](auto number) { return std::to_string(number); }},
+                    value);
+}
+
+Value convert(const Value& value, Type type) {
+  switch (type) {
+    case Type::boolean:
+      return toBoolean(value);
+    case Type::byte:
+      return toInteger<Byte>(value);
+    case Type::integer:
+      return toInteger<std::int16_t>(value);
+    case Type::text:
+      return toText(value);
+    case Type::variant:
+      return value;
+    case Type::none:
+      break;
+  }
+  return {};
+}
+
+bool holds(const Value& value, Type type) {
+  switch (type) {
+    case Type::boolean:
+      return std::holds_alternative<bool>(value);
+    case Type::byte:
+      return std::holds_alternative<Byte>(value);
+    case Type::integer:
+      return std::holds_alternative<std::int16_t>(value);
+    case Type::text:
+      return std::holds_alternative<std::string>(value);
+    case Type::variant:
+      return true;
+    case Type::none:
+      return std::holds_alternative<std::monostate>(value);
+  }
+  return false;
+}
+
+}  // namespace velk
