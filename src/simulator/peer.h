@@ -1,0 +1,33 @@
+#pragma once
+
+#include <chrono>
+#include <string_view>
+#include <vector>
+
+#include "values/bytes.h"
+
+namespace velk::simulator {
+
+/// Something that a peer does: after a delay it sends bytes, or it hangs up.
+struct Delivery {
+  Bytes bytes;
+  std::chrono::milliseconds after{0};  ///< counted from the bytes that caused it
+  bool hangUp = false;
+};
+
+/// The far end of one connection: an interface of the controller, or a test's script.
+class Peer {
+ public:
+  virtual ~Peer() = default;
+
+  /// The connection has been made.
+  virtual std::vector<Delivery> connected() { return {}; }
+
+  /// Bytes have come in; they may hold a part of a request, or several.
+  virtual std::vector<Delivery> received(std::string_view bytes) = 0;
+
+  /// A line break has been seen.
+  virtual void lineBreak() {}
+};
+
+}  // namespace velk::simulator
