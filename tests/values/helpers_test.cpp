@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include "component/serial.h"
+#include "simulator/loopback_host.h"
+#include "values/numbers.h"
+
+namespace velk {
+namespace {
+
+/// The number of the run-time error that a call raises, 0 when it raises none.
+template <class Call>
+int errorOf(Call call) {
+  try {
+    call();
+  } catch (const RuntimeError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+class Helpers : public testing::Test {
+ protected:
+  simulator::LoopbackHost host;
+  Serial serial{host};
+};
+
+TEST_F(Helpers, DECtoBCDPacksUpTo159AndOverflowsBeyond) {
+  EXPECT_EQ(serial.DECtoBCD(0), 0);
+  EXPECT_EQ(serial.DECtoBCD(59), 0x59);
+  EXPECT_EQ(serial.DECtoBCD(123), 195);
+  EXPECT_EQ(serial.DECtoBCD(159), 249);
+  EXPECT_EQ(errorOf([&] { serial.DECtoBCD(160); }), 6);
+}
+
+TEST_F(Helpers, IfSetBitOverflowsFromBit30) {
+  EXPECT_TRUE(serial.IfSetBit(64, 6));
+  EXPECT_FALSE(serial.IfSetBit(64, 5));
+  EXPECT_FALSE(serial.IfSetBit(255, 8));
+  EXPECT_FALSE(serial.IfSetBit(255, 29));
+  EXPECT_EQ(errorOf([&] { serial.IfSetBit(1, 30); }), 6);
+}
+
+TEST_F(Helpers, LowestBit) {
+  EXPECT_EQ(serial.WhatBit(12), Value(Byte{2}));
+  EXPECT_EQ(serial.WhatBit(128), Value(Byte{7}));
+  EXPECT_EQ(serial.WhatBit(0), Value());
+  EXPECT_EQ(serial.LowNibbleBit(240), 0);
+  EXPECT_EQ(serial.LowNibbleBit(248), 3);
+}
+
+TEST_F(Helpers, MinimumHoldsAByte) {
+  EXPECT_EQ(serial.Minimum(7, 7), Value(Byte{7}));
+  EXPECT_EQ(serial.Minimum(3, 200), Value(Byte{3}));
+}
+
+TEST_F(Helpers, LdZrKeepsTheLastDigitsAndLosesTheSign) {
+  const auto zeros = [&](const Value& number, Byte length) { return toText(serial.LdZr(number, length)); };
+  EXPECT_EQ(zeros(std::int16_t{5}, 2), "05");
+  EXPECT_EQ(zeros(std::int16_t{-7}, 3), "007");
+  EXPECT_EQ(zeros(123.0, 2), "23");
+  EXPECT_EQ(zeros(1.5, 5), "001.5");
+  EXPECT_EQ(zeros(Value(), 2), "00");
+  EXPECT_EQ(zeros(std::string("42"), 4), "0042");
+  EXPECT_EQ(zeros(std::int16_t{5}, 0), "");
+  EXPECT_EQ(errorOf([&] { zeros(std::string("x"), 2); }), 13);
+}
+
+TEST_F(Helpers, ConvertErrKnowsFiveNumbers) {
+  const std::vector<std::pair<int, int>> table{{8005, 56},  {8012, 84}, {8018, 55}, {40006, 58},
+                                               {40020, 58}, {0, 100},   {6, 100}};
+  for (const auto& [number, result] : table) EXPECT_EQ(serial.ConvertErr(number), result) << number;
+  EXPECT_EQ(serial.ConvertErr(8005.0), 56);
+  EXPECT_EQ(serial.ConvertErr(8005.5), 100);
+}
+
+TEST(Numbers, LeadingNumberIsLenient) {
+  EXPECT_EQ(leadingNumber("09"), 9);
+  EXPECT_EQ(leadingNumber("9x"), 9);
+  EXPECT_EQ(leadingNumber("  -5"), -5);
+  for (const char* text : {"", "ab", "-", "+-5", "inf", "nan", "."})
+    EXPECT_EQ(leadingNumber(text), 0) << text;
+}
+
+TEST(Numbers, ConversionsRoundHalfToEvenAndKeepTheirRange) {
+  EXPECT_EQ(convert(2.5, Type::byte), Value(Byte{2}));
+  EXPECT_EQ(convert(3.5, Type::byte), Value(Byte{4}));
+  EXPECT_EQ(convert(255.4, Type::byte), Value(Byte{255}));
+  EXPECT_EQ(convert(true, Type::byte), Value(Byte{255}));
+  EXPECT_EQ(convert(true, Type::integer), Value(std::int16_t{-1}));
+  EXPECT_EQ(convert(std::string(" &H1f "), Type::byte), Value(Byte{31}));
+  EXPECT_EQ(convert(std::string("FALSE"), Type::boolean), Value(false));
+  EXPECT_EQ(convert(std::int32_t{-7}, Type::text), Value(std::string("-7")));
+  EXPECT_EQ(errorOf([] { convert(255.5, Type::byte); }), 6);
+  EXPECT_EQ(errorOf([] { convert(-1.0, Type::byte); }), 6);
+  EXPECT_EQ(errorOf([] { convert(std::nan(""), Type::integer); }), 6);
+  for (const char* text : {"", "1x", "&H", "1 2", "--1"}) {
+    EXPECT_EQ(errorOf([&] { convert(std::string(text), Type::byte); }), 13) << text;
+  }
+}
+
+}  // namespace
+}  // namespace velk
