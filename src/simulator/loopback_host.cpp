@@ -17,7 +17,12 @@ class LoopbackHost::Line {
     schedule(peer_->connected());
   }
 
-  void send(std::string_view bytes) { schedule(peer_->received(bytes)); }
+  void send(std::string_view bytes) {
+    if (host_.elapsed_ - lastSent_ >= frameGap) peer_->quiet();
+    host_.advance(host_.transferTime);
+    lastSent_ = host_.elapsed_;
+    schedule(peer_->received(bytes));
+  }
 
   Peer& peer() { return *peer_; }
 
@@ -59,6 +64,7 @@ class LoopbackHost::Line {
 
   LoopbackHost& host_;
   std::unique_ptr<Peer> peer_;
+  Milliseconds lastSent_{0};
   std::deque<Arrival> arriving_;
 };
 

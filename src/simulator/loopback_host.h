@@ -34,6 +34,9 @@ class LoopbackHost final : public platform::Host {
   /// Puts a server behind a host name and port; each connection makes a new peer.
   void listen(const std::string& hostName, std::uint16_t portNumber, MakePeer makePeer);
 
+  /// What each sending takes: with none, a host that polls would poll for ever.
+  Milliseconds transferTime{0};
+
   /// Sets the time of day.
   void setClock(Milliseconds sinceMidnight) { clock_ = sinceMidnight; }
 

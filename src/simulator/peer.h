@@ -28,6 +28,13 @@ class Peer {
 
   /// A line break has been seen.
   virtual void lineBreak() {}
+
+  /// Bytes come after the line was silent for `frameGap`: a request that stopped half-way is given up.
+  virtual void quiet() {}
 };
+
+/// The longest pause inside a request. Shorter than a host waits for a reply, so that its next attempt finds
+/// the interface ready.
+constexpr std::chrono::milliseconds frameGap{500};
 
 }  // namespace velk::simulator

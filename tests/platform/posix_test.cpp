@@ -9,23 +9,14 @@
 #include "component/serial.h"
 #include "platform/host.h"
 #include "platform/posix/fd.h"
-#include "values/runtime_error.h"
+#include "support/bytes.h"
 
 namespace velk::platform {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The number of the run-time error that a call raises, 0 when it raises none.
-template <class Call>
-int errorOf(Call call) {
-  try {
-    call();
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-  return 0;
-}
+using test::errorOf;
 
 std::chrono::nanoseconds cpuTime() {
   rusage usage{};

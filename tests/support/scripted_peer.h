@@ -9,19 +9,13 @@
 
 #include "component/serial.h"
 #include "simulator/loopback_host.h"
+#include "support/bytes.h"
 
 namespace velk::test {
 
 using simulator::Delivery;
 using simulator::LoopbackHost;
 using namespace std::chrono_literals;
-
-/// A byte string from values.
-inline Bytes bytes(std::initializer_list<int> values) {
-  Bytes text;
-  for (const int value : values) text += character(value);
-  return text;
-}
 
 /// What a test expects on the wire, and what comes back for it.
 struct Step {

@@ -2,21 +2,13 @@
 
 #include "component/serial.h"
 #include "simulator/loopback_host.h"
+#include "support/bytes.h"
 #include "values/numbers.h"
 
 namespace velk {
 namespace {
 
-/// The number of the run-time error that a call raises, 0 when it raises none.
-template <class Call>
-int errorOf(Call call) {
-  try {
-    call();
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-  return 0;
-}
+using test::errorOf;
 
 class Helpers : public testing::Test {
  protected:

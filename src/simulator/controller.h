@@ -1,0 +1,68 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "link/frames.h"
+#include "simulator/store.h"
+
+namespace velk::simulator {
+
+/// What the controller answers to one memory request.
+struct Reply {
+  Byte status = 0;  ///< 0: carried out
+  Bytes data;       ///< the bytes read; none for writes and short replies
+
+  [[nodiscard]] Bytes bytes() const { return character(status) + data; }
+};
+
+/// Statuses of the simulated controller.
+enum Status : Byte {
+  carriedOut = 0,
+  refused = 1,  ///< not logged in, or a request whose data do not fit its byte count
+};
+
+/// The answer to a request that is not carried out: the status and as many zero bytes as were asked for.
+Reply refusal(const link::Request& request, Byte status);
+
+/// Something that lives inside the memory, such as a clock or a mailbox. It is called with the controller
+/// locked, so it must not call the controller.
+class Device {
+ public:
+  virtual ~Device() = default;
+
+  /// Whether a byte belongs to the device.
+  [[nodiscard]] virtual bool covers(Place place) const = 0;
+
+  /// A transfer that touches the device is about to be read: the moment to bring the bytes up to date.
+  virtual void beforeRead(Store& /*store*/) {}
+
+  /// A transfer that touches the device has been written.
+  virtual void afterWrite(Store& /*store*/) {}
+};
+
+/// The simulated controller: four memories, and the devices inside them. Safe for several threads.
+class Controller {
+ public:
+  /// An empty controller.
+  Controller() = default;
+  explicit Controller(Store store) : store_(std::move(store)) {}
+
+  /// Carries out one memory request. A write needs as many data bytes as its command byte says.
+  Reply answer(const link::Request& request);
+
+  void attach(std::unique_ptr<Device> device);
+
+  /// A copy of the whole memory as it is now.
+  [[nodiscard]] Store snapshot() const;
+
+ private:
+  [[nodiscard]] std::vector<Device*> devicesIn(Place first, std::size_t count) const;
+
+  mutable std::mutex mutex_;
+  Store store_;
+  std::vector<std::unique_ptr<Device>> devices_;
+};
+
+}  // namespace velk::simulator

@@ -1,0 +1,124 @@
+#include "simulator/image.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <iomanip>
+#include <sstream>
+
+namespace velk::simulator {
+namespace {
+
+constexpr std::string_view format = "velk-memory";
+constexpr int version = 1;
+constexpr std::size_t bytesInLine = 16;
+constexpr std::array<std::string_view, Store::memories> memoryNames{"H", "V", "H+", "V+"};
+
+[[noreturn]] void fail(int line, const std::string& why) {
+  throw ImageError("line " + std::to_string(line) + ": " + why);
+}
+
+unsigned hexNumber(const std::string& word, std::size_t digits, int line) {
+  unsigned value = 0;
+  const char* const end = word.data() + word.size();
+  const auto result = std::from_chars(word.data(), end, value, 16);
+  if (word.size() != digits || result.ptr != end) {
+    fail(line, "\"" + word + "\" is not a number of " + std::to_string(digits) + " hexadecimal digits");
+  }
+  return value;
+}
+
+void checkFormat(const std::string& line) {
+  std::istringstream words(line);
+  std::string name;
+  int number = 0;
+  if (!(words >> name >> number) || name != format) fail(1, "this is no memory image");
+  if (number != version) fail(1, "the image has version " + std::to_string(number) + ", known is version 1");
+}
+
+void readLine(const std::string& text, int line, Store& store) {
+  std::istringstream words(text);
+  std::string word;
+  words >> word;
+  const auto* const memory = std::find(memoryNames.begin(), memoryNames.end(), word);
+  if (memory == memoryNames.end()) fail(line, "there is no memory \"" + word + "\"");
+  if (!(words >> word)) fail(line, "the address is missing");
+  const unsigned address = hexNumber(word, 4, line);
+  Bytes bytes;
+  while (words >> word) bytes += character(static_cast<int>(hexNumber(word, 2, line)));
+  if (bytes.empty() || bytes.size() > bytesInLine) fail(line, "a line holds 1 to 16 bytes");
+  store.write({.memory = static_cast<Memory>(memory - memoryNames.begin()),
+               .dph = static_cast<Byte>(address >> 8),
+               .dpl = static_cast<Byte>(address)},
+              bytes);
+}
+
+/// The places where lines start: each byte of a memory lies in exactly one line.
+Place lineStart(Memory memory, std::size_t line) {
+  const auto page = static_cast<Byte>(line / bytesInLine);
+  const auto position = static_cast<Byte>(line % bytesInLine * bytesInLine);
+  const Byte first = isExternal(memory) ? page : position;
+  const Byte second = isExternal(memory) ? position : page;
+  return {.memory = memory, .dph = first, .dpl = second};
+}
+
+void writeLine(std::ostream& out, Place place, const Bytes& bytes) {
+  out << std::left << std::setfill(' ') << std::setw(2)
+      << memoryNames.at(static_cast<std::size_t>(place.memory)) << ' ' << std::right << std::setfill('0')
+      << std::setw(2) << int{place.dph} << std::setw(2) << int{place.dpl};
+  for (const char c : bytes) out << ' ' << std::setw(2) << int{byteValue(c)};
+  out << '\n';
+}
+
+}  // namespace
+
+Store readImage(std::istream& in) {
+  Store store;
+  std::string text;
+  std::getline(in, text);
+  checkFormat(text);
+  for (int line = 2; std::getline(in, text); ++line) {
+    if (!text.empty() && text.back() == '\r') text.pop_back();
+    if (text == "end") return store;
+    if (text.empty() || text.front() == '#') continue;
+    readLine(text, line, store);
+  }
+  throw ImageError("the image is not complete: its last line, \"end\", is missing");
+}
+
+void writeImage(std::ostream& out, const Store& store) {
+  constexpr std::size_t lines = Store::memorySize / bytesInLine;
+  out << format << ' ' << version << '\n' << std::hex << std::uppercase;
+  for (std::size_t memory = 0; memory < Store::memories; ++memory) {
+    for (std::size_t line = 0; line < lines; ++line) {
+      const Place place = lineStart(static_cast<Memory>(memory), line);
+      const Bytes bytes = store.read(place, bytesInLine);
+      if (bytes.find_first_not_of('\0') != Bytes::npos) writeLine(out, place, bytes);
+    }
+  }
+  out << "end\n";
+}
+
+Store loadImage(const std::string& path) {
+  std::ifstream in(path);
+  if (!in) throw ImageError(path + ": the file cannot be opened");
+  try {
+    return readImage(in);
+  } catch (const ImageError& error) {
+    throw ImageError(path + ": " + error.what());
+  }
+}
+
+void saveImage(const std::string& path, const Store& store) {
+  const std::string unfinished = path + ".new";
+  std::ofstream out(unfinished, std::ios::binary);
+  writeImage(out, store);
+  out.close();
+  std::error_code error;
+  if (out) std::filesystem::rename(unfinished, path, error);
+  if (!out || error) throw ImageError(path + ": the file cannot be written");
+}
+
+}  // namespace velk::simulator

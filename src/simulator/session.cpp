@@ -1,0 +1,47 @@
+#include "simulator/session.h"
+
+namespace velk::simulator {
+namespace {
+
+bool misbehaves(const Plan& plan) {
+  return plan.silent || plan.disconnect || plan.shortTo || plan.wrongHeader || plan.foreign > 0 ||
+         plan.late.count() > 0;
+}
+
+}  // namespace
+
+Reply Session::answer(const link::Request& request, const Plan& plan) {
+  Reply reply = plan.status ? refusal(request, *plan.status) : controller_.answer(request);
+  if (options_.trace) {
+    note(describe(request) + " -> " + describe(reply) + (misbehaves(plan) ? " (faulty reply)" : ""));
+  }
+  return reply;
+}
+
+Deliveries Session::deliver(const Plan& plan, Bytes reply, std::string_view foreign) {
+  if (plan.disconnect) return {{.bytes = {}, .after = plan.late, .hangUp = true}};
+  if (plan.silent) return {};
+  if (plan.shortTo) reply.resize(std::min(reply.size(), *plan.shortTo));
+  Bytes all;
+  for (std::size_t i = 0; i < plan.foreign; ++i) all += foreign;
+  all += reply;
+  if (all.empty()) return {};
+  return {{.bytes = std::move(all), .after = plan.late}};
+}
+
+Deliveries BufferedSession::received(std::string_view bytes) {
+  Deliveries out;
+  buffer_ += bytes;
+  while (!buffer_.empty()) {
+    const std::size_t taken = take(buffer_, out);
+    if (taken == 0) break;
+    buffer_.erase(0, taken);
+  }
+  return out;
+}
+
+link::Request requestFrom(std::string_view text) {
+  return {.command = byteAt(text, 0), .dph = byteAt(text, 1), .dpl = byteAt(text, 2), .data = text.substr(3)};
+}
+
+}  // namespace velk::simulator

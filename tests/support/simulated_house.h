@@ -1,0 +1,97 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "component/serial.h"
+#include "simulator/controller.h"
+#include "simulator/ethernet_sessions.h"
+#include "simulator/house.h"
+#include "simulator/loopback_host.h"
+#include "simulator/serial_sessions.h"
+#include "support/bytes.h"
+
+namespace velk::test {
+
+enum class LinkKind { echo, fast, ethernetQ, ethernetS };
+
+inline constexpr std::array allLinks{LinkKind::echo, LinkKind::fast, LinkKind::ethernetQ, LinkKind::ethernetS};
+
+inline std::string nameOf(LinkKind kind) {
+  constexpr std::array names{"echo", "fast", "ethernetQ", "ethernetS"};
+  return names[static_cast<std::size_t>(kind)];
+}
+
+/// A `Serial` in front of the simulated house.
+class SimulatedHouse : public testing::Test {
+ protected:
+  void open(LinkKind kind, simulator::Faults faults = {}) {
+    host.transferTime = std::chrono::milliseconds(1);
+    const auto makePeer = [this, kind, faults]() -> std::unique_ptr<simulator::Peer> {
+      simulator::SessionOptions options{.faults = faults,
+                                        .trace = [this](const std::string& line) { note(line); }};
+      switch (kind) {
+        case LinkKind::echo:
+          return std::make_unique<simulator::EchoSession>(controller, options);
+        case LinkKind::fast:
+          return std::make_unique<simulator::FastSession>(controller, options);
+        case LinkKind::ethernetQ:
+          return std::make_unique<simulator::EthernetQSession>(controller, options);
+        case LinkKind::ethernetS:
+          return std::make_unique<simulator::EthernetSSession>(controller, options);
+      }
+      return nullptr;
+    };
+    serial.CloseTCP();
+    serial.CloseCom();
+    if (kind == LinkKind::echo || kind == LinkKind::fast) {
+      host.plugIn(1, makePeer);
+      ASSERT_EQ(serial.OpenCom(1, 9600, kind == LinkKind::fast), 0);
+      serial.FlgBreak = false;
+    } else {
+      host.listen("house", 1000, makePeer);
+      ASSERT_EQ(serial.OpenTCP("house", 1000), 0);
+    }
+    requests.clear();
+  }
+
+  /// Opens the fastest link with one fault.
+  void openWith(const std::string& fault) { open(LinkKind::ethernetQ, {fault}); }
+
+  [[nodiscard]] Bytes memoryAt(int dph, int dpl, std::size_t count,
+                               simulator::Memory memory = simulator::Memory::external) const {
+    return controller.snapshot().read({memory, static_cast<Byte>(dph), static_cast<Byte>(dpl)}, count);
+  }
+
+  void setMemory(int dph, int dpl, const Bytes& data,
+                 simulator::Memory memory = simulator::Memory::external) {
+    const bool high = memory == simulator::Memory::highBlock || memory == simulator::Memory::highExternal;
+    for (std::size_t i = 0; i < data.size(); ++i) {
+      const auto place = simulator::after({memory, static_cast<Byte>(dph), static_cast<Byte>(dpl)}, i);
+      controller.answer({.command = static_cast<Byte>(link::write | (simulator::isExternal(memory) ? 32 : 0) |
+                                                      (high ? 128 : 0)),
+                         .dph = place.dph,
+                         .dpl = place.dpl,
+                         .data = std::string_view(data).substr(i, 1)});
+    }
+  }
+
+  simulator::Controller controller{simulator::house()};
+  simulator::LoopbackHost host;
+  Serial serial{host};
+
+  /// The requests since the link was opened, without their names: "write 1 V 0501 05".
+  std::vector<std::string> requests;
+
+ private:
+  void note(const std::string& line) {
+    if (line.rfind("read", 0) != 0 && line.rfind("write", 0) != 0) return;
+    const auto end = std::min(line.find("  ", 6), line.find(" ->"));
+    requests.push_back(line.substr(0, end));
+  }
+};
+
+}  // namespace velk::test
