@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/windows/handle.h"
+
+namespace velk::platform {
+
+/// An address to connect to.
+struct SocketAddress {
+  SOCKADDR_STORAGE storage{};
+  int size = 0;
+};
+
+/// Looks up a host name without blocking: addresses given as digits are there at once, names are asked for on
+/// a thread of their own that outlives the lookup if it has to.
+class Lookup {
+ public:
+  Lookup(const std::string& host, std::uint16_t port);
+
+  /// Signalled once the lookup has ended; null when it was there at once.
+  [[nodiscard]] HANDLE event() const;
+
+  [[nodiscard]] bool finished() const;
+
+  /// The addresses found, in the order of preference; empty when the name is unknown.
+  [[nodiscard]] std::vector<SocketAddress> addresses() const;
+
+ private:
+  struct Shared;
+  std::shared_ptr<Shared> shared_;
+};
+
+}  // namespace velk::platform

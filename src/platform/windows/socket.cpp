@@ -1,0 +1,169 @@
+#include "platform/windows/socket.h"
+
+#include <mstcpip.h>
+#include <ws2tcpip.h>
+
+#include <algorithm>
+
+#include "platform/devices.h"
+#include "values/runtime_error.h"
+
+namespace velk::platform {
+namespace {
+
+/// How long a peer may refuse to take anything.
+constexpr int sendPatience = 2000;  // ms
+
+constexpr std::size_t bufferSize = 8192;
+
+/// Once in the life of the process; the system cleans up at its end.
+void startWinsock() {
+  static const int result = [] {
+    WSADATA data;
+    return WSAStartup(MAKEWORD(2, 2), &data);
+  }();
+  static_cast<void>(result);
+}
+
+/// The system asks a port that refuses twice more, which takes longer than a wait for a greeting. Where
+/// another address is left to try it is asked once.
+void askOnce(SOCKET socket) {
+  TCP_INITIAL_RTO_PARAMETERS parameters{.Rtt = TCP_INITIAL_RTO_DEFAULT_RTT,
+                                        .MaxSynRetransmissions = TCP_INITIAL_RTO_NO_SYN_RETRANSMISSIONS};
+  DWORD size = 0;
+  WSAIoctl(socket, SIO_TCP_INITIAL_RTO, &parameters, sizeof parameters, nullptr, 0, &size, nullptr, nullptr);
+}
+
+bool becomesWritable(SOCKET socket) {
+  WSAPOLLFD ready{.fd = socket, .events = POLLWRNORM, .revents = 0};
+  return WSAPoll(&ready, 1, sendPatience) > 0;
+}
+
+}  // namespace
+
+void WindowsSocket::connect(const std::string& host, std::uint16_t port) {
+  if (state_ != State::closed) throw RuntimeError(RuntimeError::socketNotClosed);
+  startWinsock();
+  deviceOpened();
+  state_ = State::resolving;
+  lookup_.emplace(host, port);
+  if (lookup_->finished()) advance();
+}
+
+void WindowsSocket::close() {
+  if (state_ == State::closed) return;
+  die();
+  lookup_.reset();
+  candidates_.clear();
+  hasData_ = false;
+  state_ = State::closed;
+  deviceClosed();
+}
+
+Bytes WindowsSocket::receive() {
+  requireConnected();
+  hasData_ = false;
+  Bytes all;
+  while (reading_.state() != Transfer::State::running) {
+    const bool ended = reading_.state() != Transfer::State::done || reading_.bytes().empty();
+    if (ended) {
+      die();
+      return all;
+    }
+    all += reading_.bytes();
+    reading_.receive(socket_.get(), bufferSize);
+  }
+  return all;
+}
+
+void WindowsSocket::send(std::string_view bytes) {
+  requireConnected();
+  while (!bytes.empty()) {
+    const int n = ::send(socket_.get(), bytes.data(), static_cast<int>(bytes.size()), 0);
+    if (n > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(n));
+    } else if (WSAGetLastError() != WSAEWOULDBLOCK || !becomesWritable(socket_.get())) {
+      die();
+      throw RuntimeError(RuntimeError::badSocketState);
+    }
+  }
+}
+
+HANDLE WindowsSocket::event() const {
+  switch (state_) {
+    case State::resolving:
+      return lookup_->event();
+    case State::connecting:
+      return connectEvent_.get();
+    case State::connected:
+      return reading_.event();
+    case State::closed:
+    case State::dead:
+      break;
+  }
+  return nullptr;
+}
+
+void WindowsSocket::advance() {
+  if (state_ == State::resolving && lookup_->finished()) {
+    candidates_ = lookup_->addresses();
+    std::reverse(candidates_.begin(), candidates_.end());
+    lookup_.reset();
+    connectNext();
+  } else if (state_ == State::connecting) {
+    WSANETWORKEVENTS events{};
+    WSAEnumNetworkEvents(socket_.get(), connectEvent_.get(), &events);
+    if ((events.lNetworkEvents & FD_CONNECT) == 0) return;
+    if (events.iErrorCode[FD_CONNECT_BIT] == 0) {
+      connected();
+    } else {
+      connectNext();
+    }
+  } else if (state_ == State::connected && reading_.state() != Transfer::State::running) {
+    hasData_ = true;
+  }
+}
+
+void WindowsSocket::requireConnected() const {
+  if (state_ != State::connected) throw RuntimeError(RuntimeError::badSocketState);
+}
+
+/// Tries the addresses one after another: a name may have one that the interface does not listen on.
+void WindowsSocket::connectNext() {
+  state_ = State::connecting;
+  while (!candidates_.empty()) {
+    const SocketAddress address = candidates_.back();
+    candidates_.pop_back();
+    if (startConnecting(address)) return;
+  }
+  die();
+}
+
+/// The event reports the outcome, also of an attempt that succeeds at once.
+bool WindowsSocket::startConnecting(const SocketAddress& address) {
+  socket_.reset(WSASocketW(address.storage.ss_family, SOCK_STREAM, 0, nullptr, 0,
+                           WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));
+  if (!socket_) return false;
+  if (!candidates_.empty()) askOnce(socket_.get());
+  connectEvent_ = makeEvent();
+  WSAEventSelect(socket_.get(), connectEvent_.get(), FD_CONNECT);
+  const auto* name = reinterpret_cast<const sockaddr*>(&address.storage);
+  return ::connect(socket_.get(), name, address.size) == 0 || WSAGetLastError() == WSAEWOULDBLOCK;
+}
+
+void WindowsSocket::connected() {
+  state_ = State::connected;
+  WSAEventSelect(socket_.get(), nullptr, 0);
+  const BOOL on = TRUE;
+  setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+  reading_.receive(socket_.get(), bufferSize);
+}
+
+void WindowsSocket::die() {
+  state_ = State::dead;
+  reading_.cancel();
+  socket_.reset();
+  connectEvent_.reset();
+}
+
+}  // namespace velk::platform

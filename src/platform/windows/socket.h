@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "platform/socket.h"
+#include "platform/windows/resolver.h"
+#include "platform/windows/transfer.h"
+
+namespace velk::platform {
+
+/// An owned socket.
+class UniqueSocket {
+ public:
+  UniqueSocket() = default;
+  ~UniqueSocket() { reset(); }
+  UniqueSocket(const UniqueSocket&) = delete;
+  UniqueSocket& operator=(const UniqueSocket&) = delete;
+
+  void reset(SOCKET socket = INVALID_SOCKET) {
+    if (socket_ != INVALID_SOCKET) closesocket(socket_);
+    socket_ = socket;
+  }
+
+  [[nodiscard]] SOCKET get() const { return socket_; }
+  explicit operator bool() const { return socket_ != INVALID_SOCKET; }
+
+ private:
+  SOCKET socket_ = INVALID_SOCKET;
+};
+
+/// A TCP socket that never blocks but in `Host::block`.
+class WindowsSocket final : public Socket {
+ public:
+  WindowsSocket() = default;
+  ~WindowsSocket() override { close(); }
+  WindowsSocket(const WindowsSocket&) = delete;
+  WindowsSocket& operator=(const WindowsSocket&) = delete;
+
+  void connect(const std::string& host, std::uint16_t port) override;
+  void close() override;
+  [[nodiscard]] bool isOpen() const override { return state_ != State::closed; }
+  [[nodiscard]] bool hasData() const override { return hasData_; }
+  [[nodiscard]] bool isDead() const override { return state_ == State::closed || state_ == State::dead; }
+  Bytes receive() override;
+  void send(std::string_view bytes) override;
+
+  /// What to wait for; null is nothing.
+  [[nodiscard]] HANDLE event() const;
+
+  /// Carries on with what has happened.
+  void advance();
+
+ private:
+  enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
+
+  void requireConnected() const;
+  void connectNext();
+  bool startConnecting(const SocketAddress& address);
+  void connected();
+  void die();
+
+  State state_ = State::closed;
+  bool hasData_ = false;
+  std::optional<Lookup> lookup_;
+  std::vector<SocketAddress> candidates_;  ///< addresses not tried yet, the next one last
+  UniqueSocket socket_;
+  Handle connectEvent_;
+  Transfer reading_;  ///< always running while connected: what comes goes there first
+};
+
+}  // namespace velk::platform
