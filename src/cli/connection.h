@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "component/serial.h"
+#include "simulator/controller.h"
+#include "simulator/loopback_host.h"
+
+namespace velk::cli {
+
+/// Which link to open before a call; at most one.
+struct LinkOptions {
+  std::string tcp;  ///< HOST:PORT
+  Bytes password;
+  Byte busAddress = 2;
+  std::string serial;  ///< a device
+  std::int16_t baud = 9600;
+  bool fast = false;
+  bool simulate = false;
+};
+
+/// A `Serial` object and the link that it is open on.
+class Connection {
+ public:
+  /// Opens the link, if one is asked for: `result` tells how that went, like the methods that open it. Throws
+  /// std::invalid_argument with a sentence.
+  explicit Connection(const LinkOptions& options);
+
+  [[nodiscard]] Serial& serial() { return *serial_; }
+  [[nodiscard]] Byte result() const { return result_; }
+
+ private:
+  void openTcp(const LinkOptions& options);
+  void openSerial(const LinkOptions& options);
+  void openSimulator(const LinkOptions& options);
+
+  std::unique_ptr<simulator::Controller> controller_;
+  std::unique_ptr<simulator::LoopbackHost> host_;
+  std::unique_ptr<Serial> serial_;
+  Byte result_ = 0;
+};
+
+}  // namespace velk::cli

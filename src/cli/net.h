@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+#include "net_types.h"  // the platform's own
+
+/// What the socket interfaces of operating systems do differently.
+namespace velk::cli::net {
+
+enum class Event : std::uint8_t { readable, writable };
+
+/// Whether the event, or the end of the connection, has come within the time.
+bool wait(Handle handle, Event event, std::chrono::milliseconds longest);
+
+void close(Handle handle);
+
+/// Has to be called before any socket is made; may be called again.
+void start();
+
+/// The number of the last error, as std::system_category counts.
+int lastError();
+
+/// A listener may take a port that its last connections have not quite released; a stream sends small
+/// packets at once and never ends the process.
+void prepareListener(Handle handle);
+void prepareStream(Handle handle);
+
+}  // namespace velk::cli::net

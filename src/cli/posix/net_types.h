@@ -1,0 +1,17 @@
+#pragma once
+
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cstddef>
+
+namespace velk::cli::net {
+
+using Handle = int;
+using Size = std::size_t;
+using AddressSize = socklen_t;
+constexpr Handle none = -1;
+constexpr int sendFlags = MSG_NOSIGNAL;
+
+}  // namespace velk::cli::net

@@ -1,0 +1,199 @@
+#include <CLI/CLI.hpp>
+#include <atomic>
+#include <csignal>
+#include <iostream>
+#include <mutex>
+
+#include "cli/exit_status.h"
+#include "cli/serve.h"
+#include "cli/server.h"
+#include "simulator/controller.h"
+#include "simulator/ethernet_sessions.h"
+#include "simulator/house.h"
+#include "simulator/image.h"
+#include "simulator/serial_sessions.h"
+
+/// The simulated controller behind TCP ports and serial lines.
+namespace velk::cli {
+namespace {
+
+using simulator::Controller;
+using simulator::SessionOptions;
+
+constexpr const char* description =
+    "A simulated controller behind TCP ports and serial lines.\n\n"
+    "Prints one line for each interface (\"tcp Q 127.0.0.1:PORT\", \"tcp S ...\", \"echo DEVICE\",\n"
+    "\"fast DEVICE\") and then \"ready\". Without an interface: --tcp 0. Ends on Ctrl-C and SIGTERM.";
+
+constexpr const char* examples =
+    "\nExamples:\n"
+    "  velk-sim --tcp 8445 --trace\n"
+    "  velk-sim --tcp-q 0 --tcp-s 0 --echo --fast\n"
+    "  velk-sim --tcp 8445 --password 1234 --image house.txt --save house.txt\n"
+    "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
+
+struct Options {
+  std::vector<std::uint16_t> portsQ;
+  std::vector<std::uint16_t> portsS;
+  std::string address = "127.0.0.1";
+  std::string password;
+  std::vector<std::string> echo;
+  std::vector<std::string> fast;
+  int baud = 9600;
+  int busAddress = 2;
+  std::string image;
+  std::string save;
+  bool trace = false;
+  std::vector<std::string> faults;
+  double seconds = 0;
+};
+
+std::string describeFaults() {
+  std::string text =
+      "\nFaults, KIND[=N]@WHICH; WHICH is a request (3), a range (2-4, 5-), 0 for the login or *\n"
+      "for all requests; each connection counts its own from 1:\n";
+  for (const auto& kind : simulator::faultKinds()) {
+    std::string name(kind.name);
+    if (!kind.argument.empty()) name += (kind.fallback < 0 ? "=" : "[=") + std::string(kind.argument);
+    if (kind.fallback >= 0 && !kind.argument.empty()) name += "]";
+    name.resize(std::max<std::size_t>(name.size() + 2, 18), ' ');
+    text += "  " + name + std::string(kind.help) + "\n";
+  }
+  return text;
+}
+
+void declare(CLI::App& app, Options& options) {
+  app.add_option("--tcp,--tcp-q", options.portsQ, "Serve kind Q on a TCP port (0: any free one); repeatable")
+      ->type_name("PORT")
+      ->allow_extra_args(false);
+  app.add_option("--tcp-s", options.portsS, "Serve kind S on a TCP port; repeatable")
+      ->type_name("PORT")
+      ->allow_extra_args(false);
+  app.add_option("--bind", options.address, "Address of the TCP ports, in digits")->capture_default_str();
+  app.add_option("--password", options.password,
+                 "Password of kind Q, four characters (none: four zero bytes)");
+  app.add_option("--echo", options.echo, "Serve echo mode on a serial device, or on a new pseudo terminal")
+      ->type_name("[DEVICE]")
+      ->expected(0, 1);
+  app.add_option("--fast", options.fast, "Serve fast mode likewise")->type_name("[DEVICE]")->expected(0, 1);
+  app.add_option("--baud", options.baud, "Rate of serial devices in bit/s")->capture_default_str();
+  app.add_option("--address", options.busAddress, "Bus address of the controller")
+      ->capture_default_str()
+      ->check(CLI::Range(0, 255));
+  app.add_option("--image", options.image, "Start from a memory image, else from a small house")
+      ->type_name("FILE");
+  app.add_option("--save", options.save, "Save the memory image at the end")->type_name("FILE");
+  app.add_flag("--trace", options.trace, "Print each request and its reply");
+  app.add_option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
+      ->type_name("KIND[=N]@WHICH")
+      ->allow_extra_args(false);
+  app.add_option("--for", options.seconds, "End after so many seconds")->type_name("SECONDS");
+  app.footer(examples + describeFaults());
+}
+
+std::atomic<bool> interrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
+
+void interrupt(int /*signal*/) {
+  interrupted = true;
+}
+
+void print(const std::string& line) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  std::cout << line << std::endl;  // NOLINT(performance-avoid-endl): programs wait for the lines
+}
+
+SessionOptions sessionOptions(const Options& options) {
+  SessionOptions result;
+  result.busAddress = static_cast<Byte>(options.busAddress);
+  result.password = padded(options.password, 4, '\0');
+  for (const std::string& fault : options.faults) result.faults.add(fault);
+  if (options.trace) result.trace = print;
+  return result;
+}
+
+template <class Session>
+Server::MakePeer makerOf(Controller& controller, const SessionOptions& options) {
+  return [&controller, options] { return std::make_unique<Session>(controller, options); };
+}
+
+void announce(std::string interface, std::string_view place) {
+  print((interface += ' ').append(place));
+}
+
+void listen(Server& server, const std::string& interface, const std::string& address,
+            const std::vector<std::uint16_t>& ports, const Server::MakePeer& makePeer) {
+  for (const std::uint16_t port : ports) {
+    announce(interface, address + ':' + std::to_string(server.listen(address, port, makePeer)));
+  }
+}
+
+void serveSerial(Server& server, const std::string& interface, const std::vector<std::string>& devices,
+                 int baud, const Server::MakePeer& makePeer) {
+  for (const std::string& device : devices) {
+    if (device.empty()) {
+      announce(interface, server.servePseudoLine(makePeer));
+    } else {
+      server.serveDevice(device, baud, makePeer);
+      announce(interface, device);
+    }
+  }
+}
+
+void waitForTheEnd(double seconds) {
+  using Clock = std::chrono::steady_clock;
+  const auto end =
+      Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+  while (!interrupted && (seconds <= 0 || Clock::now() < end)) std::this_thread::sleep_for(stopInterval);
+}
+
+void run(Options& options) {
+  if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {
+    options.portsQ.push_back(0);
+  }
+  Controller controller(options.image.empty() ? simulator::house() : simulator::loadImage(options.image));
+  const SessionOptions session = sessionOptions(options);
+  {
+    Server server;
+    listen(server, "tcp Q", options.address, options.portsQ,
+           makerOf<simulator::EthernetQSession>(controller, session));
+    listen(server, "tcp S", options.address, options.portsS,
+           makerOf<simulator::EthernetSSession>(controller, session));
+    serveSerial(server, "echo", options.echo, options.baud,
+                makerOf<simulator::EchoSession>(controller, session));
+    serveSerial(server, "fast", options.fast, options.baud,
+                makerOf<simulator::FastSession>(controller, session));
+    print("ready");
+    waitForTheEnd(options.seconds);
+  }
+  if (!options.save.empty()) simulator::saveImage(options.save, controller.snapshot());
+}
+
+int main(int argc, char** argv) {
+  CLI::App app(description, "velk-sim");
+  Options options;
+  declare(app, options);
+  try {
+    app.parse(argc, argv);
+    std::signal(SIGINT, interrupt);
+    std::signal(SIGTERM, interrupt);
+    run(options);
+    return 0;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : wrongUsage;
+  } catch (const std::invalid_argument& error) {
+    std::cerr << "velk-sim: " << error.what() << '\n';
+    return wrongUsage;
+  } catch (const std::exception& error) {
+    std::cerr << "velk-sim: " << error.what() << '\n';
+    return noLink;
+  }
+}
+
+}  // namespace
+}  // namespace velk::cli
+
+int main(int argc, char** argv) {
+  return velk::cli::main(argc, argv);
+}

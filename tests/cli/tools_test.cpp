@@ -1,0 +1,224 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "values/bytes.h"
+
+namespace velk::cli {
+namespace {
+
+using Words = std::vector<std::string>;
+
+/// One of the tools, running; what it prints on standard output can be read line by line.
+class Tool {
+ public:
+  Tool(const std::string& name, Words words) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+    words.insert(words.begin(), std::string(VELK_BIN_DIR) + "/" + name);
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ == 0) {
+      dup2(ends[1], STDOUT_FILENO);
+      const int nothing = open("/dev/null", O_WRONLY);
+      dup2(nothing, STDERR_FILENO);
+      execv(arguments[0], arguments.data());
+      _exit(127);
+    }
+    close(ends[1]);
+    out_ = ends[0];
+  }
+
+  ~Tool() {
+    if (pid_ > 0) finish();
+    close(out_);
+  }
+  Tool(const Tool&) = delete;
+  Tool& operator=(const Tool&) = delete;
+
+  /// The next line; empty at the end, or when none comes within ten seconds.
+  std::string line() {
+    while (text_.find('\n') == std::string::npos && more()) {
+    }
+    const auto end = text_.find('\n');
+    std::string first = text_.substr(0, end);
+    text_.erase(0, end == std::string::npos ? end : end + 1);
+    return first;
+  }
+
+  std::string all() {
+    while (more()) {
+    }
+    return std::move(text_);
+  }
+
+  /// Asks the tool to end, as a service manager would. Returns its exit status.
+  int finish() {
+    kill(pid_, SIGTERM);
+    return wait();
+  }
+
+  int wait() {
+    int status = 0;
+    waitpid(std::exchange(pid_, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  bool more() {
+    pollfd watched{.fd = out_, .events = POLLIN, .revents = 0};
+    std::array<char, 4096> buffer{};
+    if (poll(&watched, 1, 10'000) <= 0) return false;
+    const auto n = read(out_, buffer.data(), buffer.size());
+    if (n > 0) text_.append(buffer.data(), static_cast<std::size_t>(n));
+    return n > 0;
+  }
+
+  pid_t pid_ = -1;
+  int out_ = -1;
+  std::string text_;
+};
+
+struct Ended {
+  int status;
+  std::string text;
+};
+
+Ended velk(Words words) {
+  Tool tool("velk", std::move(words));
+  std::string text = tool.all();
+  return {.status = tool.wait(), .text = std::move(text)};
+}
+
+Ended call(Words words) {
+  words.insert(words.begin(), "call");
+  return velk(std::move(words));
+}
+
+TEST(VelkTest, PrintsTheResultAndWhatWasWrittenBack) {
+  const Ended read = call({"--simulate", "Ctl_Param", "R", "5", "", "Aantal=3"});
+  EXPECT_EQ(read.status, 0);
+  EXPECT_EQ(read.text, "0  (done)\nMode=T1\nParameters=\\x05\\x01\\x03\nAantal=3\n");
+  const Ended bad = call({"--simulate", "ctl_param", "address=0", "ReadOrWrite=R", "Mode="});
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_EQ(bad.text.substr(0, bad.text.find('\n')), "112  (an address or a field is out of range)");
+}
+
+TEST(VelkTest, TransactionsEndByTheirStatusAndValuesWell) {
+  const Ended reply = call({"--simulate", "ReadCom", "4", "5", "64", "V"});
+  EXPECT_EQ(reply.status, 0);
+  EXPECT_EQ(reply.text, "\\x00Hall  (done)\n");
+  EXPECT_EQ(call({"--simulate", "--set", "SerAddress=9", "ReadCom", "1", "5", "1", "V"}).text,
+            "\\xfc  (no reply, or one of a wrong length)\n");
+  EXPECT_EQ(call({"DECtoBCD", "59"}).text, "89\n");
+  EXPECT_EQ(call({"DECtoBCD", "59"}).status, 0);
+  EXPECT_EQ(call({"LdZr", "-7", "3"}).text, "007\n");
+  EXPECT_EQ(call({"--simulate", "SoortETH"}).text, "Q\n");
+  EXPECT_EQ(call({"--set", "NoEcho=true", "NoEcho"}).text, "True\n");
+}
+
+TEST(VelkTest, ReadsAndWritesEscapes) {
+  EXPECT_EQ(call({"ModeToNr", "\\x44I"}).text, "3\n");
+  EXPECT_EQ(call({"ModeToNr", "ModeStr=|P\\\\"}).text, "0\n");
+  EXPECT_EQ(call({"--simulate", "TranceivTcp", "1", "1", "0", "255", "/\\x02\\x60\\x05\\x40\\\\"}).status, 0);
+  for (const char* const wrong : {"\\", "\\x", "\\x1", "\\xg0", "\\n", "\\x-1"}) {
+    EXPECT_EQ(call({"ModeToNr", wrong}).status, 2) << wrong;
+  }
+}
+
+TEST(VelkTest, PrintsJson) {
+  const Ended read = call({"--simulate", "Ctl_Param", "R", "8", "", "--json"});
+  const auto json = nlohmann::json::parse(read.text);
+  EXPECT_EQ(json["method"], "Ctl_Param");
+  EXPECT_EQ(json["result"], 0);
+  EXPECT_EQ(json["meaning"], "done");
+  EXPECT_EQ(json["arguments"]["Mode"], "T2");
+  EXPECT_EQ(json["arguments"]["Aantal"], 12);
+  const auto link =
+      nlohmann::json::parse(call({"--simulate", "ReadCom", "1", "11", "16", "V", "--json"}).text);
+  EXPECT_EQ(link["result"], std::string("\0\xc2\x85", 3)) << "each character is one byte";
+  const Ended failed = call({"ReadCom", "1", "5", "1", "V", "--json"});
+  EXPECT_EQ(failed.status, 3);
+  EXPECT_EQ(nlohmann::json::parse(failed.text)["error"]["number"], 8018);
+  EXPECT_TRUE(nlohmann::json::parse(call({"WhatBit", "0", "--json"}).text)["result"].is_null());
+}
+
+TEST(VelkTest, RefusesAWrongCommandLine) {
+  for (const Words& words :
+       {Words{"call", "Nothing"}, Words{"call", "DECtoBCD"}, Words{"call", "DECtoBCD", "1", "2"},
+        Words{"call", "DECtoBCD", "256"}, Words{"call", "DECtoBCD", "x"},
+        Words{"call", "DECtoBCD", "1", "Getal=1"}, Words{"call", "--tcp", "here", "SoortETH"},
+        Words{"call", "--set", "OpenCom=1", "TCP"}, Words{"call", "--set", "TCP=x", "TCP"},
+        Words{"call", "--simulate", "--serial", "x", "TCP"}, Words{}, Words{"nothing"}}) {
+    EXPECT_EQ(velk(words).status, 2) << testing::PrintToString(words);
+  }
+  EXPECT_EQ(call({"DECtoBCD", "160"}).status, 3);
+  EXPECT_EQ(call({"--serial", "/dev/null/none", "TCP"}).status, 4);
+}
+
+TEST(VelkTest, ListsMethods) {
+  const Ended list = velk({"methods"});
+  EXPECT_EQ(list.status, 0);
+  EXPECT_NE(list.text.find("OpenTCP(IpAddress text, PortNumber integer, PassWord in/out text = \"\", "
+                           "RSAddress byte = 2) : byte"),
+            std::string::npos);
+}
+
+/// The part of a line behind its first words.
+std::string behind(const std::string& line, const std::string& start) {
+  EXPECT_EQ(line.substr(0, start.size()), start);
+  return line.substr(std::min(start.size(), line.size()));
+}
+
+TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {
+  const std::string image = testing::TempDir() + "velk-sim-test-" + std::to_string(getpid());
+  Tool simulator("velk-sim", {"--tcp", "0", "--tcp-s", "0", "--echo", "--fast", "--password", "ab", "--trace",
+                              "--save", image, "--for", "60"});
+  const std::string q = behind(simulator.line(), "tcp Q ");
+  const std::string s = behind(simulator.line(), "tcp S ");
+  const std::string echo = behind(simulator.line(), "echo ");
+  const std::string fast = behind(simulator.line(), "fast ");
+  EXPECT_EQ(simulator.line(), "ready");
+
+  EXPECT_EQ(call({"--tcp", q, "--password", "ab", "WriteCom", "1", "5", "4", "V", "\\x2a"}).text,
+            "\\x00  (done)\n");
+  EXPECT_EQ(simulator.line(), "login -> accepted");
+  EXPECT_EQ(simulator.line(), "write 1 V 0504 2A  output 5, parameters -> ok");
+  const Ended refused = call({"--tcp", q, "--password", "no", "ReadCom", "1", "5", "4", "V"});
+  EXPECT_EQ(refused.status, 4);
+  for (const Words& link : {Words{"--tcp", s}, Words{"--serial", echo}, Words{"--serial", fast, "--fast"},
+                            Words{"--serial", echo}}) {
+    Words words = link;
+    words.insert(words.end(), {"ReadCom", "1", "5", "4", "V"});
+    EXPECT_EQ(call(words).text, "\\x00*  (done)\n") << testing::PrintToString(link);
+  }
+
+  EXPECT_EQ(simulator.finish(), 0);
+  Tool again("velk-sim", {"--image", image, "--fault", "late=300@1", "--fault", "status=9@2-"});
+  const std::string reloaded = behind(again.line(), "tcp Q ");
+  EXPECT_EQ(call({"--tcp", reloaded, "ReadCom", "1", "5", "4", "V"}).text, "\\x00*  (done)\n");
+  EXPECT_EQ(call({"--tcp", reloaded, "Ctl_Param", "R", "5", ""}).text.substr(0, 3), "9  ");
+  EXPECT_EQ(again.finish(), 0);
+  std::filesystem::remove(image);
+}
+
+TEST(VelkSimTest, RefusesWhatItCannotDo) {
+  EXPECT_EQ(Tool("velk-sim", {"--fault", "nonsense@1"}).wait(), 2);
+  EXPECT_EQ(Tool("velk-sim", {"--address", "256"}).wait(), 2);
+  EXPECT_EQ(Tool("velk-sim", {"--image", "/nowhere/image"}).wait(), 4);
+  EXPECT_EQ(Tool("velk-sim", {"--bind", "nobody"}).wait(), 4);
+  EXPECT_EQ(Tool("velk-sim", {"--echo", "/nowhere/device"}).wait(), 4);
+}
+
+}  // namespace
+}  // namespace velk::cli
