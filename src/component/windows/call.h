@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "component/methods.h"
+#include "component/windows/argument.h"
+
+namespace velk::com {
+
+/// One call of a method through the dispatch interface: the arguments on their way to the method, and its
+/// results on their way back. A step that fails returns an automation error code (DISP_E_...); run-time
+/// errors are raised.
+class Call {
+ public:
+  Call(const Method& method, const DISPPARAMS& passed) : method_(method), passed_(passed) {}
+
+  /// Finds the argument for each parameter and brings it into the parameter's type.
+  HRESULT take();
+
+  /// Runs the method.
+  Value run(Serial& serial) { return method_.call(serial, values_.data()); }
+
+  /// Writes changed arguments back into the caller's variables.
+  HRESULT giveBack();
+
+  /// The value of a parameter.
+  [[nodiscard]] const Value& value(std::size_t parameter) const { return values_[parameter]; }
+
+  /// Tells a host that asks which argument, by its position in the host's list, is at fault.
+  void reportFault(UINT* argument) const {
+    if (fault_ && argument != nullptr) *argument = *fault_;
+  }
+
+ private:
+  HRESULT place();
+  HRESULT load();
+  HRESULT failed(HRESULT code, std::size_t parameter);
+
+  const Method& method_;
+  const DISPPARAMS& passed_;
+  std::array<VARIANT*, mostParameters> sources_{};
+  std::array<Value, mostParameters> values_{};
+  std::array<bool, mostParameters> given_{};
+  std::optional<UINT> fault_;
+};
+
+}  // namespace velk::com

@@ -1,0 +1,42 @@
+# The component as hosts load it: VelkCom.dll with its type library.
+
+target_link_libraries(velk_platform PUBLIC ws2_32)
+target_link_libraries(velk_component PUBLIC ole32 oleaut32 uuid advapi32 user32)
+
+# The interface definition is printed by a tool that runs on the machine that builds.
+find_program(BUILD_CXX NAMES c++ g++ clang++ REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+set(IDL_DIR ${PROJECT_BINARY_DIR}/idl)
+file(MAKE_DIRECTORY ${IDL_DIR})
+add_custom_command(
+  OUTPUT ${IDL_DIR}/generate_idl
+  COMMAND ${BUILD_CXX} -std=c++20 -I ${PROJECT_SOURCE_DIR}/src -MD -MF ${IDL_DIR}/generate_idl.d
+          -MT idl/generate_idl -o ${IDL_DIR}/generate_idl
+          ${PROJECT_SOURCE_DIR}/src/component/idl/generate_idl.cpp
+  DEPENDS ${PROJECT_SOURCE_DIR}/src/component/idl/generate_idl.cpp
+  DEPFILE ${IDL_DIR}/generate_idl.d
+  VERBATIM)
+add_custom_command(
+  OUTPUT ${IDL_DIR}/velkcom.idl
+  COMMAND ${IDL_DIR}/generate_idl > ${IDL_DIR}/velkcom.idl
+  DEPENDS ${IDL_DIR}/generate_idl)
+add_custom_command(
+  OUTPUT ${IDL_DIR}/velkcom.tlb
+  COMMAND ${MINGW_WIDL} -t -o ${IDL_DIR}/velkcom.tlb ${IDL_DIR}/velkcom.idl
+  DEPENDS ${IDL_DIR}/velkcom.idl
+  VERBATIM)
+
+configure_file(src/component/windows/velkcom.rc.in ${IDL_DIR}/velkcom.rc @ONLY)
+set_source_files_properties(${IDL_DIR}/velkcom.rc PROPERTIES OBJECT_DEPENDS ${IDL_DIR}/velkcom.tlb)
+
+add_library(VelkCom SHARED $<TARGET_OBJECTS:velk_component> ${IDL_DIR}/velkcom.rc
+                           src/component/windows/VelkCom.def)
+set_target_properties(VelkCom PROPERTIES PREFIX "" LINKER_LANGUAGE CXX)
+get_target_property(component_libraries velk_component LINK_LIBRARIES)
+# The names in VelkCom.def are those that the system asks for, without the marks of the calling convention.
+target_link_options(VelkCom PRIVATE -Wl,--enable-stdcall-fixup -s)
+target_include_directories(VelkCom PRIVATE ${IDL_DIR})
+target_link_libraries(VelkCom PRIVATE ${component_libraries})
+
+if(BUILD_TESTING)
+  add_subdirectory(tests/hosts)
+endif()

@@ -1,0 +1,60 @@
+// What the system calls by name in the component's file.
+
+#include <windows.h>
+// The interfaces need the base types first.
+#include <olectl.h>
+
+#include <exception>
+#include <string_view>
+
+#include "component/windows/class_factory.h"
+#include "component/windows/identifiers.h"
+#include "component/windows/registration.h"
+#include "component/windows/server.h"
+
+namespace {
+
+using velk::com::Audience;
+
+/// The system's code for what a step fails with.
+template <class Step>
+HRESULT guarded(Step step) noexcept {
+  try {
+    return step();
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_UNEXPECTED;
+  }
+}
+
+}  // namespace
+
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  if (id != velk::com::classId) return CLASS_E_CLASSNOTAVAILABLE;
+  return velk::com::classFactory().QueryInterface(iid, object);
+}
+
+STDAPI DllCanUnloadNow() {
+  return velk::com::mayUnload() ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() {
+  return guarded([] { return velk::com::registerServer(Audience::everybody); });
+}
+
+STDAPI DllUnregisterServer() {
+  return guarded([] { return velk::com::unregisterServer(Audience::everybody); });
+}
+
+/// The command line "user" installs for the current user, an empty one for everybody.
+STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
+  const std::wstring_view command = commandLine == nullptr ? L"" : commandLine;
+  if (!command.empty() && command != L"user") return E_INVALIDARG;
+  const Audience audience = command.empty() ? Audience::everybody : Audience::currentUser;
+  return guarded([=] {
+    return install != FALSE ? velk::com::registerServer(audience) : velk::com::unregisterServer(audience);
+  });
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <windows.h>
+
+namespace velk::com {
+
+/// For whom the component is registered.
+enum class Audience : unsigned char { everybody, currentUser };
+
+/// Writes the component's keys, with the path of this module. Returns S_OK or the system's error code, and
+/// then leaves none behind.
+HRESULT registerServer(Audience audience);
+
+/// Removes them. Those that the 32-bit and the 64-bit component share stay while the other is registered.
+HRESULT unregisterServer(Audience audience);
+
+}  // namespace velk::com

@@ -1,0 +1,170 @@
+#!/bin/sh
+# Runs real hosts against the Windows component under Wine, with a simulated controller at the other end.
+# Usage: run_hosts.sh BUILD_DIR
+#   BUILD_DIR   a build with the preset windows-x64
+#   VELK_SIM    the simulated controller; bin/velk-sim of the native build when not set
+# Prints one line for each check and a closing line; ends with 1 when a check failed.
+
+set -u
+here=$(cd "$(dirname "$0")" && pwd)
+build=$(cd "${1:?usage: run_hosts.sh BUILD_DIR}" && pwd) || exit 2
+sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
+work=$build/hosts
+mkdir -p "$work"
+
+export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+unset DISPLAY WAYLAND_DISPLAY
+longest=60 # seconds that any one host may take
+children=
+passed=0
+failed=0
+
+report() { # report 0|1 NAME: prints the line of a check and counts it
+  if [ "$1" -eq 0 ]; then
+    passed=$((passed + 1))
+    echo "ok $2"
+  else
+    failed=$((failed + 1))
+    echo "FAILED $2"
+  fi
+}
+
+check() { # check NAME COMMAND...: the command has to succeed
+  name=$1
+  shift
+  "$@" >/dev/null 2>&1
+  report $? "$name"
+}
+
+wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null; }
+
+count_lines() { # count_lines FILE: prints the check lines of a host and counts them
+  lines=$(tr -d '\r' <"$1" | grep -E '^(ok|FAILED) ')
+  [ -z "$lines" ] || echo "$lines"
+  passed=$((passed + $(printf '%s\n' "$lines" | grep -c '^ok ')))
+  failed=$((failed + $(printf '%s\n' "$lines" | grep -c '^FAILED ')))
+}
+
+script() { # script FILE ARGUMENTS...: runs a script host
+  output=$work/$(basename "$1").log
+  (cd "$here" && wine_run cscript.exe //nologo "$@") >"$output"
+  count_lines "$output"
+  # A script that breaks off still ends with 0.
+  grep -q '^done' "$output"
+  report $? "$* ran to its end"
+}
+
+end_children() {
+  for child in $children; do kill "$child" 2>/dev/null && wait "$child" 2>/dev/null; done
+  children=
+}
+trap end_children EXIT
+trap 'exit 130' INT TERM
+
+wait_for() { # wait_for FILE PATTERN: until a child has said so
+  for _ in $(seq 100); do
+    grep -q "$2" "$1" 2>/dev/null && return 0
+    sleep 0.1
+  done
+  echo "$0: $1 says no '$2'" >&2
+  exit 2
+}
+
+start_controller() {
+  "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 600 >"$work/sim.log" 2>&1 &
+  children="$children $!"
+  wait_for "$work/sim.log" '^ready'
+  port_q=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
+  port_s=$(sed -n 's/^tcp S .*:\([0-9]*\)$/\1/p' "$work/sim.log")
+  ln -sfn "$(sed -n 's/^echo //p' "$work/sim.log")" "$WINEPREFIX/dosdevices/com5"
+  ln -sfn "$(sed -n 's/^fast //p' "$work/sim.log")" "$WINEPREFIX/dosdevices/com6"
+}
+
+start_silent_peer() { # accepts connections and says nothing
+  python3 -c '
+import socket, time
+s = socket.create_server(("127.0.0.1", 0))
+print(s.getsockname()[1], flush=True)
+time.sleep(600)' >"$work/silent.log" &
+  children="$children $!"
+  wait_for "$work/silent.log" '[0-9]'
+}
+
+# --- Registration
+
+export_classes() { # export_classes NAME: what is registered for everybody and for this user
+  for hive in HKLM HKCU; do
+    wine_run reg export "$hive\\Software\\Classes" "$work/$1-$hive.reg" /y >/dev/null
+  done
+}
+
+same_classes() { cmp -s "$work/before-HKLM.reg" "$work/$1-HKLM.reg" && cmp -s "$work/before-HKCU.reg" "$work/$1-HKCU.reg"; }
+differs() { ! cmp -s "$work/$1" "$work/$2"; }
+same() { cmp -s "$work/$1" "$work/$2"; }
+has_key() { wine_run reg query "$1"; }
+
+registration() {
+  dll=$build/bin/VelkCom.dll
+  classes='HKCU\Software\Classes'
+  for folder in CLSID Interface TypeLib; do # these are there on every used system
+    wine_run reg add "$classes\\$folder" /f >/dev/null
+  done
+  wine_run regsvr32 /s /u "$dll" >/dev/null
+  wine_run regsvr32 /s /u /n /i:user "$dll" >/dev/null
+  export_classes before
+
+  check "registering for this user" wine_run regsvr32 /s /n /i:user "$dll"
+  export_classes user
+  check "  writes this user's keys" differs before-HKCU.reg user-HKCU.reg
+  check "  and no others" same before-HKLM.reg user-HKLM.reg
+  check "  with the 64-bit type library" has_key "$classes\\TypeLib\\{5694BB07-4353-4508-8C6C-0B988D8DD518}\\1.0\\0\\win64"
+  check "unregistering for this user" wine_run regsvr32 /s /u /n /i:user "$dll"
+  export_classes user-after
+  check "  leaves nothing" same_classes user-after
+
+  # A 32-bit component that is registered beside it keeps the keys that both share.
+  library='HKLM\Software\Classes\TypeLib\{5694BB07-4353-4508-8C6C-0B988D8DD518}'
+  wine_run reg add "$library\\1.0\\0\\win32" /ve /d other.dll /f >/dev/null
+  check "registering for everybody" wine_run regsvr32 /s "$dll"
+  check "unregistering beside the 32-bit component" wine_run regsvr32 /s /u "$dll"
+  check "  leaves its type library" has_key "$library\\1.0\\0\\win32"
+  check "  and its name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
+  wine_run reg delete "$library\\1.0\\0\\win32" /f >/dev/null
+  check "unregistering for everybody" wine_run regsvr32 /s /u "$dll"
+  export_classes after
+  check "  leaves nothing" same_classes after
+  check "registering again" wine_run regsvr32 /s "$dll"
+}
+
+# --- Hosts
+
+typed_client() {
+  VELK_TCP_PORT=$port_q VELK_SILENT_PORT=$(cat "$work/silent.log") \
+    wine_run "$build/bin/typed_client.exe" --gtest_color=no >"$work/typed_client.log"
+  status=$?
+  tr -d '\r' <"$work/typed_client.log" | sed -n \
+    -e 's/^\[       OK \] \(.*\) (.*/ok \1/p' -e 's/^\[  FAILED  \] \(.*\) (.*ms)$/FAILED \1/p' >"$work/typed_client.checks"
+  [ $status -eq 0 ] || tr -d '\r' <"$work/typed_client.log" | grep -A12 ': Failure'
+  count_lines "$work/typed_client.checks"
+  grep -q '  PASSED  ' "$work/typed_client.log"
+  report $? "typed client ran to its end"
+}
+
+[ -x "$sim" ] || { echo "$0: no simulated controller at $sim; build the preset linux first" >&2; exit 2; }
+if [ ! -e "$WINEPREFIX/system.reg" ]; then
+  timeout -k 5 120 wineboot -i >/dev/null 2>&1
+fi
+registration
+start_controller
+start_silent_peer
+typed_client
+script values.vbs
+script values.js
+script link.vbs tcp "$port_q" pass Q
+script link.vbs tcp "$port_s" pass S
+script link.vbs com 5 echo
+script link.vbs com 6 fast
+script link.js "$port_s"
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]

@@ -1,0 +1,92 @@
+' Value helpers, properties and errors, as a VBScript host uses them. Prints one line for each check.
+Option Explicit
+
+Dim failures, serial
+failures = 0
+Set serial = CreateObject("VelkCom.Serial")
+
+Sub Check(name, got, expected)
+  If VarType(got) = VarType(expected) And got = expected Then
+    WScript.Echo "ok " & name
+  Else
+    failures = failures + 1
+    WScript.Echo "FAILED " & name & ": got " & TypeName(got) & " [" & got & "], expected [" & expected & "]"
+  End If
+End Sub
+
+Sub CheckError(name, number)
+  Check name, Err.Number, CLng(number)
+  If number <> 0 Then Check name & ": description", Len(Err.Description) > 0, True
+  Err.Clear
+End Sub
+
+' Values by literal, by variable and by expression.
+Dim number, text, mixed
+number = 59
+text = " 59 "
+Check "a literal", serial.DECtoBCD(59), CByte(89)
+Check "a variable", serial.DECtoBCD(number), CByte(89)
+Check "a text variable", serial.dectobcd(text), CByte(89)
+Check "an expression", serial.DECtoBCD(number + 0.4), CByte(89)
+Check "an uninitialised variable", serial.DECtoBCD(mixed), CByte(0)
+Check "a truth value", serial.IfSetBit(64, 6), True
+Check "true as a byte", serial.Minimum(True, 250), CByte(250)
+Check "a text result", serial.LdZr(-7, 3), "007"
+Check "a fraction", serial.LdZr(CSng(0.1), 5), "000.1"
+Check "an empty result", IsEmpty(serial.WhatBit(0)), True
+Check "a variant result", serial.WhatBit(12), CByte(2)
+Check "a variable stays as it was", TypeName(text) & text, "String 59 "
+
+' Properties.
+Check "a fresh property", serial.FlgBreak, True
+serial.FlgBreak = False
+Check "a changed property", serial.FlgBreak, False
+serial.SerAddress = "17"
+Check "a property from a text", serial.SerAddress, CByte(17)
+Check "a text property", serial.SoortETH, "Q"
+
+' Bytes in texts.
+Dim code, all, back
+' The codes between are other characters to a script host.
+all = ""
+For code = 0 To 255
+  If code < 128 Or code > 159 Then all = all & Chr(code)
+Next
+serial.SoortETH = all
+back = serial.SoortETH
+Check "bytes in a text: length", Len(back), CLng(224)
+Check "bytes in a text", back = all, True
+
+' Results that come back in arguments.
+Dim passWord, kept
+passWord = ""
+kept = 5678
+Check "a refused connection", serial.OpenTCP("127.0.0.1", 1, passWord), CByte(252)
+Check "a result in an argument", Len(passWord), CLng(4)
+Check "the socket is in use", serial.OpenTCP("127.0.0.1", 1), CByte(58)
+Check "close", serial.CloseTCP, CByte(0)
+serial.OpenTCP "127.0.0.1", 1, kept
+Check "an unchanged argument keeps its type", TypeName(kept) & kept, "Integer5678"
+serial.CloseTCP
+
+' Errors.
+On Error Resume Next
+number = serial.DECtoBCD(160)
+CheckError "overflow", 6
+text = serial.ReadCom(1, 5, 1, "V")
+CheckError "port not open", 8018
+number = serial.DECtoBCD(256)
+CheckError "too large an argument", 6
+number = serial.DECtoBCD("abc")
+CheckError "no number", 13
+number = serial.DECtoBCD(1, 2)
+CheckError "too many arguments", 450
+number = serial.DECtoBCD()
+CheckError "too few arguments", 450
+number = serial.NoSuchMethod(1)
+CheckError "no such method", 438
+Check "trapped errors are results", serial.CloseCom, CByte(84)
+CheckError "and raise nothing", 0
+
+WScript.Echo "done"
+WScript.Quit failures
