@@ -1,15 +1,40 @@
 #include "component/serial.h"
 
 #include "component/trap.h"
+#include "controller/ctl_init.h"
+#include "controller/ctl_lang.h"
+#include "controller/ctl_soft.h"
 #include "controller/modes.h"
 #include "link/serial_link.h"
 #include "link/tcp_link.h"
 #include "link/tcp_transaction.h"
 #include "link/transaction.h"
+#include "modules/conversion.h"
+#include "modules/gsm_text.h"
+#include "modules/module.h"
+#include "modules/sample.h"
+#include "modules/version.h"
+#include "parameters/ctl_irtext.h"
 #include "parameters/ctl_param.h"
+#include "timed/preset.h"
+#include "timed/simulation.h"
+#include "timed/switch_time.h"
 #include "values/helpers.h"
 
 namespace velk {
+
+template <class Body>
+Byte Serial::trappedModule(const Byte& result, Body body) {
+  // A run-time error in here gives the code set last, not a converted error number.
+  try {
+    const link::Memory memory(link());
+    return body(modules::Mailbox(memory, host_));
+  } catch (const link::Stop& stop) {
+    return stop.result;
+  } catch (const RuntimeError&) {
+    return result;
+  }
+}
 
 Byte Serial::OpenCom(Byte Port, std::int16_t Baudrate, bool FastCom) {
   return trapped([&] { link::openCom(link(), Port, Baudrate, FastCom); });
@@ -85,15 +110,150 @@ Byte Serial::ModeToNr(const std::string& ModeStr) {
 }
 
 std::string Serial::ModeToStr(Byte Mode, Byte Address) {
-  return controller::ModeToStr(link::Memory(link()), Mode, Address);
+  return controller::ModeToStr(memory(), Mode, Address);
 }
 
 Byte Serial::Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::string> Mode,
                        InOut<Bytes> Parameters, InOut<std::int16_t> Aantal, Byte Offset) {
   return trapped([&] {
     parameters::Ctl_Param(
-        link::Memory(link()), ReadOrWrite,
+        memory(), ReadOrWrite,
         {.address = Address, .mode = *Mode, .parameters = *Parameters, .count = *Aantal, .offset = Offset});
+  });
+}
+
+Byte Serial::Ctl_IRText(const std::string& ReadOrWrite, Byte Offset, const Bytes& Tekst) {
+  return trapped([&] { return parameters::Ctl_IRText(memory(), ReadOrWrite, Offset, Tekst); });
+}
+
+Byte Serial::Ctl_Init(const std::string& ReadOrWrite, InOut<Bytes> Parameters, Byte Aantal, Byte Offset) {
+  return trapped([&] { return controller::Ctl_Init(memory(), ReadOrWrite, *Parameters, Aantal, Offset); });
+}
+
+Byte Serial::Ctl_Soft(const std::string& ReadOrWrite, Byte SourceAdr, Byte SourceSubAdr, InOut<Byte> DestAdr,
+                      InOut<std::string> INofOut, InOut<Byte> Parameters1, InOut<Byte> Parameters2,
+                      InOut<bool> HighFlank, InOut<bool> LowFlank) {
+  return trapped([&] {
+    controller::Ctl_Soft(memory(), ReadOrWrite,
+                         {.source = SourceAdr,
+                          .sub = SourceSubAdr,
+                          .destination = *DestAdr,
+                          .kind = *INofOut,
+                          .parameters1 = *Parameters1,
+                          .parameters2 = *Parameters2,
+                          .highFlank = *HighFlank,
+                          .lowFlank = *LowFlank});
+  });
+}
+
+Value Serial::Ctl_Lang(const std::string& Taal) {
+  // The result is a 16-bit number; only the code of a run-time error is a byte.
+  try {
+    controller::Ctl_Lang(memory(), Taal);
+    return std::int16_t{0};
+  } catch (const link::Stop& stop) {
+    return std::int16_t{stop.result};
+  } catch (const RuntimeError& error) {
+    return values::ConvertErr(error.number());
+  }
+}
+
+Byte Serial::Preset(const std::string& ReadOrWrite, Byte PresetNr, InOut<std::string> Tekst, Byte MaxAdr,
+                    InOut<Bytes> Data, InOut<Byte> Delay1, InOut<Byte> Delay2, InOut<Byte> Simulation) {
+  return trapped([&] {
+    timed::Preset(memory(), ReadOrWrite,
+                  {.number = PresetNr,
+                   .text = *Tekst,
+                   .lastRecord = MaxAdr,
+                   .data = *Data,
+                   .delay1 = *Delay1,
+                   .delay2 = *Delay2,
+                   .simulation = *Simulation});
+  });
+}
+
+Byte Serial::DPHPreset(Byte PresetNr) {
+  return timed::DPHPreset(PresetNr);
+}
+
+Byte Serial::DPLPreset(Byte PresetNr, Byte adres) {
+  return timed::DPLPreset(PresetNr, adres);
+}
+
+Byte Serial::Simulation(const std::string& ReadOrWrite, Byte Weekday, Byte Uur, InOut<Bytes> Data) {
+  return trapped([&] { timed::Simulation(memory(), ReadOrWrite, Weekday, Uur, *Data); });
+}
+
+Byte Serial::SwitchTime(const std::string& ReadOrWrite, Byte BlokNummer, InOut<Byte> Dagen, InOut<Byte> Uur,
+                        InOut<Byte> Minuten, InOut<Bytes> Data) {
+  return trapped([&] {
+    timed::SwitchTime(memory(), ReadOrWrite,
+                      {.block = BlokNummer, .days = *Dagen, .hour = *Uur, .minute = *Minuten, .data = *Data});
+  });
+}
+
+Bytes Serial::ConvertSim(InOut<Bytes> Data) {
+  return modules::ConvertSim(*Data);
+}
+
+std::int16_t Serial::ModuleType(const std::string& SerieNr) {
+  return modules::ModuleType(SerieNr);
+}
+
+Byte Serial::Module(const std::string& ReadOrWrite, const std::string& SerieNr, InOut<Bytes> Data,
+                    InOut<Byte> Offset, InOut<std::string> ModType, InOut<Byte> CPUtype,
+                    InOut<std::string> FWVersie) {
+  Byte result = 99;
+  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
+    modules::Module(mailbox, ReadOrWrite,
+                    {.serieNr = SerieNr,
+                     .data = *Data,
+                     .offset = *Offset,
+                     .model = *ModType,
+                     .cpuType = *CPUtype,
+                     .firmware = *FWVersie},
+                    identity_, result);
+    return result;
+  });
+}
+
+Byte Serial::RXModuleVersie(const std::string& SerieNr) {
+  return trapped([&] {
+    const link::Memory memory(link());
+    return modules::RXModuleVersie(modules::Mailbox(memory, host_), SerieNr, identity_);
+  });
+}
+
+Bytes Serial::ConvertRXData(const std::string& SerieNr, const Bytes& Data) {
+  return modules::ConvertRXData(SerieNr, Data, identity_.known);
+}
+
+Bytes Serial::ConvertTXData(const std::string& SerieNr, const Bytes& Data) {
+  return modules::ConvertTXData(SerieNr, Data, identity_.known);
+}
+
+Value Serial::ConvertRXSub(const Bytes& Data, Byte Positie) {
+  return modules::ConvertRXSub(Data, Positie);
+}
+
+Value Serial::ConvertTXSub(const Bytes& Data, Byte Positie) {
+  return modules::ConvertTXSub(Data, Positie);
+}
+
+Byte Serial::Sample(const std::string& ReadOrWrite, const std::string& SerieNr, Byte SampleNr, Byte BankAofB,
+                    InOut<Bytes> Data) {
+  Byte result = 99;
+  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
+    return modules::Sample(mailbox, ReadOrWrite,
+                           {.serieNr = SerieNr, .number = SampleNr, .bank = BankAofB, .data = *Data});
+  });
+}
+
+Byte Serial::GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset,
+                     InOut<Bytes> Data) {
+  Byte result = 99;
+  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
+    return modules::GSMtext(mailbox, ReadOrWrite, SerieNr, Offset, *Data);
   });
 }
 

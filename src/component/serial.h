@@ -4,8 +4,9 @@
 #include <string>
 
 #include "component/in_out.h"
-#include "link/link.h"
+#include "link/memory.h"
 #include "link/settings.h"
+#include "modules/model.h"
 #include "platform/host.h"
 #include "values/bytes.h"
 #include "values/value.h"
@@ -145,10 +146,166 @@ class Serial : public link::Settings {
                  InOut<Bytes> Parameters = "", InOut<std::int16_t> Aantal = std::int16_t{255},
                  Byte Offset = 0);
 
+  /// Stores infrared text `Offset` (0 to 63), cut or padded with blanks to 16 characters, in the high bank of
+  /// the block area: sixteen texts to a page, from page 10 on. Texts cannot be read: "R" returns 99.
+  /// @return 0; 99; 101 bad `ReadOrWrite`; 103 `Offset` above 63; else the status of the transaction.
+  Byte Ctl_IRText(const std::string& ReadOrWrite, Byte Offset, const Bytes& Tekst);
+
+  // --- Controller configuration
+
+  /// Reads or writes the positions `Offset` + 1 to `Offset` + `Aantal` of the initialisation block: 1 to 3
+  /// settings (0x0004 to 0x0006), 4 and 5 controller bytes and 6 the kind derived from them (read only), 7 to
+  /// 13 the clock as year, month, day, weekday, hours, minutes, seconds (0xFFFF down to 0xFFF9, BCD there and
+  /// plain here), 14 to 16 further bytes (0x0208 to 0x020A, read only). A write ends before the clock or
+  /// covers positions 8 to 13; the clock then takes the last seven characters. A read that reaches position
+  /// 13 appends the three further bytes.
+  /// @param ReadOrWrite "R" reads; "W", "RW" and "" write.
+  /// @param Parameters the bytes; on reading replaced by those read.
+  /// @return 0; 99 nothing transferred; 101 bad `ReadOrWrite`; 102 `Offset` + `Aantal` above 16; 103 `Offset`
+  /// above
+  ///   13; 104 wrong length, or a part of the clock; 105 a byte out of its range; else the status of the
+  ///   failed transaction. A failure in the middle of setting the clock can leave it held.
+  Byte Ctl_Init(const std::string& ReadOrWrite, InOut<Bytes> Parameters, Byte Aantal = 13, Byte Offset = 0);
+
+  /// Reads or writes the link of a source to a destination: two bytes at page `SourceAdr`, offset 31 + 2
+  /// times `SourceSubAdr`, and its flank bits in the byte at offset 254.
+  /// @param SourceAdr 0 to 124, but for 1, 2 and 100; `SourceSubAdr` 0 to 3.
+  /// @param DestAdr output 1 to 127, group 129 to 255, or input; 0 removes an output link. On reading set.
+  /// @param INofOut "O" output or group, "I" input; on reading set. An input link reads back as address 0.
+  /// @param Parameters1 on reading set to the high nibble, `Parameters2` to the low nibble of the second
+  /// byte.
+  /// @param HighFlank act on rising, `LowFlank` on falling edges; output links only; on reading set.
+  /// @return 0; 101 bad `ReadOrWrite`; 112 bad `SourceAdr`, or a link to itself; 115 bad `SourceSubAdr`; 116
+  /// bad
+  ///   `INofOut`; 100 a value that does not fit a byte; else the status of the failed transaction.
+  Byte Ctl_Soft(const std::string& ReadOrWrite, Byte SourceAdr, Byte SourceSubAdr, InOut<Byte> DestAdr,
+                InOut<std::string> INofOut, InOut<Byte> Parameters1, InOut<Byte> Parameters2 = 0,
+                InOut<bool> HighFlank = true, InOut<bool> LowFlank = true);
+
+  /// Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then reads each
+  /// back.
+  /// @param Taal "N" Dutch, "E" English, "F" French, "D" German, "B" or "P" Portuguese, "S" Spanish.
+  /// @return 0; 105 no such language; 201 a text reads back differently; else the status of the failed
+  ///   transaction. What was written before a failure stays.
+  Value Ctl_Lang(const std::string& Taal);
+
+  // --- Timed functions
+
+  /// Reads or writes preset `PresetNr` (1 to 92): its text (16 bytes at offset 40 of page `PresetNr` + 34),
+  /// the four-byte records 3 to `MaxAdr` (block area at `DPHPreset`, `DPLPreset`), two delays and the
+  /// simulation flag (page 102 + (`PresetNr` - 1) / 4).
+  /// @param ReadOrWrite "R" reads, anything else writes.
+  /// @param Tekst exactly 16 characters. @param MaxAdr number of the last record, 3 to 99.
+  /// @param Data the records, 4 bytes each; on writing one that contains a byte 1 is left as it is.
+  /// @param Delay1 5 to 200, so a write has to give it. @param Delay2 0 for none or 5 to 200; both at most
+  /// 255.
+  /// @param Simulation on reading 255 or 0; on writing anything but 0 sets the flag.
+  /// @return 0; 104 wrong length; 105 bad delay; 112 bad `MaxAdr`; 113 bad `PresetNr`; else the status of the
+  ///   failed transaction.
+  Byte Preset(const std::string& ReadOrWrite, Byte PresetNr, InOut<std::string> Tekst, Byte MaxAdr,
+              InOut<Bytes> Data, InOut<Byte> Delay1 = 0, InOut<Byte> Delay2 = 0, InOut<Byte> Simulation = 0);
+
+  /// High address byte of the records of a preset.
+  Byte DPHPreset(Byte PresetNr);
+
+  /// Low address byte of record `adres` of a preset; 0 for preset 0 and above 92; run-time error 6 above 255.
+  Byte DPLPreset(Byte PresetNr, Byte adres);
+
+  /// Reads or writes the recorded events of a weekday (0 to 6) and hour (0 to 23): five-byte records closed
+  /// by 255, in the high bank of the block area, page `Weekday` * 36 + the hour in BCD.
+  /// @param ReadOrWrite "R" reads, anything else writes.
+  /// @param Data the records. On a write their first two bytes are turned into BCD and the end mark is
+  /// appended in
+  ///   the caller's own text.
+  /// @return 0; 105 bad weekday or hour; 100 a value that has no BCD; else the status of the failed
+  /// transaction.
+  Byte Simulation(const std::string& ReadOrWrite, Byte Weekday, Byte Uur, InOut<Bytes> Data);
+
+  /// Reads or writes switch-time block `BlokNummer` (0 to 127), at page `BlokNummer` + 128 from offset 200
+  /// on.
+  /// @param ReadOrWrite "R" reads, anything else writes.
+  /// @param Dagen day selection, bits 0 to 6. @param Uur hour, taken modulo 24. @param Minuten minute,
+  /// modulo 60.
+  ///   All three 0 clear the block.
+  /// @param Data two bytes (101 to 124, 1 to 4), or entries of three bytes whose first is 3 or more; empty
+  /// for a
+  ///   block without action, whose day selection is lost.
+  /// @return 0; 104 wrong length; 105 a value out of its range; 100 a block or place that does not exist, or
+  /// a
+  ///   stored time that is not BCD; else the status of the failed transaction.
+  Byte SwitchTime(const std::string& ReadOrWrite, Byte BlokNummer, InOut<Byte> Dagen, InOut<Byte> Uur,
+                  InOut<Byte> Minuten, InOut<Bytes> Data);
+
+  // --- Modules
+
+  /// Turns the first two bytes of each five-byte record from BCD into numbers, in `Data` itself, and returns
+  /// it. Run-time error 13 for a byte that is not BCD.
+  Bytes ConvertSim(InOut<Bytes> Data);
+
+  /// The module type of a six-digit serial number: 4, 5 or 7 for the prefixes that share a type, the prefix
+  /// itself for some, the prefix modulo 8 for the rest. Any text gives a number.
+  std::int16_t ModuleType(const std::string& SerieNr);
+
+  /// Reads or writes the configuration record of module `SerieNr` (six digits) through the mailbox at 0x0000,
+  /// in pieces of at most 16 bytes. Lengths and checks by module type: docs/modules.md.
+  /// @param ReadOrWrite "R" reads, anything else writes.
+  /// @param Data the record.
+  /// @param Offset number of the first piece; grows by 1 for a known model and by 1 for each piece.
+  /// @param ModType model name; on entry one that is known already saves its reading.
+  /// @param CPUtype CPU type. @param FWVersie firmware version, four digits.
+  /// @return 0; 99 an error before any other code, or no piece answered; 100 no or a strange reply; 103
+  /// `Offset`
+  ///   too large, 104 wrong length, 105, 111, 112 a value in `Data` out of range; 106 `SerieNr` is not six
+  ///   characters; 107 the controller did not take the request; 127, 128, 255 the module's own code; else the
+  ///   status of the failed transaction.
+  Byte Module(const std::string& ReadOrWrite, const std::string& SerieNr, InOut<Bytes> Data,
+              InOut<Byte> Offset = 0, InOut<std::string> ModType = "", InOut<Byte> CPUtype = 0,
+              InOut<std::string> FWVersie = "");
+
+  /// Reads model name, CPU type and firmware version of a module, for `Module` to hand on, and finds out
+  /// whether its model is known. @return 0, also for modules that have none; 100 no reply; 107 the controller
+  /// did not take the request; 127, 128, 255 the module's own code; else the status of the failed
+  /// transaction.
+  Byte RXModuleVersie(const std::string& SerieNr);
+
+  /// A record with its channel masks turned into the numbers 1 to 4, as `Module` does after reading.
+  Bytes ConvertRXData(const std::string& SerieNr, const Bytes& Data);
+
+  /// A record with its numbers 0 to 4 turned into channel masks, as `Module` does before writing. Run-time
+  /// error 6 for a larger number, 5 for data too short.
+  Bytes ConvertTXData(const std::string& SerieNr, const Bytes& Data);
+
+  /// One mask turned into a number, at `Positie` (from 1). Run-time error 5 for a position outside the data.
+  Value ConvertRXSub(const Bytes& Data, Byte Positie);
+
+  /// One number turned into a mask, at `Positie` (from 1). Run-time errors as `ConvertTXData`.
+  Value ConvertTXSub(const Bytes& Data, Byte Positie);
+
+  /// Reads or writes sample `SampleNr` (0 to 253; to 239 for the serial numbers 980101 to 989999) in bank
+  /// `BankAofB` (0 or 1) of a module, through the long-record buffer.
+  /// @param Data up to 128 bytes; empty after a failed read.
+  /// @return 0; 99 an error before any other code; 102, 104 bad `SampleNr` or length; 106 `SerieNr` is not
+  /// six
+  ///   characters; else the status of a transaction, the trigger or the module's reply code.
+  Byte Sample(const std::string& ReadOrWrite, const std::string& SerieNr, Byte SampleNr, Byte BankAofB,
+              InOut<Bytes> Data);
+
+  /// Reads (64 bytes) or writes text record `Offset` of a GSM module, through the long-record buffer.
+  /// @return 0; 99 an error; 100 no or a strange reply; 127, 128, 255 the module's own code; else the status
+  /// of a
+  ///   transaction or the trigger.
+  Byte GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset, InOut<Bytes> Data);
+
  private:
   link::Link link() { return {.settings = *this, .host = host_}; }
+  link::Memory memory() { return link::Memory(link()); }
+
+  /// Runs the body of a module method; `result` is the code that it set last.
+  template <class Body>
+  Byte trappedModule(const Byte& result, Body body);
 
   platform::Host& host_;
+  modules::Identity identity_;  ///< of the module read last
 };
 
 }  // namespace velk

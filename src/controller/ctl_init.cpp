@@ -1,0 +1,188 @@
+#include "controller/ctl_init.h"
+
+#include <algorithm>
+#include <array>
+
+#include "controller/selector.h"
+#include "values/helpers.h"
+#include "values/numbers.h"
+
+namespace velk::controller {
+namespace {
+
+using link::Address;
+using link::Memory;
+using link::Stop;
+
+constexpr Byte nothingDone = 99;
+constexpr int blockSize = 16;
+
+// Positions of the block, counted from 1.
+constexpr int year = 7;
+constexpr int month = 8;
+constexpr int day = 9;
+constexpr int seconds = 13;
+constexpr int settings = 3;  ///< the positions 1 to 3 are settings that can be written
+constexpr int kind = 6;
+
+constexpr Address firstSetting{.dph = 0x00, .dpl = 0x04};
+constexpr Address readSettings{.dph = 0x00, .dpl = 0x02};
+constexpr Address furtherBytes{.dph = 0x02, .dpl = 0x08};
+constexpr Address hold1{.dph = 0xFF, .dpl = 0xF7};
+constexpr Address hold2{.dph = 0xFF, .dpl = 0xF8};
+constexpr Address clockSeconds{.dph = 0xFF, .dpl = 0xF9};
+
+struct Bounds {
+  Byte low = 0;
+  Byte high = 255;
+};
+
+/// What each position may be written as. The day has a rule of its own on top.
+constexpr std::array<Bounds, blockSize> bounds{{{10, 99},
+                                                {104, 128},
+                                                {},
+                                                {},
+                                                {},
+                                                {},
+                                                {0, 99},
+                                                {1, 12},
+                                                {1, 255},
+                                                {0, 7},
+                                                {0, 23},
+                                                {0, 59},
+                                                {0, 59},
+                                                {},
+                                                {},
+                                                {}}};
+
+/// The positions that a call names, from `offset` + 1 to `end`, and their bytes.
+struct Positions {
+  const Bytes& bytes;
+  int offset;
+  int end;
+
+  /// The byte of a position; run-time error 5 for one outside the range.
+  [[nodiscard]] Byte at(int position) const {
+    return byteAt(bytes, static_cast<std::size_t>(position - offset - 1));
+  }
+};
+
+/// The last day of the month that a write names. Outside 1 to 12 the day is not checked: the month fails
+/// itself.
+int lastDay(const Positions& positions) {
+  constexpr std::array<Byte, 13> days{0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const Byte m = positions.at(month);
+  if (m < 1 || m > 12) return 255;
+  // Only February asks for the year, which is a run-time error when the range begins behind it.
+  const bool leapDay = m == 2 && positions.at(year) % 4 == 0;
+  return days.at(m) + (leapDay ? 1 : 0);
+}
+
+void checkWrite(const Positions& positions) {
+  bool good = true;
+  for (int p = positions.offset + 1; p <= positions.end; ++p) {
+    const Bounds& bound = bounds.at(static_cast<std::size_t>(p - 1));
+    const int value = positions.at(p);
+    if (p == day && value > lastDay(positions)) good = false;
+    if (value < bound.low || value > bound.high) good = false;
+  }
+  if (!good) throw Stop{105};
+}
+
+void writeClock(const Memory& memory, const Bytes& parameters) {
+  constexpr std::size_t clockSize = 7;
+  const auto set = [&](Address at, int value) { memory.write(at, Bytes(1, character(value))); };
+  set(hold1, 255);
+  set(hold2, 255);
+  // The last seven characters, not positions 7 to 13: a range that ends behind position 13 sets the clock
+  // from its own end, and one of six characters is a run-time error with the clock held. Hosts know the block
+  // so.
+  Bytes clock;
+  for (std::size_t i = 1; i <= clockSize; ++i)
+    clock += character(values::DECtoBCD(byteAt(parameters, parameters.size() - i)));
+  memory.write(clockSeconds, clock);
+  set(hold2, 0);
+  set(hold1, 0);
+}
+
+Byte write(const Memory& memory, const Positions& positions) {
+  const bool endsBeforeClock = positions.end < year;
+  const bool coversClock = positions.offset < month && positions.end >= seconds;
+  if (positions.bytes.size() != static_cast<std::size_t>(positions.end - positions.offset)) throw Stop{104};
+  if (!endsBeforeClock && !coversClock) throw Stop{104};
+  checkWrite(positions);
+
+  Byte result = nothingDone;
+  const Bytes head =
+      positions.bytes.substr(0, static_cast<std::size_t>(std::max(0, settings - positions.offset)));
+  if (!head.empty()) {
+    memory.write({.dph = firstSetting.dph, .dpl = static_cast<Byte>(firstSetting.dpl + positions.offset)},
+                 head);
+    result = 0;
+  }
+  if (coversClock) {
+    writeClock(memory, positions.bytes);
+    result = 0;
+  }
+  return result;
+}
+
+/// Position 6, derived from the bytes at 0x0002 to 0x0008.
+Byte kindValue(const Bytes& bytes) {
+  const Byte a = byteAt(bytes, 5);
+  const Byte b = byteAt(bytes, 6);
+  if (a == 0) return 0;
+  // Kind 1 would need `a` to be 0 and 1 at once; it never comes out.
+  return a < 9 || (a == 9 && b < 14) ? Byte{2} : byteAt(bytes, 0);
+}
+
+/// The positions up to 6 that the range names.
+Bytes readHead(const Memory& memory, int offset, int end) {
+  const Bytes bytes = memory.read(7, readSettings);
+  Bytes head;
+  for (int p = offset + 1; p <= std::min(end, kind - 1); ++p)
+    head += character(byteAt(bytes, static_cast<std::size_t>(p + 1)));
+  if (end >= kind) head += character(kindValue(bytes));
+  return head;
+}
+
+/// The clock's positions, which run against its addresses. A range that ends behind position 13 begins below
+/// the clock and takes the hold bytes for clock values.
+Bytes readClock(const Memory& memory, Byte count, int end) {
+  const Byte size = values::Minimum(static_cast<Byte>(end - kind), count);
+  const Bytes bytes = memory.read(size, {.dph = 0xFF, .dpl = static_cast<Byte>(262 - end)});
+  Bytes clock;
+  std::transform(bytes.rbegin(), bytes.rend(), std::back_inserter(clock),
+                 [](char bcd) { return character(decimalOfBcd(byteValue(bcd))); });
+  return clock;
+}
+
+Byte read(const Memory& memory, Bytes& parameters, Byte count, int offset) {
+  const int end = offset + count;
+  Byte result = nothingDone;
+  Bytes collected;
+  const auto collect = [&](const Bytes& bytes) {
+    collected += bytes;
+    parameters = collected;
+    result = 0;
+  };
+  if (offset < kind) collect(readHead(memory, offset, end));
+  if (end >= year && offset < seconds) collect(readClock(memory, count, end));
+  // The three further bytes follow whenever position 13 is reached, so that positions 1 to 13 read as 16
+  // bytes.
+  if (end >= seconds) collect(memory.read(3, furtherBytes));
+  return result;
+}
+
+}  // namespace
+
+Byte Ctl_Init(const Memory& memory, std::string_view readOrWrite, Bytes& parameters, Byte count,
+              Byte offset) {
+  const bool reads = isRead(readOrWrite);
+  if (offset > seconds) throw Stop{103};
+  if (offset + count > blockSize) throw Stop{102};
+  if (reads) return read(memory, parameters, count, offset);
+  return write(memory, {.bytes = parameters, .offset = offset, .end = offset + count});
+}
+
+}  // namespace velk::controller

@@ -1,0 +1,26 @@
+#include "controller/ctl_lang.h"
+
+#include "controller/languages.h"
+
+namespace velk::controller {
+namespace {
+
+constexpr Byte textSize = 16;
+
+link::Address slotAddress(std::size_t index) {
+  return {.dph = static_cast<Byte>(firstText + index), .dpl = 40};
+}
+
+}  // namespace
+
+void Ctl_Lang(const link::Memory& memory, std::string_view language) {
+  const Texts* const texts = textsOf(language);
+  if (texts == nullptr) throw link::Stop{105};
+  for (std::size_t i = 0; i < texts->size(); ++i) memory.write(slotAddress(i), padded((*texts)[i], textSize));
+  for (std::size_t i = 0; i < texts->size(); ++i) {
+    // The whole rest of the reply has to be the text.
+    if (memory.read(textSize, slotAddress(i)) != padded((*texts)[i], textSize)) throw link::Stop{201};
+  }
+}
+
+}  // namespace velk::controller

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "link/memory.h"
+#include "values/bytes.h"
+
+namespace velk::controller {
+
+/// One link of an input to a destination, as `Ctl_Soft` hands it in and out.
+struct SoftLink {
+  Byte source;
+  Byte sub;  ///< sub-address of the source, 0 to 3
+  Byte& destination;
+  std::string& kind;  ///< "O" or "I"
+  Byte& parameters1;
+  Byte& parameters2;
+  bool& highFlank;
+  bool& lowFlank;
+};
+
+/// Reads or writes one link and its flanks. Ends normally for result 0, throws `Stop` for any other.
+void Ctl_Soft(const link::Memory& memory, std::string_view readOrWrite, const SoftLink& link);
+
+}  // namespace velk::controller

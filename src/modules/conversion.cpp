@@ -1,0 +1,112 @@
+#include "modules/conversion.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "values/numbers.h"
+#include "values/runtime_error.h"
+
+namespace velk::modules {
+namespace {
+
+using Positions = std::vector<Byte>;
+
+constexpr SerialRange secondGroupSerials{230000, 839999};
+constexpr SerialRange twentySevens{270000, 279999};
+
+std::size_t indexOf(std::string_view data, Byte position) {
+  if (position == 0 || position > data.size()) throw RuntimeError(RuntimeError::invalidArgument);
+  return position - std::size_t{1};
+}
+
+template <class Ranges>
+bool anyContains(const Ranges& ranges, double serial) {
+  return std::any_of(ranges.begin(), ranges.end(),
+                     [&](const SerialRange& range) { return range.contains(serial); });
+}
+
+/// The fields of a known model: the first block, and the further ones by type.
+Positions knownModelFields(std::int16_t type, double serial) {
+  Positions fields{2, 4, 6, 8};
+  const bool second = type == 7 && secondGroupSerials.contains(serial);
+  const bool third = type == 96 || (type == 95 && serial >= 951000);
+  if (second) fields.insert(fields.end(), {10, 12, 14, 16});
+  if (third) fields.insert(fields.end(), {26, 28, 30, 32});
+  return fields;
+}
+
+// The rules of the two directions are not mirror images of each other: hosts and modules rely on both as they
+// are.
+
+Positions positionsReceived(std::string_view serieNr, bool knownModel) {
+  constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999}};
+  constexpr std::array second{SerialRange{80000, 89999}, SerialRange{980100, 1e300},
+                              SerialRange{910000, 919999}};
+  const double serial = serialValue(serieNr);
+  const std::int16_t type = ModuleType(serieNr);
+  if (anyContains(first, serial)) return {};
+  if (twentySevens.contains(serial)) return {2};
+  if (anyContains(second, serial) || !knownModel) return {};
+  if (type == 29) return {2};
+  return knownModelFields(type, serial);
+}
+
+}  // namespace
+
+Positions positionsSent(std::string_view serieNr, std::size_t size, bool knownModel) {
+  constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999},
+                             SerialRange{110000, 119999}, SerialRange{240000, 249999}};
+  constexpr std::array second{SerialRange{80000, 89999}, SerialRange{980100, 1e300},
+                              SerialRange{910000, 919999}, SerialRange{930000, 939999},
+                              SerialRange{970000, 979999}};
+  constexpr SerialRange singleField{831000, 839999};
+  constexpr Byte singlePosition = 38;
+  const double serial = serialValue(serieNr);
+  const std::int16_t type = ModuleType(serieNr);
+  if (anyContains(first, serial)) return {};
+  if (twentySevens.contains(serial)) return {2};
+  if (anyContains(second, serial)) return {};
+  if (singleField.contains(serial)) return size < singlePosition ? Positions{} : Positions{singlePosition};
+  if (!knownModel) return {};
+  if (type == 29) return {2};
+  if (type >= 75 && type <= 78) return {};
+  return knownModelFields(type, serial);
+}
+
+Bytes ConvertTXSub(Bytes data, Byte position) {
+  const std::size_t index = indexOf(data, position);
+  const int n = byteValue(data[index]) & 15;
+  data[index] = character(roundTo<Byte>(255 - std::exp2(n - 1) - std::exp2(n + 3)));
+  return data;
+}
+
+Bytes ConvertRXSub(Bytes data, Byte position) {
+  const std::size_t index = indexOf(data, position);
+  const int mask = 15 - (byteValue(data[index]) & 15);
+  data[index] = character(mask == 4 ? 3 : mask == 8 ? 4 : mask);
+  return data;
+}
+
+Bytes ConvertTXData(std::string_view serieNr, Bytes data, bool knownModel) {
+  for (const Byte position : positionsSent(serieNr, data.size(), knownModel))
+    data = ConvertTXSub(std::move(data), position);
+  return data;
+}
+
+Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel) {
+  for (const Byte position : positionsReceived(serieNr, knownModel))
+    data = ConvertRXSub(std::move(data), position);
+  return data;
+}
+
+Bytes ConvertSim(Bytes& data) {
+  constexpr std::size_t recordSize = 5;
+  for (std::size_t i = 0; i + 1 < data.size(); i += recordSize) {
+    data[i] = character(decimalOfBcd(byteAt(data, i)));
+    data[i + 1] = character(decimalOfBcd(byteAt(data, i + 1)));
+  }
+  return data;
+}
+
+}  // namespace velk::modules

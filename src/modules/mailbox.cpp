@@ -1,0 +1,106 @@
+#include "modules/mailbox.h"
+
+#include "values/numbers.h"
+#include "values/runtime_error.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Address;
+using link::Area;
+
+constexpr Address triggerByte{.dph = 0x00, .dpl = 0x00};
+constexpr Address headerPlace{.dph = 0x00, .dpl = 0x0A};
+constexpr Address dataPlace{.dph = 0x00, .dpl = 0x10};
+constexpr Byte longRecordPage = 26;
+constexpr Byte highBank = 128;
+constexpr Byte requestMarker = 222;
+constexpr std::size_t paddedHeader = 16;
+
+/// The binary value of one pair of digits.
+Byte pairValue(std::string_view serieNr, std::size_t index) {
+  return roundTo<Byte>(leadingNumber(slice(serieNr, index, 2)));
+}
+
+}  // namespace
+
+Bytes Header::bytes() const {
+  return {character(requestMarker),
+          character(number),
+          character(direction),
+          character(pairValue(serieNr, 0)),
+          character(pairValue(serieNr, 2)),
+          character(pairValue(serieNr, 4))};
+}
+
+Byte Polled::result() const {
+  if (status == 0 && !present) throw RuntimeError(RuntimeError::invalidArgument);
+  return status != 0 ? status : value;
+}
+
+Byte resultOf(const Polled& reply) {
+  if (reply.isZero()) return 0;
+  const bool isOwnCode =
+      reply.status == 0 && (reply.value == 127 || reply.value == 128 || reply.value == 255);
+  return isOwnCode ? reply.value : Byte{100};
+}
+
+void Mailbox::address(const Header& header, bool isPadded) const {
+  const Bytes bytes = header.bytes();
+  memory_.write(headerPlace, isPadded ? velk::padded(bytes, paddedHeader) : bytes);
+}
+
+void Mailbox::put(std::string_view piece) const {
+  memory_.write(dataPlace, piece);
+}
+
+Exchange Mailbox::run(const Timing& timing) const {
+  Exchange exchange;
+  pause(timing.beforeTrigger);
+  memory_.write(triggerByte, Bytes(1, character(255)));
+  pause(timing.afterTrigger);
+  if (timing.triggerTime.count() > 0) {
+    exchange.trigger = poll(triggerByte, timing.triggerTime);
+    if (!exchange.trigger.isZero()) return exchange;
+  }
+  if (timing.replyTime.count() > 0) exchange.reply = poll(headerPlace, timing.replyTime);
+  return exchange;
+}
+
+Bytes Mailbox::get(Byte count, Byte offset) const {
+  return memory_.read(count, {.dph = dataPlace.dph, .dpl = static_cast<Byte>(dataPlace.dpl + offset)});
+}
+
+void Mailbox::pause(Seconds time) const {
+  if (time.count() > 0) link::pause(host_, time, platform::Messages::dispatched);
+}
+
+void Mailbox::putLong(std::string_view record, LastBlock lastBlock) const {
+  for (std::size_t position = 0; position < record.size(); position += pieceSize) {
+    Bytes block(slice(record, position, pieceSize));
+    if (lastBlock == LastBlock::padded) block.resize(pieceSize, '\0');
+    const auto count = static_cast<Byte>(highBank + block.size());
+    memory_.write(count, {.dph = checkedByte(static_cast<long>(position)), .dpl = longRecordPage}, block,
+                  Area::block);
+  }
+}
+
+Bytes Mailbox::getLong(Byte position) const {
+  return memory_.read(highBank + pieceSize, {.dph = position, .dpl = longRecordPage}, Area::block);
+}
+
+/// Reads a byte again and again until it is 0 or the time is up. Each reading takes its time on the link, so
+/// that there is nothing to wait for in between.
+Polled Mailbox::poll(Address at, Seconds longest) const {
+  const link::Deadline deadline(host_, longest);
+  Polled last;
+  do {
+    const Bytes reply = memory_.tryRead(1, at);
+    last = {.status = byteAt(reply, 0), .present = reply.size() > 1, .value = 0};
+    if (last.present) last.value = byteAt(reply, 1);
+    host_.yield();
+  } while (!last.isZero() && !deadline.passed());
+  return last;
+}
+
+}  // namespace velk::modules

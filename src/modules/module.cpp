@@ -1,0 +1,47 @@
+#include "modules/module.h"
+
+#include "modules/module_directions.h"
+#include "modules/version.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Stop;
+
+/// Modules of one series that do not tell their model.
+constexpr SerialRange silentSeries{90250, 90270};
+
+void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& identity) {
+  identity.model = access.model;
+  if (const Byte result = RXModuleVersie(mailbox, access.serieNr, identity); result != 0) throw Stop{result};
+  if (silentSeries.contains(serialValue(access.serieNr))) {
+    identity.known = true;
+    identity.model = "MT007/500VA";
+    // The caller's model name is left as passed here, and here alone.
+    access.cpuType = 48;
+    access.firmware = "1.0";
+  } else {
+    access.model = identity.model;
+    access.cpuType = identity.cpuType;
+    access.firmware = identity.firmware;
+  }
+}
+
+}  // namespace
+
+void Module(const Mailbox& mailbox, std::string_view readOrWrite, const ModuleAccess& access,
+            Identity& identity, Byte& result) {
+  constexpr std::size_t serialLength = 6;
+  result = 99;
+  if (access.serieNr.size() != serialLength) throw Stop{106};
+  if (access.serieNr != ownSerial) identify(mailbox, access, identity);
+  // Records of known models carry a leading piece that the caller does not count.
+  if (identity.known) access.offset = checkedByte(access.offset + 1);
+  if (readOrWrite == "R") {
+    readModule(mailbox, access, identity, result);
+  } else {
+    writeModule(mailbox, access, identity, result);
+  }
+}
+
+}  // namespace velk::modules

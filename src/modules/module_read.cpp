@@ -1,0 +1,89 @@
+#include <algorithm>
+
+#include "modules/conversion.h"
+#include "modules/masks.h"
+#include "modules/module_directions.h"
+#include "modules/records.h"
+#include "values/helpers.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Stop;
+
+constexpr Byte versionRequest = 10;
+constexpr Byte readLongDirection = 31;
+constexpr Byte readFlag = 64;
+
+bool takesReadFlag(const Subject& subject) {
+  constexpr SerialRange serials{830200, 839999};
+  return subject.known || serials.contains(subject.serial());
+}
+
+/// One request with a reply. False when the controller did not clear the trigger.
+bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) {
+  mailbox.address(
+      {.number = access.offset, .direction = static_cast<Byte>(direction), .serieNr = access.serieNr}, true);
+  const Exchange exchange = mailbox.run({});
+  if (!exchange.trigger.isZero()) return false;
+  if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{result};
+  return true;
+}
+
+/// The version request of some types: a reply of ten bytes, of which the last two are the firmware version of
+/// the part behind this offset. An answer that does not come is no reason to give the record up.
+void requestVersion(const Mailbox& mailbox, const ModuleAccess& access, const RecordRow& row) {
+  constexpr Byte versionPlace = 8;
+  if (!request(mailbox, access, versionRequest) || row.special != Special::versionReplyFirst) return;
+  const Bytes version = mailbox.get(2, versionPlace);
+  access.firmware = values::LdZr(byteAt(version, 0), 2) + values::LdZr(byteAt(version, 1), 2);
+}
+
+void readPieces(const Mailbox& mailbox, const ModuleAccess& access, const Subject& subject, Byte length,
+                Byte& result) {
+  for (int rest = length; rest > 0; rest -= pieceSize) {
+    const auto size = static_cast<Byte>(std::min<int>(rest, pieceSize));
+    const bool answered = request(mailbox, access, takesReadFlag(subject) ? size + readFlag : size);
+    // A piece whose trigger stays set is left out without an error: hosts count on getting the others.
+    if (answered) {
+      access.data += mailbox.get(size);
+      result = 0;
+    }
+    access.offset = checkedByte(access.offset + 1);
+  }
+}
+
+/// A record of up to 128 bytes in the long-record buffer; its first byte is its length.
+void readLong(const Mailbox& mailbox, const ModuleAccess& access, Byte& result) {
+  constexpr Byte longest = 128;
+  if (request(mailbox, access, readLongDirection)) {
+    Bytes record = mailbox.getLong(0);
+    const Byte length = std::min(byteAt(record, 0), longest);
+    for (Byte block = pieceSize; block < longest && record.size() < length; block += pieceSize) {
+      record += mailbox.getLong(block);
+    }
+    record.resize(std::min<std::size_t>(record.size(), length));
+    access.data = record;
+    result = 0;
+  }
+  access.offset = checkedByte(access.offset + 1);
+}
+
+}  // namespace
+
+void readModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
+  const Subject subject{.serieNr = access.serieNr, .known = identity.known};
+  const Byte start = access.offset;
+  const RecordRow* const row = rowFor(subject, start);
+  access.data.clear();
+  if (readsLongRecord(subject)) {
+    readLong(mailbox, access, result);
+  } else {
+    if (row != nullptr && asksVersion(*row, start)) requestVersion(mailbox, access, *row);
+    readPieces(mailbox, access, subject, readLength(subject, start), result);
+  }
+  access.data = ConvertRXData(access.serieNr, access.data, identity.known);
+  if (row != nullptr && hasMasks(*row, start)) access.data = codesOfMasks(access.data, identity.known);
+}
+
+}  // namespace velk::modules

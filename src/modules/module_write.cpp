@@ -1,0 +1,83 @@
+#include <algorithm>
+
+#include "modules/conversion.h"
+#include "modules/masks.h"
+#include "modules/module_directions.h"
+#include "modules/records.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Stop;
+
+constexpr Byte writeFlags = 192;
+constexpr Byte writeLongDirection = 159;
+constexpr Byte noReply = 100;
+
+/// Sends a request and waits until the module has taken it. The controller's own module is not waited for.
+Byte run(const Mailbox& mailbox, std::string_view serieNr) {
+  if (serieNr == ownSerial) {
+    (void)mailbox.run({.triggerTime = Seconds(0), .replyTime = Seconds(0)});
+    return 0;
+  }
+  const Exchange exchange = mailbox.run({.triggerTime = Seconds(1), .replyTime = Seconds(0)});
+  const Byte result = exchange.trigger.isZero() ? Byte{0} : noReply;
+  mailbox.pause(Seconds(0.8));
+  return result;
+}
+
+/// Some series store a piece slowly.
+Seconds pauseBetweenPieces(double serial) {
+  constexpr SerialRange slow1{950000, 950020};
+  constexpr SerialRange slow2{830200, 839999};
+  return Seconds(slow1.contains(serial) || slow2.contains(serial) ? 2.0 : 0.1);
+}
+
+Header headerFor(const ModuleAccess& access, std::size_t direction) {
+  return {.number = access.offset, .direction = static_cast<Byte>(direction), .serieNr = access.serieNr};
+}
+
+void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string_view data, Byte& result) {
+  for (std::size_t start = 0; start < data.size(); start += pieceSize) {
+    if (start != 0) mailbox.pause(pauseBetweenPieces(serialValue(access.serieNr)));
+    const std::string_view piece = slice(data, start, pieceSize);
+    mailbox.address(headerFor(access, piece.size() + writeFlags), false);
+    mailbox.put(piece);
+    result = run(mailbox, access.serieNr);
+    if (result != 0) throw Stop{result};
+    access.offset = checkedByte(access.offset + 1);
+  }
+}
+
+/// The whole record goes into the long-record buffer, and one request has the module fetch it.
+void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, Byte& result) {
+  for (Byte position = 10; position <= 32; position += 2) data = ConvertTXSub(std::move(data), position);
+  mailbox.putLong(data, Mailbox::LastBlock::padded);
+  mailbox.address(headerFor(access, writeLongDirection), false);
+  result = run(mailbox, access.serieNr);
+  if (result != 0) throw Stop{result};
+  access.offset = checkedByte(access.offset + 1);
+}
+
+bool isSentAsItIs(const Subject& subject, Byte offset) {
+  constexpr SerialRange serials{230000, 839999};
+  return subject.type() == 7 && serials.contains(subject.serial()) && offset >= 2;
+}
+
+}  // namespace
+
+void writeModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
+  const Subject subject{.serieNr = access.serieNr, .known = identity.known};
+  Bytes data = access.data;
+  if (access.serieNr != ownSerial) checkWrite(subject, access.offset, data);
+  const RecordRow* const row = rowFor(subject, access.offset);
+  if (row != nullptr && hasMasks(*row, access.offset)) data = masksOfCodes(data, identity.known);
+  if (!isSentAsItIs(subject, access.offset)) data = ConvertTXData(access.serieNr, data, identity.known);
+  if (writesLongRecord(subject, access.offset, data.size())) {
+    writeLong(mailbox, access, data, result);
+  } else {
+    writePieces(mailbox, access, data, result);
+  }
+}
+
+}  // namespace velk::modules

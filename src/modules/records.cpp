@@ -1,0 +1,170 @@
+#include "modules/records.h"
+
+#include <algorithm>
+#include <array>
+
+#include "link/memory.h"
+#include "modules/conversion.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Stop;
+
+constexpr SerialRange all{-1e300, 1e300};
+constexpr Byte longRecord = 112;
+
+constexpr SerialRange upTo(double last) {
+  return {all.first, last};
+}
+
+constexpr SerialRange from(double first) {
+  return {first, all.last};
+}
+
+// clang-format off
+/// The first row that fits decides.
+constexpr std::array rows{
+    // types    serial numbers    read  write accepts
+    RecordRow{0, 0,   upTo(9999),       1,    {1, 6},          Check::address},
+    RecordRow{0, 0,   upTo(80249),      6,    {1, 6},          Check::address},
+    RecordRow{0, 0,   all,              16,   {1, 16},         Check::address},
+    RecordRow{1, 1,   all,              10,   {17},            Check::pairs4,     Special::masks, 0, 16},
+    RecordRow{3, 3,   all,              2,    {2},             Check::pairs2},
+    RecordRow{4, 4,   all,              8,    {8, 9, 10}},
+    RecordRow{5, 5,   all,              74,   {74},            Check::groups},
+    RecordRow{7, 7,   {230000, 839999}, 32,   {11, 32}},
+    RecordRow{7, 7,   all,              11,   {11, 32}},
+    RecordRow{10, 10, all,              22,   {22},            Check::lengthOnly, Special::versionFirstAndMasks},
+    RecordRow{11, 11, all,              70,   {70}},
+    RecordRow{24, 24, all,              70,   {70}},
+    RecordRow{21, 21, all,              24,   {},              Check::none},
+    RecordRow{26, 26, all,              24,   {},              Check::none},
+    RecordRow{27, 27, all,              7,    {7}},
+    RecordRow{29, 29, all,              7,    {},              Check::none},
+    RecordRow{70, 71, {705000, 709999}, 32,   {longRecord, 32}},
+    RecordRow{70, 71, from(705000),     32,   {longRecord}},
+    RecordRow{70, 71, all,              20,   {longRecord}},
+    RecordRow{75, 75, all,              29,   {29}},
+    RecordRow{76, 78, all,              29,   {},              Check::none},
+    RecordRow{83, 83, from(830200),     5,    {3},             Check::lengthOnly, Special::none, 1},
+    RecordRow{83, 83, all,              3,    {3}},
+    RecordRow{88, 88, all,              22,   {22}},
+    RecordRow{91, 91, all,              11,   {11}},
+    RecordRow{93, 93, all,              3,    {3}},
+    RecordRow{95, 96, upTo(950999),     20,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
+    RecordRow{95, 96, all,              32,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
+    RecordRow{98, 98, all,              16,   {4, 16}},
+    RecordRow{99, 99, all,              4,    {4}},
+};
+// clang-format on
+
+/// A pair of bytes is an address and what belongs to it: neither above 99, and the address from 3 on when the
+/// pair is in use.
+bool isGoodPair(Byte first, Byte second) {
+  const bool used = first != 0 || second != 0;
+  return first <= 99 && second <= 99 && (!used || first >= 3);
+}
+
+void checkPairs(std::string_view data, std::size_t pairs) {
+  for (std::size_t i = 0; i < pairs && 2 * i + 1 < data.size(); ++i) {
+    if (!isGoodPair(byteAt(data, 2 * i), byteAt(data, 2 * i + 1))) throw Stop{112};
+  }
+}
+
+void checkAddress(std::string_view data) {
+  const Byte first = byteAt(data, 0);
+  if (first != 0 && (first < 3 || first > 99)) throw Stop{112};
+  if (data.size() == 1) return;
+  const Byte second = byteAt(data, 1);
+  if (second > 99 || second == 2) throw Stop{112};
+}
+
+void checkGroups(std::string_view data) {
+  constexpr std::size_t groupSize = 16;
+  constexpr std::size_t groups = 4;
+  for (std::size_t start = 0; start < groups * groupSize; start += groupSize) {
+    const Byte sub = byteAt(data, start + 1);
+    if (!isGoodPair(byteAt(data, start), sub)) throw Stop{112};
+    if (sub > 3) throw Stop{105};
+    if (byteAt(data, start + 2) > 21) throw Stop{111};
+  }
+}
+
+/// A field that is to become a channel mask must hold one of its numbers: a choice of 1 to 4, or 0.
+void checkSelections(const Subject& subject, std::string_view data) {
+  for (const Byte position : positionsSent(subject.serieNr, data.size(), subject.known)) {
+    if (position <= data.size() && (byteAt(data, position - std::size_t{1}) & 15) > 4) throw Stop{112};
+  }
+}
+
+void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std::string_view data) {
+  // Where masks follow the first pair at once, they are no pairs: their translation checks them.
+  const std::size_t pairs = hasMasks(row, offset) && !subject.known ? 1 : 4;
+  switch (row.check) {
+    case Check::none:
+      break;
+    case Check::lengthOnly:
+      return checkSelections(subject, data);
+    case Check::address:
+      return checkAddress(data);
+    case Check::pairs4:
+      return checkPairs(data, pairs);
+    case Check::pairs2:
+      return checkPairs(data, 2);
+    case Check::groups:
+      return checkGroups(data);
+  }
+}
+
+bool accepts(const RecordRow& row, std::size_t size) {
+  return size != 0 &&
+         std::find(row.writeLengths.begin(), row.writeLengths.end(), size) != row.writeLengths.end();
+}
+
+}  // namespace
+
+const RecordRow* rowFor(const Subject& subject, Byte offset) {
+  const std::int16_t type = subject.type();
+  const double serial = subject.serial();
+  const auto* const found = std::find_if(rows.begin(), rows.end(), [&](const RecordRow& row) {
+    return type >= row.firstType && type <= row.lastType && row.serials.contains(serial) &&
+           offset >= row.fromOffset;
+  });
+  return found == rows.end() ? nullptr : found;
+}
+
+std::span<const RecordRow> recordRows() {
+  return rows;
+}
+
+Byte readLength(const Subject& subject, Byte offset) {
+  const RecordRow* const row = rowFor(subject, offset);
+  if (row == nullptr) return 0;
+  return subject.known && row->readLengthKnown != 0 ? row->readLengthKnown : row->readLength;
+}
+
+void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
+  constexpr std::size_t shortOfOne = 16;
+  const RecordRow* const row = rowFor(subject, offset);
+  if (row == nullptr || row->check == Check::none) return;
+  if (row->check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
+  if (!accepts(*row, data.size())) throw Stop{104};
+  // Only the first four pieces of a type 98 module are records of 16 bytes.
+  if (row->firstType == 98 && data.size() == 16 && offset >= 4) throw Stop{103};
+  checkFields(*row, subject, offset, data);
+}
+
+bool readsLongRecord(const Subject& subject) {
+  constexpr SerialRange serials{980100, 989999};
+  return serials.contains(subject.serial());
+}
+
+bool writesLongRecord(const Subject& subject, Byte offset, std::size_t size) {
+  constexpr SerialRange inPieces{705000, 709999};
+  const std::int16_t type = subject.type();
+  return (type == 70 || type == 71) && !inPieces.contains(subject.serial()) && offset != 1 &&
+         size == longRecord;
+}
+
+}  // namespace velk::modules

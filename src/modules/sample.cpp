@@ -1,0 +1,56 @@
+#include "modules/sample.h"
+
+#include "modules/model.h"
+
+namespace velk::modules {
+namespace {
+
+using link::Stop;
+
+constexpr std::size_t longestSample = 128;
+
+Header headerFor(const SampleAccess& sample, int direction) {
+  return {.number = checkedByte(sample.number + 16),
+          .direction = checkedByte(direction + 64 * sample.bank),
+          .serieNr = sample.serieNr};
+}
+
+void check(const SampleAccess& sample) {
+  constexpr SerialRange fewerSamples{980101, 989999};
+  if (sample.serieNr.size() != 6) throw Stop{106};
+  if (fewerSamples.contains(serialValue(sample.serieNr)) && sample.number > 239) throw Stop{104};
+  if (sample.number > 253) throw Stop{102};
+}
+
+Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
+  if (sample.data.size() > longestSample) return 104;
+  mailbox.putLong(sample.data, Mailbox::LastBlock::padded);
+  mailbox.address(headerFor(sample, 191), false);
+  return mailbox.run({.triggerTime = Seconds(0)}).reply.result();
+}
+
+Byte read(const Mailbox& mailbox, const SampleAccess& sample) {
+  mailbox.address(headerFor(sample, 63), false);
+  const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
+  if (!exchange.trigger.isZero()) return exchange.trigger.result();
+  if (!exchange.reply.isZero()) return exchange.reply.result();
+  // The block that ends with a zero byte is the last one.
+  Bytes kept;
+  do {
+    kept += mailbox.getLong(static_cast<Byte>(kept.size()));
+  } while (byteAt(kept, kept.size() - 1) != 0 && kept.size() < longestSample);
+  sample.data = kept;
+  return 0;
+}
+
+}  // namespace
+
+Byte Sample(const Mailbox& mailbox, std::string_view readOrWrite, const SampleAccess& sample) {
+  const bool reads = readOrWrite == "R";
+  // Whatever ends a read leaves no data.
+  if (reads) sample.data.clear();
+  check(sample);
+  return reads ? read(mailbox, sample) : write(mailbox, sample);
+}
+
+}  // namespace velk::modules

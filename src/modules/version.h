@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+#include "modules/mailbox.h"
+#include "modules/model.h"
+
+namespace velk::modules {
+
+/// Reads a module's identification block into `identity`. Ends with the result byte or throws `Stop`.
+Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serieNr, Identity& identity);
+
+}  // namespace velk::modules

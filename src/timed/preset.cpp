@@ -1,0 +1,108 @@
+#include "timed/preset.h"
+
+namespace velk::timed {
+namespace {
+
+using link::Address;
+using link::Area;
+using link::Memory;
+using link::Stop;
+
+constexpr Byte firstRecord = 3;
+constexpr Byte highestRecord = 99;
+constexpr Byte recordSize = 4;
+constexpr Byte textSize = 16;
+constexpr int shortestDelay = 5;
+constexpr int longestDelay = 200;
+constexpr int noDelay = 255;  ///< stored for a missing second delay
+
+// Four presets share the page of their delays and simulation flags.
+
+constexpr Byte timingPage(Byte number) {
+  return static_cast<Byte>((number - 1) / 4 + 102);
+}
+
+constexpr Address textOf(Byte number) {
+  return {.dph = static_cast<Byte>(number + 34), .dpl = 40};
+}
+
+constexpr Address delaysOf(Byte number) {
+  return {.dph = timingPage(number), .dpl = static_cast<Byte>((number - 1) % 4 * 2 + 8)};
+}
+
+constexpr Address flagsOf(Byte number) {
+  return {.dph = timingPage(number), .dpl = 18};
+}
+
+constexpr int flagOf(Byte number) {
+  return 1 << ((number - 1) % 4);
+}
+
+Address recordOf(Byte number, Byte record) {
+  return {.dph = DPHPreset(number), .dpl = DPLPreset(number, record)};
+}
+
+bool isDelay(int delay) {
+  return delay >= shortestDelay && delay <= longestDelay;
+}
+
+void checkWrite(const PresetAccess& p) {
+  const std::size_t records = p.lastRecord - firstRecord + std::size_t{1};
+  if (p.data.size() != records * recordSize || p.text.size() != textSize) throw Stop{104};
+  if (!isDelay(p.delay1) || (p.delay2 != 0 && !isDelay(p.delay2)) || p.delay1 + p.delay2 > 255)
+    throw Stop{105};
+}
+
+void write(const Memory& memory, const PresetAccess& p) {
+  checkWrite(p);
+  memory.write(textOf(p.number), p.text);
+  for (Byte i = firstRecord; i <= p.lastRecord; ++i) {
+    const std::string_view record = slice(p.data, std::size_t{recordSize} * (i - firstRecord), recordSize);
+    // A byte of value 1 marks a record that is to stay as it is in the controller.
+    if (record.find('\x01') != std::string_view::npos) continue;
+    memory.write(recordOf(p.number, i), record, Area::block);
+  }
+  memory.write(delaysOf(p.number), Bytes{character(p.delay1), character(p.delay2 == 0 ? noDelay : p.delay2)});
+  const int others = byteAt(memory.read(1, flagsOf(p.number)), 0) & ~flagOf(p.number);
+  memory.write(flagsOf(p.number),
+               Bytes(1, character(p.simulation != 0 ? others | flagOf(p.number) : others)));
+}
+
+void read(const Memory& memory, const PresetAccess& p) {
+  p.data.clear();
+  p.text = memory.read(textSize, textOf(p.number));
+  for (Byte i = firstRecord; i <= p.lastRecord; ++i)
+    p.data += memory.read(recordSize, recordOf(p.number, i), Area::block);
+  const Bytes delays = memory.read(2, delaysOf(p.number));
+  p.delay1 = byteAt(delays, 0);
+  p.delay2 = byteAt(delays, 1);
+  if (p.delay1 + p.delay2 >= noDelay) p.delay2 = 0;
+  const int flags = byteAt(memory.read(1, flagsOf(p.number)), 0);
+  p.simulation = (flags & flagOf(p.number)) != 0 ? 255 : 0;
+}
+
+}  // namespace
+
+Byte DPHPreset(Byte presetNr) {
+  constexpr Byte lastOfFirstGroup = 28;
+  if (presetNr <= lastOfFirstGroup) return static_cast<Byte>(presetNr * 4 + 12);
+  return static_cast<Byte>((presetNr - 29) % 32 * 4 + 128);
+}
+
+Byte DPLPreset(Byte presetNr, Byte adres) {
+  if (presetNr == 0 || presetNr > lastPreset) return 0;
+  const int base = presetNr <= 28 ? 55 : presetNr <= 60 ? 0 : 99;
+  return checkedByte(adres + base);
+}
+
+void Preset(const Memory& memory, std::string_view readOrWrite, const PresetAccess& preset) {
+  if (preset.number == 0 || preset.number > lastPreset) throw Stop{113};
+  if (preset.lastRecord < firstRecord || preset.lastRecord > highestRecord) throw Stop{112};
+  if (readOrWrite == "R") {
+    read(memory, preset);
+  } else {
+    write(memory, preset);
+  }
+}
+
+}  // namespace velk::timed
