@@ -141,7 +141,7 @@ Bytes readHead(const Memory& memory, int offset, int end) {
   const Bytes bytes = memory.read(7, readSettings);
   Bytes head;
   for (int p = offset + 1; p <= std::min(end, kind - 1); ++p)
-    head += character(byteAt(bytes, static_cast<std::size_t>(p + 1)));
+    head += character(byteAt(bytes, static_cast<std::size_t>(p) + 1));
   if (end >= kind) head += character(kindValue(bytes));
   return head;
 }

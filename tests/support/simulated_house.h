@@ -18,7 +18,8 @@ namespace velk::test {
 
 enum class LinkKind { echo, fast, ethernetQ, ethernetS };
 
-inline constexpr std::array allLinks{LinkKind::echo, LinkKind::fast, LinkKind::ethernetQ, LinkKind::ethernetS};
+inline constexpr std::array allLinks{LinkKind::echo, LinkKind::fast, LinkKind::ethernetQ,
+                                     LinkKind::ethernetS};
 
 inline std::string nameOf(LinkKind kind) {
   constexpr std::array names{"echo", "fast", "ethernetQ", "ethernetS"};
