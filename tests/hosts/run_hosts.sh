@@ -160,10 +160,12 @@ start_silent_peer
 typed_client
 script values.vbs
 script values.js
-script link.vbs tcp "$port_q" pass Q
-script link.vbs tcp "$port_s" pass S
-script link.vbs com 5 echo
-script link.vbs com 6 fast
+for hosts in link.vbs configuration.vbs; do
+  script "$hosts" tcp "$port_q" pass Q
+  script "$hosts" tcp "$port_s" pass S
+  script "$hosts" com 5 echo
+  script "$hosts" com 6 fast
+done
 script link.js "$port_s"
 
 echo "$passed passed, $failed failed"

@@ -66,7 +66,10 @@ HRESULT Call::giveBack() {
     const Parameter& parameter = method_.slots[i];
     if (!parameter.inOut || !given_[i]) continue;
     const Argument argument(*sources_[i]);
-    if (convert(argument.value(), parameter.type) == values_[i]) continue;
+    // A variable that holds the value already keeps its type; one that holds nothing yet does not.
+    const Value before = argument.value();
+    const bool empty = std::holds_alternative<std::monostate>(before);
+    if (!empty && convert(before, parameter.type) == values_[i]) continue;
     const HRESULT written = argument.assign(values_[i]);
     if (FAILED(written)) outcome = failed(written, i);
   }
