@@ -71,6 +71,7 @@ wait_for() { # wait_for FILE PATTERN: until a child has said so
 }
 
 start_controller() {
+  rm -f "$work/sim.log"
   "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 600 >"$work/sim.log" 2>&1 &
   children="$children $!"
   wait_for "$work/sim.log" '^ready'
@@ -81,6 +82,7 @@ start_controller() {
 }
 
 start_silent_peer() { # accepts connections and says nothing
+  rm -f "$work/silent.log"
   python3 -c '
 import socket, time
 s = socket.create_server(("127.0.0.1", 0))
@@ -139,7 +141,7 @@ registration() {
 # --- Hosts
 
 typed_client() {
-  VELK_TCP_PORT=$port_q VELK_SILENT_PORT=$(cat "$work/silent.log") \
+  VELK_TCP_PORT=$port_q VELK_ECHO_PORT=5 VELK_FAST_PORT=6 VELK_SILENT_PORT=$(cat "$work/silent.log") \
     wine_run "$build/bin/typed_client.exe" --gtest_color=no >"$work/typed_client.log"
   status=$?
   tr -d '\r' <"$work/typed_client.log" | sed -n \
@@ -160,13 +162,12 @@ start_silent_peer
 typed_client
 script values.vbs
 script values.js
-for hosts in link.vbs configuration.vbs; do
+for hosts in link.vbs link.js configuration.vbs; do
   script "$hosts" tcp "$port_q" pass Q
   script "$hosts" tcp "$port_s" pass S
   script "$hosts" com 5 echo
   script "$hosts" com 6 fast
 done
-script link.js "$port_s"
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -441,5 +441,19 @@ TEST_F(Client, resultsInTheCallersTypes) {
   EXPECT_EQ(object_.call(L"CloseTCP", {}).value.bVal, 0);
 }
 
+/// The same output over a serial line, in both modes; the runner links the ports to the controller's lines.
+TEST_F(Client, readsOverASerialLine) {
+  for (const bool fast : {false, true}) {
+    ASSERT_EQ(object_.call(L"OpenCom", {portFrom(fast ? "VELK_FAST_PORT" : "VELK_ECHO_PORT"), 9600, fast})
+                  .value.bVal,
+              0);
+    BSTR mode = nullptr;
+    EXPECT_EQ(object_.call(L"Ctl_Param", {L"R", 5, Var::reference(VT_BSTR, &mode)}).value.bVal, 0);
+    EXPECT_EQ(Var::textOf(mode), L"T1");
+    SysFreeString(mode);
+    EXPECT_EQ(object_.call(L"CloseCom", {}).value.bVal, 0);
+  }
+}
+
 }  // namespace
 }  // namespace hosts
