@@ -1,40 +1,4 @@
-' Goes through every configuration method and timed function over one link. Prints one line for each check.
-' Arguments: "tcp" port password kind, or "com" port "echo" or "fast".
-Option Explicit
-
-Dim failures, serial, link, label
-failures = 0
-Set serial = CreateObject("VelkCom.Serial")
-Set link = WScript.Arguments
-label = "configuration " & link(link.Count - 1) & ": "
-
-Sub Check(name, got, expected)
-  If got = expected Then
-    WScript.Echo "ok " & label & name
-  Else
-    failures = failures + 1
-    WScript.Echo "FAILED " & label & name & ": got [" & got & "], expected [" & expected & "]"
-  End If
-End Sub
-
-Function OpenLink()
-  Dim port
-  port = CLng(link(1))
-  If link(0) = "com" Then
-    OpenLink = serial.OpenCom(port, 9600, link(2) = "fast")
-  Else
-    If port > 32767 Then port = port - 65536
-    OpenLink = serial.OpenTCP("127.0.0.1", port, link(2))
-  End If
-End Function
-
-' A byte string as hexadecimal, so that differences can be read.
-Function Hexed(text)
-  Dim i
-  For i = 1 To Len(text)
-    Hexed = Hexed & Right("0" & Hex(Asc(Mid(text, i, 1))), 2)
-  Next
-End Function
+' Goes through every configuration method and timed function over one link.
 
 Check "open", OpenLink(), 0
 
@@ -107,11 +71,4 @@ Check "its parts", days & "," & hour & "," & minute & "," & Hexed(data), "127,23
 Check "no such block", serial.SwitchTime("R", 128, days, hour, minute, data), 100
 Check "clear it", serial.SwitchTime("W", 100, 0, 0, 0, ""), 0
 
-If link(0) = "com" Then
-  Check "close", serial.CloseCom(), 0
-Else
-  Check "close", serial.CloseTCP(), 0
-End If
-
-WScript.Echo "done"
-WScript.Quit failures
+CloseLink

@@ -9,11 +9,8 @@
 
 #include <array>
 #include <cerrno>
-#include <map>
-#include <mutex>
 
 #include "platform/devices.h"
-#include "platform/host.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
@@ -22,17 +19,9 @@ namespace {
 /// How long a port may refuse to take anything.
 constexpr int writePatience = 1000;  // ms
 
-std::mutex mapMutex;
-
-std::map<int, std::string>& portMap() {
-  static std::map<int, std::string> map;
-  return map;
-}
-
 std::string devicePath(int number) {
-  const std::lock_guard lock(mapMutex);
-  const auto found = portMap().find(number);
-  return found != portMap().end() ? found->second : "/dev/ttyS" + std::to_string(number - 1);
+  const auto mapped = mappedPort(number);
+  return mapped ? *mapped : "/dev/ttyS" + std::to_string(number - 1);
 }
 
 Fd openDevice(const std::string& path) {
@@ -127,15 +116,6 @@ void PosixSerialPort::setBreak(bool on) {
 
 void PosixSerialPort::requireOpen() const {
   if (!fd_) throw RuntimeError(RuntimeError::portNotOpen);
-}
-
-void mapPort(int number, const std::string& devicePath) {
-  const std::lock_guard lock(mapMutex);
-  if (devicePath.empty()) {
-    portMap().erase(number);
-  } else {
-    portMap()[number] = devicePath;
-  }
 }
 
 }  // namespace velk::platform

@@ -1,11 +1,8 @@
 #include "platform/windows/port.h"
 
 #include <algorithm>
-#include <map>
-#include <mutex>
 
 #include "platform/devices.h"
-#include "platform/host.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
@@ -17,17 +14,9 @@ constexpr DWORD writePatience = 1000;  // ms
 /// How long a driver may take to hand over bytes that it says it has.
 constexpr DWORD handOverPatience = 100;  // ms
 
-std::mutex mapMutex;
-
-std::map<int, std::string>& portMap() {
-  static std::map<int, std::string> map;
-  return map;
-}
-
 std::string devicePath(int number) {
-  const std::lock_guard lock(mapMutex);
-  const auto found = portMap().find(number);
-  return found != portMap().end() ? found->second : R"(\\.\COM)" + std::to_string(number);
+  const auto mapped = mappedPort(number);
+  return mapped ? *mapped : R"(\\.\COM)" + std::to_string(number);
 }
 
 Handle openDevice(const std::string& path) {
@@ -153,15 +142,6 @@ std::size_t WindowsSerialPort::waiting() const {
   DWORD errors = 0;
   COMSTAT status{};
   return ClearCommError(port_.get(), &errors, &status) != 0 ? status.cbInQue : 0;
-}
-
-void mapPort(int number, const std::string& devicePath) {
-  const std::lock_guard lock(mapMutex);
-  if (devicePath.empty()) {
-    portMap().erase(number);
-  } else {
-    portMap()[number] = devicePath;
-  }
 }
 
 }  // namespace velk::platform
