@@ -174,6 +174,8 @@ for hosts in link.vbs link.js configuration.vbs; do
   script "$hosts" com 5 echo
   script "$hosts" com 6 fast
 done
+script modules.vbs tcp "$port_q" pass Q
+script modules.vbs com 6 fast
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
