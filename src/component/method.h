@@ -5,7 +5,6 @@
 #include <initializer_list>
 #include <span>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 #include "component/in_out.h"

@@ -24,16 +24,17 @@
 namespace velk {
 
 template <class Body>
-Byte Serial::trappedModule(const Byte& result, Body body) {
+Byte Serial::trappedModule(Body body) {
   // A run-time error in here gives the code set last, not a converted error number.
+  Byte result = 99;
   try {
     const link::Memory memory(link());
-    return body(modules::Mailbox(memory, host_));
+    body(modules::Mailbox(memory, host_), result);
   } catch (const link::Stop& stop) {
-    return stop.result;
-  } catch (const RuntimeError&) {
-    return result;
+    result = stop.result;
+  } catch (const RuntimeError&) {  // NOLINT(bugprone-empty-catch): see above
   }
+  return result;
 }
 
 Byte Serial::OpenCom(Byte Port, std::int16_t Baudrate, bool FastCom) {
@@ -203,8 +204,7 @@ std::int16_t Serial::ModuleType(const std::string& SerieNr) {
 Byte Serial::Module(const std::string& ReadOrWrite, const std::string& SerieNr, InOut<Bytes> Data,
                     InOut<Byte> Offset, InOut<std::string> ModType, InOut<Byte> CPUtype,
                     InOut<std::string> FWVersie) {
-  Byte result = 99;
-  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
+  return trappedModule([&](const modules::Mailbox& mailbox, Byte& result) {
     modules::Module(mailbox, ReadOrWrite,
                     {.serieNr = SerieNr,
                      .data = *Data,
@@ -213,7 +213,6 @@ Byte Serial::Module(const std::string& ReadOrWrite, const std::string& SerieNr, 
                      .cpuType = *CPUtype,
                      .firmware = *FWVersie},
                     identity_, result);
-    return result;
   });
 }
 
@@ -242,18 +241,16 @@ Value Serial::ConvertTXSub(const Bytes& Data, Byte Positie) {
 
 Byte Serial::Sample(const std::string& ReadOrWrite, const std::string& SerieNr, Byte SampleNr, Byte BankAofB,
                     InOut<Bytes> Data) {
-  Byte result = 99;
-  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
-    return modules::Sample(mailbox, ReadOrWrite,
-                           {.serieNr = SerieNr, .number = SampleNr, .bank = BankAofB, .data = *Data});
+  return trappedModule([&](const modules::Mailbox& mailbox, Byte& result) {
+    result = modules::Sample(mailbox, ReadOrWrite,
+                             {.serieNr = SerieNr, .number = SampleNr, .bank = BankAofB, .data = *Data});
   });
 }
 
 Byte Serial::GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset,
                      InOut<Bytes> Data) {
-  Byte result = 99;
-  return trappedModule(result, [&](const modules::Mailbox& mailbox) {
-    return modules::GSMtext(mailbox, ReadOrWrite, SerieNr, Offset, *Data);
+  return trappedModule([&](const modules::Mailbox& mailbox, Byte& result) {
+    modules::GSMtext(mailbox, ReadOrWrite, SerieNr, Offset, *Data, result);
   });
 }
 

@@ -52,7 +52,7 @@ class Serial : public link::Settings {
   /// logs in where it asks for that. Connecting and greeting may take 1.5 s together.
   /// @param PortNumber TCP port; for ports above 32767 the port minus 65536.
   /// @param PassWord cut or padded with zero bytes to four; blank or left out: four zero bytes. Comes back as
-  /// used.
+  ///   used.
   /// @param RSAddress bus address of the controller, 2 to 99; any other value means 2.
   /// @return 0; 252 no connection or no such greeting; 58 the socket is in use (`CloseTCP` first); else the
   ///   interface's answer to the login. `TCP` is set also after a refused login.
@@ -64,12 +64,10 @@ class Serial : public link::Settings {
 
   /// One request to the Ethernet interface and its reply, in the frames of the kind in `SoortETH`.
   /// @param AtlPogingen sent to kind "Q"; here 0 means a wait of 2 s, any other value one until data come,
-  /// the
-  ///   connection ends or midnight passes.
+  ///   the connection ends or midnight passes.
   /// @param Functie 255 a controller frame, 240 the login, 241 and others as the interface takes them.
   /// @return what the reply carries, or one byte: 252 no reply, 254 a foreign header or length, 58 not
-  /// connected,
-  ///   100 a reply too short for its fields.
+  ///   connected, 100 a reply too short for its fields.
   Bytes TranceivTcp(std::int16_t Protocol, std::int16_t ID, Byte AtlPogingen, Byte Functie,
                     const Bytes& Data);
 
@@ -77,12 +75,12 @@ class Serial : public link::Settings {
 
   /// One request to the controller over the open link, tried up to `AtlPogingen` times (0: three times).
   /// @param AtlBytes command byte: bits 0 to 3 byte count minus 1, bit 4 short reply, bit 5 direction "V",
-  /// bit 6
-  ///   write, bit 7 a byte count of 128 or more.
+  ///   bit 6 write, bit 7 a byte count of 128 or more.
   /// @param Instructie 2 memory access; 0 a short request whose good reply is one byte 0. Fast mode only.
   /// @return status byte and data, or one byte: 254 echo fault or bad status, 253 wrong reply length to a
-  /// write,
-  ///   252 no reply or a wrong length, 251 only foreign replies. Raises 8018 when the port is not open.
+  /// write (echo mode), 252 no reply or a wrong length, 251 only foreign replies. Raises 8018 when the port
+  /// is not
+  ///   open.
   Bytes TranCeiv(Byte AtlBytes, Byte DPHxram, Byte DPLxram, const Bytes& Data, Byte AtlPogingen = 0,
                  Byte Instructie = 2);
 
@@ -140,8 +138,7 @@ class Serial : public link::Settings {
   ///   mode only.
   /// @param Offset number of the first item.
   /// @return 0; 101 bad `ReadOrWrite`; 102 `Aantal`, 103 `Offset` too large; 104 wrong length, 105 wrong
-  /// value in
-  ///   `Parameters`; 111 bad mode; 112 bad `Address`; else the status of the failed transaction.
+  ///   value in `Parameters`; 111 bad mode; 112 bad `Address`; else the status of the failed transaction.
   Byte Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::string> Mode,
                  InOut<Bytes> Parameters = "", InOut<std::int16_t> Aantal = std::int16_t{255},
                  Byte Offset = 0);
@@ -158,13 +155,13 @@ class Serial : public link::Settings {
   /// 13 the clock as year, month, day, weekday, hours, minutes, seconds (0xFFFF down to 0xFFF9, BCD there and
   /// plain here), 14 to 16 further bytes (0x0208 to 0x020A, read only). A write ends before the clock or
   /// covers positions 8 to 13; the clock then takes the last seven characters. A read that reaches position
-  /// 13 appends the three further bytes.
+  /// 13 appends the three further bytes. What was read before a failure stays in `Parameters`.
   /// @param ReadOrWrite "R" reads; "W", "RW" and "" write.
   /// @param Parameters the bytes; on reading replaced by those read.
-  /// @return 0; 99 nothing transferred; 101 bad `ReadOrWrite`; 102 `Offset` + `Aantal` above 16; 103 `Offset`
-  /// above
-  ///   13; 104 wrong length, or a part of the clock; 105 a byte out of its range; else the status of the
-  ///   failed transaction. A failure in the middle of setting the clock can leave it held.
+  /// @return 0; 99 nothing transferred, also for a write without positions; 101 bad `ReadOrWrite`; 102
+  /// `Offset` + `Aantal` above 16; 103 `Offset`
+  ///   above 13; 104 wrong length, or a part of the clock; 105 a byte out of its range; else the status of
+  ///   the failed transaction. A failure in the middle of setting the clock can leave it held.
   Byte Ctl_Init(const std::string& ReadOrWrite, InOut<Bytes> Parameters, Byte Aantal = 13, Byte Offset = 0);
 
   /// Reads or writes the link of a source to a destination: two bytes at page `SourceAdr`, offset 31 + 2
@@ -173,11 +170,10 @@ class Serial : public link::Settings {
   /// @param DestAdr output 1 to 127, group 129 to 255, or input; 0 removes an output link. On reading set.
   /// @param INofOut "O" output or group, "I" input; on reading set. An input link reads back as address 0.
   /// @param Parameters1 on reading set to the high nibble, `Parameters2` to the low nibble of the second
-  /// byte.
+  ///   byte.
   /// @param HighFlank act on rising, `LowFlank` on falling edges; output links only; on reading set.
   /// @return 0; 101 bad `ReadOrWrite`; 112 bad `SourceAdr`, or a link to itself; 115 bad `SourceSubAdr`; 116
-  /// bad
-  ///   `INofOut`; 100 a value that does not fit a byte; else the status of the failed transaction.
+  ///   bad `INofOut`; 100 a value that does not fit a byte; else the status of the failed transaction.
   Byte Ctl_Soft(const std::string& ReadOrWrite, Byte SourceAdr, Byte SourceSubAdr, InOut<Byte> DestAdr,
                 InOut<std::string> INofOut, InOut<Byte> Parameters1, InOut<Byte> Parameters2 = 0,
                 InOut<bool> HighFlank = true, InOut<bool> LowFlank = true);
@@ -198,7 +194,7 @@ class Serial : public link::Settings {
   /// @param Tekst exactly 16 characters. @param MaxAdr number of the last record, 3 to 99.
   /// @param Data the records, 4 bytes each; on writing one that contains a byte 1 is left as it is.
   /// @param Delay1 5 to 200, so a write has to give it. @param Delay2 0 for none or 5 to 200; both at most
-  /// 255.
+  ///   255.
   /// @param Simulation on reading 255 or 0; on writing anything but 0 sets the flag.
   /// @return 0; 104 wrong length; 105 bad delay; 112 bad `MaxAdr`; 113 bad `PresetNr`; else the status of the
   ///   failed transaction.
@@ -215,24 +211,20 @@ class Serial : public link::Settings {
   /// by 255, in the high bank of the block area, page `Weekday` * 36 + the hour in BCD.
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Data the records. On a write their first two bytes are turned into BCD and the end mark is
-  /// appended in
-  ///   the caller's own text.
+  ///   appended in the caller's own text.
   /// @return 0; 105 bad weekday or hour; 100 a value that has no BCD; else the status of the failed
-  /// transaction.
+  ///   transaction.
   Byte Simulation(const std::string& ReadOrWrite, Byte Weekday, Byte Uur, InOut<Bytes> Data);
 
   /// Reads or writes switch-time block `BlokNummer` (0 to 127), at page `BlokNummer` + 128 from offset 200
   /// on.
   /// @param ReadOrWrite "R" reads, anything else writes.
-  /// @param Dagen day selection, bits 0 to 6. @param Uur hour, taken modulo 24. @param Minuten minute,
-  /// modulo 60.
-  ///   All three 0 clear the block.
+  /// @param Dagen day selection, bits 0 to 6. @param Uur hour, taken modulo 24. @param Minuten minute, modulo
+  ///   60. All three 0 clear the block.
   /// @param Data two bytes (101 to 124, 1 to 4), or entries of three bytes whose first is 3 or more; empty
-  /// for a
-  ///   block without action, whose day selection is lost.
+  ///   for a block without action, whose day selection is lost.
   /// @return 0; 104 wrong length; 105 a value out of its range; 100 a block or place that does not exist, or
-  /// a
-  ///   stored time that is not BCD; else the status of the failed transaction.
+  ///   a stored time that is not BCD; else the status of the failed transaction.
   Byte SwitchTime(const std::string& ReadOrWrite, Byte BlokNummer, InOut<Byte> Dagen, InOut<Byte> Uur,
                   InOut<Byte> Minuten, InOut<Bytes> Data);
 
@@ -251,13 +243,15 @@ class Serial : public link::Settings {
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Data the record.
   /// @param Offset number of the first piece; grows by 1 for a known model and by 1 for each piece.
-  /// @param ModType model name; on entry one that is known already saves its reading.
-  /// @param CPUtype CPU type. @param FWVersie firmware version, four digits.
+  /// @param ModType model name; on entry one that is known already is kept instead of the one that the module
+  ///   reports.
+  /// @param CPUtype CPU type. @param FWVersie firmware version, four digits; "1.0" with 090250 to 090270.
   /// @return 0; 99 an error before any other code, or no piece answered; 100 no or a strange reply; 103
-  /// `Offset`
-  ///   too large, 104 wrong length, 105, 111, 112 a value in `Data` out of range; 106 `SerieNr` is not six
-  ///   characters; 107 the controller did not take the request; 127, 128, 255 the module's own code; else the
-  ///   status of the failed transaction.
+  ///   `Offset` too large, 104 wrong length, 105, 111, 112 a value in `Data` out of range; 106 `SerieNr` is
+  ///   not six characters; 107 the controller did not take the request; 127, 128, 255 the module's own code;
+  ///   else the status of the failed transaction. A run-time error behind the first piece (an unplugged
+  ///   adapter) ends with the code of the piece before it, which is 0: `Offset` tells how far the record
+  ///   went.
   Byte Module(const std::string& ReadOrWrite, const std::string& SerieNr, InOut<Bytes> Data,
               InOut<Byte> Offset = 0, InOut<std::string> ModType = "", InOut<Byte> CPUtype = 0,
               InOut<std::string> FWVersie = "");
@@ -281,28 +275,26 @@ class Serial : public link::Settings {
   /// One number turned into a mask, at `Positie` (from 1). Run-time errors as `ConvertTXData`.
   Value ConvertTXSub(const Bytes& Data, Byte Positie);
 
-  /// Reads or writes sample `SampleNr` (0 to 253; to 239 for the serial numbers 980101 to 989999) in bank
-  /// `BankAofB` (0 or 1) of a module, through the long-record buffer.
+  /// Reads or writes sample `SampleNr` (0 to 239; up to 253 is let through to end with 99, as no request can
+  /// name it) in bank `BankAofB` (0 or 1) of a module, through the long-record buffer.
   /// @param Data up to 128 bytes; empty after a failed read.
   /// @return 0; 99 an error before any other code; 102, 104 bad `SampleNr` or length; 106 `SerieNr` is not
-  /// six
-  ///   characters; else the status of a transaction, the trigger or the module's reply code.
+  ///   six characters; else the status of a transaction, the trigger or the module's reply code.
   Byte Sample(const std::string& ReadOrWrite, const std::string& SerieNr, Byte SampleNr, Byte BankAofB,
               InOut<Bytes> Data);
 
   /// Reads (64 bytes) or writes text record `Offset` of a GSM module, through the long-record buffer.
   /// @return 0; 99 an error; 100 no or a strange reply; 127, 128, 255 the module's own code; else the status
-  /// of a
-  ///   transaction or the trigger.
+  ///   of a transaction or the trigger.
   Byte GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset, InOut<Bytes> Data);
 
  private:
   link::Link link() { return {.settings = *this, .host = host_}; }
   link::Memory memory() { return link::Memory(link()); }
 
-  /// Runs the body of a module method; `result` is the code that it set last.
+  /// Runs the body of a module method, which sets its result as it goes.
   template <class Body>
-  Byte trappedModule(const Byte& result, Body body);
+  Byte trappedModule(Body body);
 
   platform::Host& host_;
   modules::Identity identity_;  ///< of the module read last

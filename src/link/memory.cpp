@@ -5,8 +5,8 @@
 namespace velk::link {
 namespace {
 
-std::string_view letter(const Area& area) {
-  return area == Area::external ? "V" : "H";
+std::string letter(Area area) {
+  return {static_cast<char>(area)};
 }
 
 void stopUnlessGood(const Bytes& reply) {

@@ -26,33 +26,38 @@ Byte readBlocks(const Mailbox& mailbox, Bytes& data) {
 Byte readOnce(const Mailbox& mailbox, Bytes& data) {
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
   const Polled& trigger = exchange.trigger;
+  // A trigger byte of 0 behind a bad status must not pass for success.
   if (!trigger.isZero()) return trigger.present && trigger.value != 0 ? trigger.value : trigger.status;
   const Byte result = resultOf(exchange.reply);
   return result != 0 ? result : readBlocks(mailbox, data);
 }
 
-Byte read(const Mailbox& mailbox, const Header& header, Bytes& data) {
+void read(const Mailbox& mailbox, const Header& header, Bytes& data, Byte& result) {
   // Only the trigger is repeated: the header stays, but for the reply code over its marker.
   mailbox.address(header, false);
-  Byte result = 99;
   for (int i = 0; i < attempts && result != 0; ++i) result = readOnce(mailbox, data);
-  return result;
 }
 
-Byte write(const Mailbox& mailbox, const Header& header, std::string_view data) {
+void write(const Mailbox& mailbox, const Header& header, std::string_view data, Byte& result) {
   mailbox.putLong(data, Mailbox::LastBlock::cut);
   mailbox.address(header, false);
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
-  return exchange.trigger.isZero() ? exchange.reply.result() : Byte{100};
+  result = exchange.trigger.isZero() ? exchange.reply.result() : Byte{100};
 }
 
 }  // namespace
 
-Byte GSMtext(const Mailbox& mailbox, std::string_view readOrWrite, std::string_view serieNr, Byte number,
-             Bytes& data) {
-  if (readOrWrite == "R")
-    return read(mailbox, {.number = number, .direction = readLongRecord, .serieNr = serieNr}, data);
-  return write(mailbox, {.number = number, .direction = writeLongRecord, .serieNr = serieNr}, data);
+void GSMtext(const Mailbox& mailbox, std::string_view readOrWrite, std::string_view serieNr, Byte number,
+             Bytes& data, Byte& result) {
+  result = 99;
+  const bool reads = readOrWrite == "R";
+  const Header header{
+      .number = number, .direction = reads ? readLongRecord : writeLongRecord, .serieNr = serieNr};
+  if (reads) {
+    read(mailbox, header, data, result);
+  } else {
+    write(mailbox, header, data, result);
+  }
 }
 
 }  // namespace velk::modules

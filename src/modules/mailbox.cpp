@@ -1,5 +1,7 @@
 #include "modules/mailbox.h"
 
+#include <algorithm>
+
 #include "values/numbers.h"
 #include "values/runtime_error.h"
 
@@ -89,18 +91,23 @@ Bytes Mailbox::getLong(Byte position) const {
   return memory_.read(highBank + pieceSize, {.dph = position, .dpl = longRecordPage}, Area::block);
 }
 
-/// Reads a byte again and again until it is 0 or the time is up. Each reading takes its time on the link, so
-/// that there is nothing to wait for in between.
+/// Reads a byte again and again until it is 0 or the time is up. A reading takes its time on the link, so
+/// that there is nothing to wait for in between, unless it fails or is answered at once: then the rest of a
+/// short time is waited out, so that a dead link does not keep a core busy.
 Polled Mailbox::poll(Address at, Seconds longest) const {
+  constexpr std::chrono::milliseconds shortest(1);
   const link::Deadline deadline(host_, longest);
-  Polled last;
-  do {
+  for (;;) {
+    const auto start = host_.steady();
     const Bytes reply = memory_.tryRead(1, at);
-    last = {.status = byteAt(reply, 0), .present = reply.size() > 1, .value = 0};
+    Polled last{.status = byteAt(reply, 0), .present = reply.size() > 1, .value = 0};
     if (last.present) last.value = byteAt(reply, 1);
     host_.yield();
-  } while (!last.isZero() && !deadline.passed());
-  return last;
+    const auto rest = std::min(start + shortest - host_.steady(), deadline.remaining());
+    if (last.isZero() || deadline.passed()) return last;
+    // Not a pause: the clock that ends one may have no steps as short as this.
+    if (rest.count() > 0) host_.block(platform::Source::nothing, rest, platform::Messages::dispatched);
+  }
 }
 
 }  // namespace velk::modules

@@ -2,6 +2,8 @@
 
 #include "modules/module_directions.h"
 #include "modules/version.h"
+#include "values/helpers.h"
+#include "values/runtime_error.h"
 
 namespace velk::modules {
 namespace {
@@ -11,9 +13,18 @@ using link::Stop;
 /// Modules of one series that do not tell their model.
 constexpr SerialRange silentSeries{90250, 90270};
 
+/// The version reading is a method of its own: its run-time errors become its result.
+Byte readVersion(const Mailbox& mailbox, std::string_view serieNr, Identity& identity) {
+  try {
+    return RXModuleVersie(mailbox, serieNr, identity);
+  } catch (const RuntimeError& error) {
+    return values::ConvertErr(error.number());
+  }
+}
+
 void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& identity) {
   identity.model = access.model;
-  if (const Byte result = RXModuleVersie(mailbox, access.serieNr, identity); result != 0) throw Stop{result};
+  if (const Byte result = readVersion(mailbox, access.serieNr, identity); result != 0) throw Stop{result};
   if (silentSeries.contains(serialValue(access.serieNr))) {
     identity.known = true;
     identity.model = "MT007/500VA";

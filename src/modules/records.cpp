@@ -5,6 +5,7 @@
 
 #include "link/memory.h"
 #include "modules/conversion.h"
+#include "modules/mailbox.h"
 
 namespace velk::modules {
 namespace {
@@ -42,7 +43,6 @@ constexpr std::array rows{
     RecordRow{26, 26, all,              24,   {},              Check::none},
     RecordRow{27, 27, all,              7,    {7}},
     RecordRow{29, 29, all,              7,    {},              Check::none},
-    RecordRow{70, 71, {705000, 709999}, 32,   {longRecord, 32}},
     RecordRow{70, 71, from(705000),     32,   {longRecord}},
     RecordRow{70, 71, all,              20,   {longRecord}},
     RecordRow{75, 75, all,              29,   {29}},
@@ -50,11 +50,12 @@ constexpr std::array rows{
     RecordRow{83, 83, from(830200),     5,    {3},             Check::lengthOnly, Special::none, 1},
     RecordRow{83, 83, all,              3,    {3}},
     RecordRow{88, 88, all,              22,   {22}},
-    RecordRow{91, 91, all,              11,   {11}},
+    RecordRow{91, 91, all,              11,   {11},            Check::lengthOnly, Special::none, 1},
+    RecordRow{91, 91, all,              0,    {11}},
     RecordRow{93, 93, all,              3,    {3}},
     RecordRow{95, 96, upTo(950999),     20,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
     RecordRow{95, 96, all,              32,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
-    RecordRow{98, 98, all,              16,   {4, 16}},
+    RecordRow{98, 98, all,              16,   {4, 16},         Check::lengthOnly, Special::none, 0, 0, 4},
     RecordRow{99, 99, all,              4,    {4}},
 };
 // clang-format on
@@ -150,8 +151,7 @@ void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
   if (row == nullptr || row->check == Check::none) return;
   if (row->check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
   if (!accepts(*row, data.size())) throw Stop{104};
-  // Only the first four pieces of a type 98 module are records of 16 bytes.
-  if (row->firstType == 98 && data.size() == 16 && offset >= 4) throw Stop{103};
+  if (data.size() == pieceSize && offset >= row->fullPieces) throw Stop{103};
   checkFields(*row, subject, offset, data);
 }
 

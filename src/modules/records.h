@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <array>
 #include <span>
 #include <string_view>
 
@@ -42,6 +42,7 @@ struct RecordRow {
   Special special = Special::none;
   Byte fromOffset = 0;
   Byte readLengthKnown = 0;  ///< for known models, where it differs
+  Byte fullPieces = 255;     ///< writes of 16 bytes are taken below this `Offset` only (103)
 };
 
 /// A module as far as its records go.

@@ -24,8 +24,10 @@ void check(const SampleAccess& sample) {
 
 Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
   if (sample.data.size() > longestSample) return 104;
+  // The header first: a number that it cannot hold must not cost the buffer its contents.
+  const Header header = headerFor(sample, 191);
   mailbox.putLong(sample.data, Mailbox::LastBlock::padded);
-  mailbox.address(headerFor(sample, 191), false);
+  mailbox.address(header, false);
   return mailbox.run({.triggerTime = Seconds(0)}).reply.result();
 }
 

@@ -1,7 +1,5 @@
 #include "parameters/image.h"
 
-#include <algorithm>
-
 #include "values/runtime_error.h"
 
 namespace velk::parameters {

@@ -5,14 +5,19 @@
 namespace velk::simulator {
 namespace {
 
-bool touches(const Device& device, Place first, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (device.covers(after(first, i))) return true;
+template <class Test>
+bool anyPlace(const Transfer& transfer, Test test) {
+  for (std::size_t i = 0; i < transfer.count; ++i) {
+    if (test(after(transfer.first, i))) return true;
   }
   return false;
 }
 
 }  // namespace
+
+bool Transfer::covers(Place place) const {
+  return anyPlace(*this, [place](Place touched) { return touched == place; });
+}
 
 Reply refusal(const link::Request& request, Byte status) {
   const std::size_t size = link::hasShortReply(request.command) ? 0 : link::dataCount(request.command);
@@ -22,17 +27,19 @@ Reply refusal(const link::Request& request, Byte status) {
 Reply Controller::answer(const link::Request& request) {
   const Place first{.memory = memoryOf(request.command), .dph = request.dph, .dpl = request.dpl};
   const std::size_t count = link::dataCount(request.command);
+  const Transfer transfer{.first = first, .count = count};
   const bool isWrite = (request.command & link::write) != 0;
   if (request.data.size() != (isWrite ? count : 0)) return refusal(request, refused);
 
   const std::lock_guard lock(mutex_);
-  const auto devices = devicesIn(first, count);
+  const auto devices = devicesIn(transfer);
   if (isWrite) {
+    for (Device* const device : devices) device->beforeWrite(store_, transfer);
     store_.write(first, request.data);
-    for (Device* const device : devices) device->afterWrite(store_);
+    for (Device* const device : devices) device->afterWrite(store_, transfer);
     return {};
   }
-  for (Device* const device : devices) device->beforeRead(store_);
+  for (Device* const device : devices) device->beforeRead(store_, transfer);
   if (link::hasShortReply(request.command)) return {};
   return {.status = carriedOut, .data = store_.read(first, count)};
 }
@@ -47,10 +54,10 @@ Store Controller::snapshot() const {
   return store_;
 }
 
-std::vector<Device*> Controller::devicesIn(Place first, std::size_t count) const {
+std::vector<Device*> Controller::devicesIn(const Transfer& transfer) const {
   std::vector<Device*> found;
   for (const auto& device : devices_) {
-    if (touches(*device, first, count)) found.push_back(device.get());
+    if (anyPlace(transfer, [&](Place place) { return device->covers(place); })) found.push_back(device.get());
   }
   return found;
 }

@@ -26,6 +26,14 @@ enum Status : Byte {
 /// The answer to a request that is not carried out: the status and as many zero bytes as were asked for.
 Reply refusal(const link::Request& request, Byte status);
 
+/// The places of one request.
+struct Transfer {
+  Place first;
+  std::size_t count;
+
+  [[nodiscard]] bool covers(Place place) const;
+};
+
 /// Something that lives inside the memory, such as a clock or a mailbox. It is called with the controller
 /// locked, so it must not call the controller.
 class Device {
@@ -36,10 +44,11 @@ class Device {
   [[nodiscard]] virtual bool covers(Place place) const = 0;
 
   /// A transfer that touches the device is about to be read: the moment to bring the bytes up to date.
-  virtual void beforeRead(Store& /*store*/) {}
+  virtual void beforeRead(Store& /*store*/, const Transfer& /*transfer*/) {}
 
-  /// A transfer that touches the device has been written.
-  virtual void afterWrite(Store& /*store*/) {}
+  /// A transfer that touches the device is about to be written, and has been written.
+  virtual void beforeWrite(Store& /*store*/, const Transfer& /*transfer*/) {}
+  virtual void afterWrite(Store& /*store*/, const Transfer& /*transfer*/) {}
 };
 
 /// The simulated controller: four memories, and the devices inside them. Safe for several threads.
@@ -58,7 +67,7 @@ class Controller {
   [[nodiscard]] Store snapshot() const;
 
  private:
-  [[nodiscard]] std::vector<Device*> devicesIn(Place first, std::size_t count) const;
+  [[nodiscard]] std::vector<Device*> devicesIn(const Transfer& transfer) const;
 
   mutable std::mutex mutex_;
   Store store_;

@@ -30,6 +30,14 @@ constexpr std::array kinds{
               [](Plan& plan, int k) { plan.wrongEcho = static_cast<std::size_t>(k); }},
     FaultKind{"disconnect", "", 0, 0, "end the connection",
               [](Plan& plan, int /*none*/) { plan.disconnect = true; }},
+    FaultKind{"stuck", "", 0, 0, "module: leave the trigger set",
+              [](Plan& plan, int /*none*/) { plan.stuck = true; }, Counts::moduleRequests},
+    FaultKind{"busy", "N", -1, 65535, "module: clear the trigger after N polls",
+              [](Plan& plan, int n) { plan.busy = static_cast<unsigned>(n); }, Counts::moduleRequests},
+    FaultKind{"pending", "N", -1, 65535, "module: give the reply code after N polls of it",
+              [](Plan& plan, int n) { plan.pending = static_cast<unsigned>(n); }, Counts::moduleRequests},
+    FaultKind{"code", "N", -1, 255, "module: refuse with reply code N",
+              [](Plan& plan, int n) { plan.code = static_cast<Byte>(n); }, Counts::moduleRequests},
 };
 
 [[noreturn]] void fail(std::string_view text, const std::string& why) {
@@ -96,9 +104,10 @@ Fault parseFault(std::string_view text) {
   return {.kind = &kind, .argument = argumentOf(kind, given, text), .first = first, .last = last};
 }
 
-Plan Faults::planFor(unsigned request) const {
+Plan Faults::planFor(unsigned request, Counts counts) const {
   Plan plan;
   for (const Fault& fault : faults_) {
+    if (fault.kind->counts != counts) continue;
     if (request >= fault.first && request <= fault.last) fault.kind->apply(plan, fault.argument);
   }
   return plan;

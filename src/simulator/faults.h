@@ -21,7 +21,16 @@ struct Plan {
   std::optional<std::size_t> noEcho;     ///< echo mode: the byte (from 1) that is lost, and the frame with it
   std::optional<std::size_t> wrongEcho;  ///< echo mode: the byte (from 1) that is heard and echoed wrongly
   bool disconnect = false;               ///< the connection ends instead of a reply
+
+  // Requests to modules
+  bool stuck = false;        ///< the controller never carries it out
+  unsigned busy = 0;         ///< polls until it does
+  unsigned pending = 0;      ///< polls of the reply code that see none yet
+  std::optional<Byte> code;  ///< not carried out, and answered with this reply code
 };
+
+/// What a fault counts: the memory requests of one connection, or the requests to modules.
+enum class Counts : Byte { requests, moduleRequests };
 
 /// One way to misbehave, as users write it.
 struct FaultKind {
@@ -31,13 +40,14 @@ struct FaultKind {
   int highest = 0;            ///< the largest argument
   std::string_view help;
   void (*apply)(Plan& plan, int argument) = nullptr;
+  Counts counts = Counts::requests;
 };
 
 /// All kinds, in the order of descriptions.
 std::span<const FaultKind> faultKinds();
 
 /// A kind of fault at chosen requests. The memory requests of one connection count from 1, each attempt of a
-/// host being one; the login is request 0.
+/// host being one; the login is request 0. Requests to modules count from 1 over all connections.
 struct Fault {
   const FaultKind* kind;
   int argument;
@@ -61,9 +71,14 @@ class Faults {
   void add(std::string_view text) { faults_.push_back(parseFault(text)); }
 
   /// What happens at a request: all faults that name it, together.
-  [[nodiscard]] Plan planFor(unsigned request) const;
+  [[nodiscard]] Plan planFor(unsigned request) const { return planFor(request, Counts::requests); }
+  [[nodiscard]] Plan planForModule(unsigned request) const {
+    return planFor(request, Counts::moduleRequests);
+  }
 
  private:
+  [[nodiscard]] Plan planFor(unsigned request, Counts counts) const;
+
   std::vector<Fault> faults_;
 };
 

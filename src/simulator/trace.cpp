@@ -80,7 +80,13 @@ constexpr std::array regions{
     Region{external, 2, 2, 8, 10, "initialisation block"},
     Region{external, 16, 16, 156, 254, "roller marker of output %", {rollerOutput}},
     Region{external, 255, 255, 247, 248, "clock, hold"},
-    Region{external, 255, 255, 249, 255, "clock"},
+    Region{external, 255, 255, 249, 249, "clock, seconds"},
+    Region{external, 255, 255, 250, 250, "clock, minutes"},
+    Region{external, 255, 255, 251, 251, "clock, hours"},
+    Region{external, 255, 255, 252, 252, "clock, weekday"},
+    Region{external, 255, 255, 253, 253, "clock, day"},
+    Region{external, 255, 255, 254, 254, "clock, month"},
+    Region{external, 255, 255, 255, 255, "clock, year"},
     Region{external, 0, 124, 31, 38, "soft link %/%", {page, linkAt}},
     Region{external, 0, 124, 254, 254, "soft links of %, flanks", {page}},
     Region{external, 6, 34, 40, 55, "display text %", {page}},
@@ -97,6 +103,7 @@ constexpr std::array regions{
     Region{block, 3, 99, 128, 255, "preset %, record %", {presetAt<-3>, page}},
     Region{block, 102, 198, 128, 255, "preset %, record %", {presetAt<29>, pageFrom<-99>}},
     Region{highBlock, 10, 13, 0, 255, "infrared text %", {blockFrom<10>}},
+    Region{highBlock, 26, 26, 0, 127, "long-record buffer"},
     Region{highBlock, 0, 251, 0, 255, "simulation, weekday %, hour %", {weekday, hour}},
 };
 

@@ -1,7 +1,5 @@
 #include "timed/simulation.h"
 
-#include <algorithm>
-
 #include "modules/conversion.h"
 #include "values/helpers.h"
 

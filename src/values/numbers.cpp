@@ -28,7 +28,11 @@ std::string_view readDecimal(std::string_view text, double& number) {
   if (digits == last || (*digits != '.' && std::isdigit(byteValue(*digits)) == 0)) return text;
   const auto [end, error] = std::from_chars(first, last, number);
   if (error == std::errc::invalid_argument) return text;
-  if (error == std::errc::result_out_of_range) number = std::numeric_limits<double>::infinity();
+  if (error == std::errc::result_out_of_range) {
+    const std::string_view written(first, static_cast<std::size_t>(end - first));
+    const bool tiny = written.find_last_of("eE") != std::string_view::npos && written.find("-", 1) != std::string_view::npos;
+    number = tiny ? 0 : std::numeric_limits<double>::infinity();
+  }
   return {end, static_cast<std::size_t>(last - end)};
 }
 

@@ -10,7 +10,7 @@
 
 namespace velk {
 
-/// A number as text without sign position: "5", "-7", ".5", "1E+20"; up to 15 significant digits.
+/// A number as text without sign position: "5", "-7", "0.5", "1E+20"; up to 15 significant digits.
 std::string plainText(double number);
 
 /// A number as text with a sign position: a blank or a minus before the digits (" 5", "-7").

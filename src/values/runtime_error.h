@@ -19,7 +19,6 @@ class RuntimeError : public std::exception {
     portNotOpen = 8018,
     deviceBusy = 8019,
     deviceFailed = 8020,
-    outOfMemory = 7,
     badSocketState = 40006,
     socketNotClosed = 40020,
   };

@@ -1,7 +1,5 @@
 #include "values/value.h"
 
-#include <cmath>
-
 #include "values/numbers.h"
 #include "values/runtime_error.h"
 

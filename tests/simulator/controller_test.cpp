@@ -55,8 +55,10 @@ TEST(ControllerTest, RefusesDataThatDoNotFitTheCount) {
 class Counter final : public Device {
  public:
   [[nodiscard]] bool covers(Place place) const override { return place == cell; }
-  void beforeRead(Store& store) override { ++store[cell]; }
-  void afterWrite(Store& store) override { store[cell] = static_cast<Byte>(store[cell] * 2); }
+  void beforeRead(Store& store, const Transfer& /*all*/) override { ++store[cell]; }
+  void afterWrite(Store& store, const Transfer& /*all*/) override {
+    store[cell] = static_cast<Byte>(store[cell] * 2);
+  }
 
   static constexpr Place cell{.dph = 2, .dpl = 0};
 };
@@ -119,7 +121,7 @@ TEST(TraceTest, NamesPlaces) {
   const std::pair<Place, const char*> named[] = {
       {{.dph = 0, .dpl = 0}, "mailbox, trigger"},
       {{.dph = 0, .dpl = 4}, "initialisation block"},
-      {{.dph = 255, .dpl = 249}, "clock"},
+      {{.dph = 255, .dpl = 251}, "clock, hours"},
       {{.dph = 5, .dpl = 1}, "output 5, mode"},
       {{.dph = 5, .dpl = 16}, "output 5, parameters"},
       {{.dph = 6, .dpl = 40}, "display text 6"},

@@ -154,7 +154,14 @@ HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIA
       SerialObject* object;
       ~Hold() { object->Release(); }
     } const hold{this};
-    const Value value = call.run(serial_);
+    Value value;
+    try {
+      value = call.run(serial_);
+    } catch (const RuntimeError&) {
+      // What the method changed before it failed belongs to the caller all the same.
+      (void)call.giveBack();
+      throw;
+    }
     outcome = call.giveBack();
     if (SUCCEEDED(outcome) && result != nullptr) *result = variantOf(value);
   }

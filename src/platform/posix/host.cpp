@@ -20,9 +20,8 @@ class TimeOfDay {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     if (now.tv_sec < from_ || now.tv_sec >= from_ + quarter) refresh(now.tv_sec);
-    constexpr time_t day = 86400;
-    const time_t second = (now.tv_sec + offset_) % day;
-    return static_cast<float>(static_cast<double>(second) + static_cast<double>(now.tv_nsec) * 1e-9);
+    return static_cast<float>(static_cast<double>(now.tv_sec - midnight_) +
+                              static_cast<double>(now.tv_nsec) * 1e-9);
   }
 
  private:
@@ -31,12 +30,13 @@ class TimeOfDay {
   void refresh(time_t now) {
     tm local{};
     localtime_r(&now, &local);
-    offset_ = local.tm_gmtoff;
+    constexpr time_t day = 86400;
+    midnight_ = now - (now + local.tm_gmtoff) % day;
     from_ = now - now % quarter;
   }
 
   time_t from_ = 0;
-  time_t offset_ = 0;
+  time_t midnight_ = 0;
 };
 
 class PosixHost final : public Host {

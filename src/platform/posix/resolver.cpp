@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <system_error>
 #include <thread>
 
 namespace velk::platform {
@@ -45,11 +46,15 @@ Lookup::Lookup(const std::string& host, std::uint16_t port) : shared_(std::make_
     return;
   }
   shared_->done = Fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-  std::thread([shared = shared_, host, port] {
-    shared->addresses = resolve(host, port, 0);
-    shared->finished = true;
-    eventfd_write(shared->done.get(), 1);
-  }).detach();
+  try {
+    std::thread([shared = shared_, host, port] {
+      shared->addresses = resolve(host, port, 0);
+      shared->finished = true;
+      eventfd_write(shared->done.get(), 1);
+    }).detach();
+  } catch (const std::system_error&) {
+    shared_->finished = true;  // no thread to be had: the name stays unknown
+  }
 }
 
 int Lookup::descriptor() const {

@@ -44,7 +44,13 @@ Bytes PosixSocket::receive() {
   Bytes all;
   for (;;) {
     const auto n = ::recv(fd_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-    if (n > 0) all.append(buffer.data(), static_cast<std::size_t>(n));
+    const std::string_view piece(buffer.data(), n > 0 ? static_cast<std::size_t>(n) : 0);
+    // Nearly always all there is: made in one step.
+    if (all.empty()) {
+      all = Bytes(piece);
+    } else {
+      all += piece;
+    }
     const bool ended = n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR);
     if (ended) die();
     if (n < static_cast<ssize_t>(buffer.size())) return all;

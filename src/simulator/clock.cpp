@@ -1,0 +1,89 @@
+#include "simulator/clock.h"
+
+#include "values/helpers.h"
+
+namespace velk::simulator {
+namespace {
+
+using std::chrono::days;
+using std::chrono::nanoseconds;
+using std::chrono::seconds;
+
+constexpr Byte page = 255;
+constexpr Byte firstHold = 247;
+constexpr int century = 2000;
+
+/// The bytes by their low addresses.
+enum Field : Byte { second = 249, minute, hour, weekday, day, month, year };
+
+Byte& at(Store& store, Byte dpl) {
+  return store[{.memory = Memory::external, .dph = page, .dpl = dpl}];
+}
+
+bool isHeld(Store& store) {
+  return at(store, firstHold) != 0 || at(store, firstHold + 1) != 0;
+}
+
+/// A byte that is not BCD counts for what its digits weigh.
+unsigned get(Store& store, Field field) {
+  const Byte bcd = at(store, field);
+  return bcd / 16U * 10 + bcd % 16U;
+}
+
+void put(Store& store, Field field, unsigned value) {
+  at(store, field) = values::DECtoBCD(static_cast<Byte>(value));
+}
+
+void addDays(Store& store, days count) {
+  using namespace std::chrono;
+  constexpr unsigned weekdays = 7;
+  put(store, weekday,
+      (get(store, weekday) + weekdays - 1 + static_cast<unsigned>(count.count())) % weekdays + 1);
+  const year_month_day date{std::chrono::year(century + static_cast<int>(get(store, Field::year))),
+                            std::chrono::month(get(store, Field::month)),
+                            std::chrono::day(get(store, Field::day))};
+  if (!date.ok()) return;
+  const year_month_day next = sys_days(date) + count;
+  put(store, Field::day, static_cast<unsigned>(next.day()));
+  put(store, Field::month, static_cast<unsigned>(next.month()));
+  put(store, Field::year, static_cast<unsigned>(static_cast<int>(next.year()) % 100));
+}
+
+void addSeconds(Store& store, seconds passed) {
+  using namespace std::chrono;
+  const seconds total =
+      hours(get(store, hour)) + minutes(get(store, minute)) + seconds(get(store, second)) + passed;
+  const hh_mm_ss time(total % days(1));
+  put(store, hour, static_cast<unsigned>(time.hours().count()));
+  put(store, minute, static_cast<unsigned>(time.minutes().count()));
+  put(store, second, static_cast<unsigned>(time.seconds().count()));
+  if (total >= days(1)) addDays(store, floor<days>(total));
+}
+
+}  // namespace
+
+bool Clock::covers(Place place) const {
+  return place.memory == Memory::external && place.dph == page && place.dpl >= firstHold;
+}
+
+void Clock::beforeRead(Store& store, const Transfer& /*transfer*/) {
+  catchUp(store);
+}
+
+void Clock::beforeWrite(Store& store, const Transfer& /*transfer*/) {
+  catchUp(store);
+  last_ = time_();
+}
+
+void Clock::catchUp(Store& store) {
+  const nanoseconds now = time_();
+  const auto passed = std::chrono::floor<seconds>(now - last_);
+  if (isHeld(store)) {
+    last_ = now;
+  } else if (passed.count() > 0) {
+    addSeconds(store, passed);
+    last_ += passed;
+  }
+}
+
+}  // namespace velk::simulator
