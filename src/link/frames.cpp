@@ -1,13 +1,16 @@
 #include "link/frames.h"
 
+#include <initializer_list>
+
 namespace velk::link {
 namespace {
 
-Bytes joined(std::initializer_list<int> head, std::string_view data, std::string_view tail = {}) {
-  Bytes frame;
-  frame.reserve(head.size() + data.size() + tail.size());
-  for (const int value : head) frame += character(value);
-  return frame.append(data).append(tail);
+/// A frame of a head that fits into the string object itself, and what follows it.
+Bytes joined(std::initializer_list<char> head, std::string_view data, std::string_view tail = {}) {
+  Bytes frame(head);
+  if (!data.empty()) frame += data;
+  if (!tail.empty()) frame += tail;
+  return frame;
 }
 
 }  // namespace
@@ -18,16 +21,19 @@ Byte commandByte(Byte count, std::string_view direction, bool isWrite) {
 }
 
 Bytes echoFrame(const Request& r) {
-  return joined({'*', r.command, r.dph, r.dpl}, r.data);
+  return joined({'*', character(r.command), character(r.dph), character(r.dpl)}, r.data);
 }
 
 Bytes fastFrame(const Request& r, Byte busAddress) {
-  if (r.instruction != memoryAccess) return joined({'*', r.instruction}, r.data, "#");
-  return joined({'*', memoryAccess, busAddress, r.command, r.dph, r.dpl}, r.data, "#");
+  if (r.instruction != memoryAccess) return joined({'*', character(r.instruction)}, r.data, "#");
+  return joined({'*', character(memoryAccess), character(busAddress), character(r.command), character(r.dph),
+                 character(r.dpl)},
+                r.data, "#");
 }
 
 Bytes slashFrame(const Request& r, Byte busAddress) {
-  return joined({'/', busAddress, r.command, r.dph, r.dpl}, r.data);
+  return joined({'/', character(busAddress), character(r.command), character(r.dph), character(r.dpl)},
+                r.data);
 }
 
 Bytes frameFor(const Request& request, const Settings& settings) {

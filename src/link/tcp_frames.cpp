@@ -1,5 +1,8 @@
 #include "link/tcp_frames.h"
 
+#include <algorithm>
+#include <array>
+
 #include "link/link.h"
 #include "values/runtime_error.h"
 
@@ -12,10 +15,12 @@ constexpr std::size_t headerS = 8;
 constexpr std::string_view greetingText = "Welcome to VELK TCP/IP";
 constexpr std::size_t greetingPrefix = 8;
 
-void appendHighFirst(Bytes& text, std::int16_t number) {
-  const auto bits = static_cast<std::uint16_t>(number);
-  text += character(bits >> 8);
-  text += character(bits & 255);
+constexpr char highByte(std::int16_t number) {
+  return character(static_cast<std::uint16_t>(number) >> 8);
+}
+
+constexpr char lowByte(std::int16_t number) {
+  return character(number & 255);
 }
 
 bool answeredByOneByte(Byte function) {
@@ -34,16 +39,23 @@ Bytes one(Byte value) {
 }  // namespace
 
 Bytes requestQ(const TcpRequest& request) {
-  Bytes text;
-  text.reserve(headerQ + request.data.size());
-  text = "VELK";
-  appendHighFirst(text, request.protocol);
-  appendHighFirst(text, request.id);
-  text += character(request.attempts);
-  text += character(request.function);
-  text += '\0';
-  text += character(request.function >= tcpLogin ? static_cast<int>(request.data.size() & 255) : 0);
-  return text.append(request.data);
+  const bool hasLength = request.function >= tcpLogin;
+  const std::array<char, headerQ> header{
+      'V',
+      'E',
+      'L',
+      'K',
+      highByte(request.protocol),
+      lowByte(request.protocol),
+      highByte(request.id),
+      lowByte(request.id),
+      character(request.attempts),
+      character(request.function),
+      '\0',
+      character(hasLength ? static_cast<int>(request.data.size() & 255) : 0)};
+  Bytes text(headerQ + request.data.size(), '\0');
+  std::copy(request.data.begin(), request.data.end(), std::copy(header.begin(), header.end(), text.begin()));
+  return text;
 }
 
 Bytes requestS(const TcpRequest& request) {
@@ -53,16 +65,18 @@ Bytes requestS(const TcpRequest& request) {
   text += character(checkedByte(static_cast<long>(request.data.size() >> 8)));
   text.append(2, '\0');
   text += character(functionClass(request.function));
-  text.append(3, '\0');
-  return text.append(request.data);
+  text.append(3, '\0').append(request.data);
+  return text;
 }
 
-Bytes replyQ(const TcpRequest& request, std::string_view sent, std::string_view reply) {
-  if (reply.substr(0, comparedQ) != sent.substr(0, comparedQ)) return one(echoFault);
+Bytes replyQ(const TcpRequest& request, std::string_view sent, Bytes reply) {
+  if (slice(reply, 0, comparedQ) != slice(sent, 0, comparedQ)) return one(echoFault);
   if (answeredByOneByte(request.function)) return one(byteAt(reply, 11));
   if (request.function == tcpMemory) {
     const std::size_t length = byteAt(reply, 10) * std::size_t{256} + byteAt(reply, 11);
-    return Bytes(slice(reply, headerQ, length));
+    reply.erase(0, headerQ);
+    if (reply.size() > length) reply.resize(length);
+    return reply;
   }
   if (byteAt(reply, 10) != 0) return one(byteAt(reply, 11));
   return one(0).append(slice(reply, headerQ));

@@ -32,7 +32,7 @@ Bytes requestS(const TcpRequest& request);
 
 /// What a reply of kind "Q" carries, or a one-byte error code. `sent` is the request as bytes. A reply too
 /// short for its own fields is run-time error 5.
-Bytes replyQ(const TcpRequest& request, std::string_view sent, std::string_view reply);
+Bytes replyQ(const TcpRequest& request, std::string_view sent, Bytes reply);
 
 /// The same for any other kind.
 Bytes replyS(const TcpRequest& request, std::string_view reply);

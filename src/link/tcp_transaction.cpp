@@ -20,9 +20,9 @@ Bytes exchange(Link link, const TcpRequest& request) {
   socket.receive();
   const Bytes sent = kindQ ? requestQ(request) : requestS(request);
   socket.send(sent);
-  const Bytes reply = fetchWithin(link.host, replyTime(link.host, request.attempts));
+  Bytes reply = fetchWithin(link.host, replyTime(link.host, request.attempts));
   if (reply.empty()) return Bytes(1, character(noReply));
-  return kindQ ? replyQ(request, sent, reply) : replyS(request, reply);
+  return kindQ ? replyQ(request, sent, std::move(reply)) : replyS(request, reply);
 }
 
 }  // namespace

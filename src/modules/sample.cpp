@@ -37,10 +37,11 @@ Byte read(const Mailbox& mailbox, const SampleAccess& sample) {
   if (!exchange.trigger.isZero()) return exchange.trigger.result();
   if (!exchange.reply.isZero()) return exchange.reply.result();
   // The block that ends with a zero byte is the last one.
-  Bytes kept;
-  do {
-    kept += mailbox.getLong(static_cast<Byte>(kept.size()));
-  } while (byteAt(kept, kept.size() - 1) != 0 && kept.size() < longestSample);
+  Bytes kept = mailbox.getLong(0);
+  for (Byte position = pieceSize; position < longestSample && byteAt(kept, kept.size() - 1) != 0;
+       position += pieceSize) {
+    kept += mailbox.getLong(position);
+  }
   sample.data = kept;
   return 0;
 }

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Runs real hosts against the Windows component under Wine, with a simulated controller at the other end.
 # Usage: run_hosts.sh BUILD_DIR
-#   BUILD_DIR   a build with the preset windows-x64
+#   BUILD_DIR   a build with the preset windows-x64, or with windows-x86 where a 32-bit Wine runs it
 #   VELK_SIM    the simulated controller; bin/velk-sim of the native build when not set
 # Prints one line for each check and a closing line; ends with 1 when a check failed.
 
@@ -9,6 +9,10 @@ set -u
 here=$(cd "$(dirname "$0")" && pwd)
 build=$(cd "${1:?usage: run_hosts.sh BUILD_DIR}" && pwd) || exit 2
 sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
+case $build in
+*x86) own=win32 other=win64 ;; # the type library of this build, and that of the other
+*) own=win64 other=win32 ;;
+esac
 work=$build/hosts
 mkdir -p "$work"
 
@@ -125,19 +129,19 @@ registration() {
   export_classes user
   check "  writes this user's keys" differs before-HKCU.reg user-HKCU.reg
   check "  and no others" same before-HKLM.reg user-HKLM.reg
-  check "  with the 64-bit type library" has_key "$classes\\TypeLib\\{5694BB07-4353-4508-8C6C-0B988D8DD518}\\1.0\\0\\win64"
+  check "  with the $own type library" has_key "$classes\\TypeLib\\{5694BB07-4353-4508-8C6C-0B988D8DD518}\\1.0\\0\\$own"
   check "unregistering for this user" wine_run regsvr32 /s /u /n /i:user "$dll"
   export_classes user-after
   check "  leaves nothing" same_classes user-after
 
-  # A 32-bit component that is registered beside it keeps the keys that both share.
+  # A component of the other width that is registered beside it keeps the keys that both share.
   library='HKLM\Software\Classes\TypeLib\{5694BB07-4353-4508-8C6C-0B988D8DD518}'
-  wine_run reg add "$library\\1.0\\0\\win32" /ve /d other.dll /f >/dev/null
+  wine_run reg add "$library\\1.0\\0\\$other" /ve /d other.dll /f >/dev/null
   check "registering for everybody" wine_run regsvr32 /s "$dll"
-  check "unregistering beside the 32-bit component" wine_run regsvr32 /s /u "$dll"
-  check "  leaves its type library" has_key "$library\\1.0\\0\\win32"
+  check "unregistering beside the $other component" wine_run regsvr32 /s /u "$dll"
+  check "  leaves its type library" has_key "$library\\1.0\\0\\$other"
   check "  and its name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
-  wine_run reg delete "$library\\1.0\\0\\win32" /f >/dev/null
+  wine_run reg delete "$library\\1.0\\0\\$other" /f >/dev/null
   check "unregistering for everybody" wine_run regsvr32 /s /u "$dll"
   export_classes after
   check "  leaves nothing" same_classes after

@@ -58,6 +58,11 @@ struct Case {
   Bytes write;  ///< of a write with one attempt
 };
 
+/// In place of the bytes of the struct, some of which are padding.
+void PrintTo(const Case& c, std::ostream* out) {
+  *out << c.fault;
+}
+
 const Case cases[] = {
     {Kind::echo, "status=5@1", refusedRead, "\x05"},
     {Kind::echo, "silent@1", "\xfc", "\xfd"},
