@@ -4,8 +4,10 @@
 #include <stdexcept>
 
 #include "cli/serial_line.h"
+#include "simulator/clock.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
+#include "simulator/house_modules.h"
 
 namespace velk::cli {
 namespace {
@@ -56,6 +58,9 @@ void Connection::openSimulator(const LinkOptions& options) {
   constexpr std::uint16_t port = 1;
   controller_ = std::make_unique<simulator::Controller>(simulator::house());
   host_ = std::make_unique<simulator::LoopbackHost>();
+  host_->transferTime = std::chrono::milliseconds(1);
+  controller_->attach(std::make_unique<simulator::Clock>([host = host_.get()] { return host->elapsed(); }));
+  simulator::attachModules(*controller_);
   const simulator::SessionOptions session{.busAddress = options.busAddress};
   host_->listen(name, port, [this, session] {
     return std::make_unique<simulator::EthernetQSession>(*controller_, session);

@@ -1,110 +1,73 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
-#include "cli/call.h"
-#include "cli/connection.h"
-#include "cli/escapes.h"
-#include "component/result_codes.h"
+#include "cli/commands/command.h"
+#include "values/runtime_error.h"
 
-/// The component's methods from the command line.
+/// The controller's configuration, and the component's methods, from the command line.
 namespace velk::cli {
 namespace {
 
-constexpr const char* callNotes =
-    "\nArguments stand by position or, behind those, as NAME=VALUE. In a text \\xNN is a byte and \\\\ a\n"
-    "backslash; one that starts with a minus is given as NAME=VALUE or behind \"--\". Without a link the\n"
-    "methods that need none can be called. The result stands on the first line, then each by-reference\n"
-    "argument as NAME=VALUE. With --json each character of a text is one byte, U+0000 to U+00FF.\n"
+constexpr const char* description =
+    "Configures the controller of a home-automation bus.\n\n"
+    "Data go to standard output, everything else to standard error.";
+
+constexpr const char* notes =
+    "\nThe link is given by options or, without them, in the environment:\n"
+    "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
+    "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
+    "  VELK_LINK=simulate:\n"
+    "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". NO_COLOR switches colours off.\n"
     "\nExit status:\n"
-    "  0  result 0, or a value; for transactions: status 0\n"
-    "  1  any other result or status\n"
+    "  0  done\n"
+    "  1  the controller refused or did not answer; diff: there are differences; restore: declined\n"
     "  2  the command line is wrong\n"
-    "  3  the method raised a run-time error\n"
+    "  3  a run-time error of the link\n"
     "  4  the link could not be opened\n"
+    "  5  a file cannot be read or written\n"
     "\nExamples:\n"
-    "  velk call --simulate Ctl_Param R 5 \"\"\n"
-    "  velk call --tcp 192.168.1.20:8445 --password 1234 Ctl_Param R 5 Mode= --json\n"
-    "  velk call --serial /dev/ttyUSB0 ReadCom 7 0 2 V\n"
-    "  velk call --serial COM3 --fast WriteCom 2 5 19 V Data='\\x1e\\x3c'\n"
-    "  velk call DECtoBCD 59\n"
-    "  velk call --simulate SoortETH\n";
+    "  velk outputs --simulate\n"
+    "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
+    "  velk call --help\n";
 
-struct CallOptions {
-  LinkOptions link;
-  std::string password;
-  int busAddress = 2;
-  std::vector<std::string> properties;
-  std::string method;
-  std::vector<std::string> arguments;
-  bool json = false;
-};
-
-void declare(CLI::App& app, CallOptions& options) {
-  LinkOptions& link = options.link;
-  auto* const tcp = app.add_option("--tcp", link.tcp, "Open a TCP link first")->type_name("HOST:PORT");
-  auto* const serial =
-      app.add_option("--serial", link.serial, "Open a serial link first")->type_name("DEVICE");
-  auto* const simulate =
-      app.add_flag("--simulate", link.simulate, "Call a simulated controller of a small house");
-  tcp->excludes(serial)->excludes(simulate);
-  serial->excludes(simulate);
-  app.add_option("--password", options.password, "Password of the TCP link")->needs(tcp);
-  app.add_option("--address", options.busAddress, "Bus address of the controller")
-      ->check(CLI::Range(0, 255))
-      ->capture_default_str();
-  app.add_option("--baud", link.baud, "Rate of the serial link in bit/s")
-      ->needs(serial)
-      ->capture_default_str();
-  app.add_flag("--fast", link.fast, "Fast mode on the serial link, not echo mode")->needs(serial);
-  app.add_option("--set", options.properties, "Set a property before the call; repeatable")
-      ->type_name("NAME=VALUE")
-      ->allow_extra_args(false);
-  app.add_flag("--json", options.json, "Print one JSON object");
-  app.add_option("METHOD", options.method, "A method or property, see \"velk methods\"")->required();
-  app.add_option("ARGUMENTS", options.arguments, "Its arguments");
-  app.footer(callNotes);
+void addCommands(CLI::App& app, Run& run) {
+  for (const auto add : {addStatus, addOutputs, addOutput, addClock, addLinks, addPresets, addSwitchTimes,
+                         addSimulation, addModules, addInfraredText, addLanguage, addBackup, addDiff,
+                         addRestore, addWeek, addCompletion, addCall, addMethods}) {
+    add(app, run);
+  }
 }
 
-int call(CallOptions& options) {
-  Call call = parseCall(options.method, options.arguments);
-  options.link.password = unescaped(options.password);
-  options.link.busAddress = static_cast<Byte>(options.busAddress);
-  Connection connection(options.link);
-  if (connection.result() != 0) {
-    std::cerr << "velk: the link cannot be opened: " << static_cast<int>(connection.result()) << " ("
-              << meaningOf(connection.result()) << ")\n";
-    return noLink;
+/// Carries a command out and turns what it throws into a sentence and an exit status.
+int guarded(const Run& run) {
+  const auto report = [](const std::exception& error, ExitStatus status) {
+    std::cerr << "velk: " << error.what() << '\n';
+    return status;
+  };
+  try {
+    return run();
+  } catch (const Failure& failure) {
+    return report(failure, failure.status);
+  } catch (const std::invalid_argument& error) {
+    return report(error, wrongUsage);
+  } catch (const RuntimeError& error) {
+    return report(error, runtimeError);
   }
-  for (const std::string& property : options.properties) setProperty(connection.serial(), property);
-  const CallResult result = perform(connection.serial(), call);
-  if (options.json) {
-    std::cout << jsonOf(call, result) << '\n';
-  } else if (result.errorNumber) {
-    std::cerr << "velk: run-time error " << *result.errorNumber << ": " << result.errorText << '\n';
-  } else {
-    std::cout << textOf(call, result);
-  }
-  return exitStatusOf(call, result);
 }
 
 int main(int argc, char** argv) {
-  CLI::App app("Calls the methods of the component.", "velk");
+  CLI::App app(description, "velk");
   app.require_subcommand(1);
-  CallOptions options;
-  CLI::App* const callCommand = app.add_subcommand("call", "Call a method, or read a property");
-  declare(*callCommand, options);
-  const CLI::App* const methodsCommand = app.add_subcommand("methods", "List all methods and properties");
-  app.footer("\nExamples:\n  velk methods\n  velk call --help\n  velk call --simulate Ctl_Param R 5 \"\"\n");
+  app.footer(notes);
+  Run run;
+  addCommands(app, run);
   try {
     app.parse(argc, argv);
-    if (methodsCommand->parsed()) std::cout << listOfMethods();
-    return callCommand->parsed() ? call(options) : success;
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? success : wrongUsage;
-  } catch (const std::invalid_argument& error) {
-    std::cerr << "velk: " << error.what() << '\n';
-    return wrongUsage;
   }
+  return guarded(run);
 }
 
 }  // namespace

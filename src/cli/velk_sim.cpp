@@ -7,9 +7,11 @@
 #include "cli/exit_status.h"
 #include "cli/serve.h"
 #include "cli/server.h"
+#include "simulator/clock.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
+#include "simulator/house_modules.h"
 #include "simulator/image.h"
 #include "simulator/serial_sessions.h"
 
@@ -51,7 +53,8 @@ struct Options {
 std::string describeFaults() {
   std::string text =
       "\nFaults, KIND[=N]@WHICH; WHICH is a request (3), a range (2-4, 5-), 0 for the login or *\n"
-      "for all requests; each connection counts its own from 1:\n";
+      "for all requests; each connection counts its own from 1. The kinds for modules count the\n"
+      "requests to modules, from 1 over all connections:\n";
   for (const auto& kind : simulator::faultKinds()) {
     std::string name(kind.name);
     if (!kind.argument.empty()) name += (kind.fallback < 0 ? "=" : "[=") + std::string(kind.argument);
@@ -154,6 +157,9 @@ void run(Options& options) {
   }
   Controller controller(options.image.empty() ? simulator::house() : simulator::loadImage(options.image));
   const SessionOptions session = sessionOptions(options);
+  controller.attach(
+      std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
+  simulator::attachModules(controller, session.faults, session.trace);
   {
     Server server;
     listen(server, "tcp Q", options.address, options.portsQ,

@@ -31,7 +31,7 @@ std::string_view readDecimal(std::string_view text, double& number) {
   if (error == std::errc::result_out_of_range) {
     const std::string_view written(first, static_cast<std::size_t>(end - first));
     const bool tiny = written.find_last_of("eE") != std::string_view::npos &&
-                      written.find("-", 1) != std::string_view::npos;
+                      written.find('-', 1) != std::string_view::npos;
     number = tiny ? 0 : std::numeric_limits<double>::infinity();
   }
   return {end, static_cast<std::size_t>(last - end)};

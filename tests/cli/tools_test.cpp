@@ -1,109 +1,12 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
-#include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "values/bytes.h"
+#include "cli/tool.h"
 
 namespace velk::cli {
 namespace {
-
-using Words = std::vector<std::string>;
-
-/// One of the tools, running; what it prints on standard output can be read line by line.
-class Tool {
- public:
-  Tool(const std::string& name, Words words) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
-    words.insert(words.begin(), std::string(VELK_BIN_DIR) + "/" + name);
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    pid_ = fork();
-    if (pid_ == 0) {
-      dup2(ends[1], STDOUT_FILENO);
-      const int nothing = open("/dev/null", O_WRONLY);
-      dup2(nothing, STDERR_FILENO);
-      execv(arguments[0], arguments.data());
-      _exit(127);
-    }
-    close(ends[1]);
-    out_ = ends[0];
-  }
-
-  ~Tool() {
-    if (pid_ > 0) finish();
-    close(out_);
-  }
-  Tool(const Tool&) = delete;
-  Tool& operator=(const Tool&) = delete;
-
-  /// The next line; empty at the end, or when none comes within ten seconds.
-  std::string line() {
-    while (text_.find('\n') == std::string::npos && more()) {
-    }
-    const auto end = text_.find('\n');
-    std::string first = text_.substr(0, end);
-    text_.erase(0, end == std::string::npos ? end : end + 1);
-    return first;
-  }
-
-  std::string all() {
-    while (more()) {
-    }
-    return std::move(text_);
-  }
-
-  /// Asks the tool to end, as a service manager would. Returns its exit status.
-  int finish() {
-    kill(pid_, SIGTERM);
-    return wait();
-  }
-
-  int wait() {
-    int status = 0;
-    waitpid(std::exchange(pid_, -1), &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
- private:
-  bool more() {
-    pollfd watched{.fd = out_, .events = POLLIN, .revents = 0};
-    std::array<char, 4096> buffer{};
-    if (poll(&watched, 1, 10'000) <= 0) return false;
-    const auto n = read(out_, buffer.data(), buffer.size());
-    if (n > 0) text_.append(buffer.data(), static_cast<std::size_t>(n));
-    return n > 0;
-  }
-
-  pid_t pid_ = -1;
-  int out_ = -1;
-  std::string text_;
-};
-
-struct Ended {
-  int status;
-  std::string text;
-};
-
-Ended velk(Words words) {
-  Tool tool("velk", std::move(words));
-  std::string text = tool.all();
-  return {.status = tool.wait(), .text = std::move(text)};
-}
-
-Ended call(Words words) {
-  words.insert(words.begin(), "call");
-  return velk(std::move(words));
-}
 
 TEST(VelkTest, PrintsTheResultAndWhatWasWrittenBack) {
   const Ended read = call({"--simulate", "Ctl_Param", "R", "5", "", "Aantal=3"});
@@ -172,12 +75,6 @@ TEST(VelkTest, ListsMethods) {
   EXPECT_NE(list.text.find("OpenTCP(IpAddress text, PortNumber integer, PassWord in/out text = \"\", "
                            "RSAddress byte = 2) : byte"),
             std::string::npos);
-}
-
-/// The part of a line behind its first words.
-std::string behind(const std::string& line, const std::string& start) {
-  EXPECT_EQ(line.substr(0, start.size()), start);
-  return line.substr(std::min(start.size(), line.size()));
 }
 
 TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <compare>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "values/bytes.h"
+
+/// Which bytes of the controller's memory are configuration, and what each belongs to.
+namespace velk::cli {
+
+/// The parts of the memory that configuration lies in.
+enum class Area : Byte { external, block, highBlock };
+
+/// A byte. In the external area the page is the high address byte, in the block areas the low one, so that
+/// the bytes of a transfer always lie at successive offsets of one page.
+struct Spot {
+  Area area;
+  Byte page;
+  Byte offset;
+
+  auto operator<=>(const Spot&) const = default;
+};
+
+/// How many bytes one transaction reads, from an offset that is a multiple of it.
+constexpr int lineSize = 16;
+
+enum class Kind : Byte {
+  settings,
+  output,
+  links,
+  displayText,
+  preset,
+  presetFlags,
+  switchTime,
+  events,
+  infraredText,
+};
+
+/// Something that people configure: an output, a preset.
+struct Thing {
+  Kind kind;
+  int number;  ///< links: the source; preset flags: the first preset; events: weekday * 24 + hour
+
+  auto operator<=>(const Thing&) const = default;
+};
+
+/// What a byte belongs to; none for a byte that is no configuration.
+std::optional<Thing> thingAt(Spot spot);
+
+/// Whether the controller keeps a byte for itself: it is backed up, but neither compared nor restored.
+bool isReadOnly(Spot spot);
+
+/// The first bytes of all lines that hold configuration, but for the events, whose lists end by themselves.
+std::vector<Spot> fixedLines();
+
+/// The page of the list of events of a weekday (0 for Monday) and hour, in the high block area.
+Byte eventPage(int day, int hour);
+
+}  // namespace velk::cli

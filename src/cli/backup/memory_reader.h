@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+
+#include "cli/backup/backup_file.h"
+#include "component/serial.h"
+
+namespace velk::cli {
+
+/// Is told after each line how many of how many are there.
+using Step = std::function<void(std::size_t done, std::size_t total)>;
+
+/// Reads the lines that are not there yet. Bytes that are no configuration, and those behind the end of a
+/// list of events, become zero. Throws `Failure` at the first transaction that fails, and after Ctrl-C; the
+/// lines read until then stay.
+void readMissing(Serial& serial, Lines& lines, const Step& step);
+
+/// Reads up to 16 bytes from a spot on. Throws `Failure`.
+Bytes readBytes(Serial& serial, Spot spot, std::size_t count);
+
+/// Writes them. Throws `Failure`.
+void writeBytes(Serial& serial, Spot spot, const Bytes& bytes);
+
+/// Makes Ctrl-C end a transfer between two transactions; then throws `Failure` whenever it was pressed.
+void watchInterrupts();
+void checkInterrupt();
+
+}  // namespace velk::cli

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace velk::cli {
+
+/// A bar with rate and time left on standard error, when that is a terminal; else nothing.
+class Progress {
+ public:
+  explicit Progress(std::string what) : what_(std::move(what)) {}
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void show(std::size_t done, std::size_t total);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  std::string what_;
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point next_ = start_;
+  std::size_t first_ = 0;  ///< what was done before
+  bool shown_ = false;
+};
+
+}  // namespace velk::cli

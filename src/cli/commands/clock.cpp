@@ -1,0 +1,46 @@
+#include "cli/things/clock.h"
+
+#include "cli/commands/command.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options : LinkedOptions {
+  std::string action;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("set", action, "Set the clock to the PC's local time")
+        ->type_name("[set]")
+        ->check(CLI::IsMember({"set"}));
+  }
+};
+
+void print(const ClockReading& reading) {
+  std::cout << "controller  " << textOf(reading.controller) << "\nPC          " << textOf(reading.computer)
+            << " (" << savingOf(reading.computer) << ")\ndeviation   " << deviationOf(reading) << '\n';
+}
+
+int carryOut(const Options& options) {
+  const auto connection = open(options.link.required());
+  const ClockReading before = readClock(connection->serial());
+  Json json = jsonOf(before);
+  if (!options.json) print(before);
+  if (!options.action.empty()) {
+    setClock(connection->serial());
+    const ClockReading after = readClock(connection->serial());
+    json = {{"before", std::move(json)}, {"after", jsonOf(after)}};
+    if (!options.json) std::cout << "set; deviation now: " << deviationOf(after) << '\n';
+  }
+  if (options.json) std::cout << json << '\n';
+  return success;
+}
+
+}  // namespace
+
+void addClock(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "clock", "Show the controller's clock beside the PC's, or set it",
+                      "  velk clock --simulate\n  velk clock set\n", carryOut);
+}
+
+}  // namespace velk::cli

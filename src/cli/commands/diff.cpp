@@ -1,0 +1,51 @@
+#include "cli/backup/controller_backup.h"
+#include "cli/backup/difference.h"
+#include "cli/commands/command.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options : LinkedOptions {
+  std::string a;
+  std::string b;
+  std::vector<std::string> only;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("A", a, "A backup")->required();
+    app.add_option("B", b, "Another one; without it the controller");
+    app.add_option("--only", only, "Compare these sections alone")->delimiter(',')->type_name("SECTION,...");
+  }
+};
+
+int carryOut(const Options& options) {
+  const Sections sections = parseSections(options.only);
+  const Backup from = loadBackup(options.a);
+  Backup to;
+  if (options.b.empty()) {
+    const auto connection = open(options.link.required());
+    to = readLike(connection->serial(), from, sections);
+  } else {
+    to = loadBackup(options.b);
+  }
+  const auto differences = compare(from, to, sections);
+  if (options.json) {
+    std::cout << jsonOf(differences) << '\n';
+  } else {
+    for (const Difference& difference : differences) std::cout << textOf(difference) << '\n';
+  }
+  return differences.empty() ? success : badResult;
+}
+
+}  // namespace
+
+void addDiff(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "diff",
+                      "Tell what differs between two backups, or a backup and the controller",
+                      "  velk diff before.json after.json\n"
+                      "  velk diff --tcp 192.168.1.20:8445 house.json\n"
+                      "  velk diff house.json --only outputs,links --json\n",
+                      carryOut);
+}
+
+}  // namespace velk::cli

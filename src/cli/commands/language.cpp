@@ -1,0 +1,56 @@
+#include <array>
+
+#include "cli/commands/command.h"
+
+namespace velk::cli {
+namespace {
+
+struct Language {
+  const char* code;
+  const char* name;
+};
+
+constexpr std::array languages{
+    Language{"N", "Dutch"},
+    Language{"E", "English"},
+    Language{"F", "French"},
+    Language{"D", "German"},
+    Language{"B", "Portuguese of Brazil"},
+    Language{"P", "Portuguese"},
+    Language{"S", "Spanish"},
+};
+
+std::string listOfLanguages() {
+  std::string text = "\nLanguages:\n";
+  for (const Language& language : languages)
+    text.append("  ").append(language.code).append("  ").append(language.name).append("\n");
+  return text;
+}
+
+struct Options : LinkedOptions {
+  std::string code;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("CODE", code, "The language's letter")
+        ->required()
+        ->check(CLI::IsMember({"N", "E", "F", "D", "B", "P", "S"}));
+  }
+};
+
+int carryOut(const Options& options) {
+  const auto connection = open(options.link.required());
+  const Value result = connection->serial().Ctl_Lang(options.code);
+  expectDone(std::get<Byte>(convert(result, Type::byte)), "writing the display texts");
+  if (options.json) std::cout << Json{{"language", options.code}} << '\n';
+  return success;
+}
+
+}  // namespace
+
+void addLanguage(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "language", "Write the display texts of a language",
+                      "  velk language --simulate E\n" + listOfLanguages(), carryOut);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,23 @@
+#include "cli/call.h"
+#include "cli/commands/command.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options {
+  void declare(CLI::App& /*app*/) {}
+};
+
+int printMethods(const Options& /*options*/) {
+  std::cout << listOfMethods();
+  return success;
+}
+
+}  // namespace
+
+void addMethods(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "methods", "List all methods and properties", "  velk methods\n",
+                      printMethods);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,41 @@
+#include "cli/commands/command.h"
+#include "cli/things/module.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options : LinkedOptions {
+  std::vector<std::string> serials;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("SERIAL", serials, "Serial numbers, six digits each")->required();
+  }
+};
+
+int carryOut(const Options& options) {
+  const auto connection = open(options.link.required());
+  Json json = Json::array();
+  Table table({"Serial", "Model", "CPU", "Firmware", "Record"});
+  for (const std::string& number : options.serials) {
+    const Module module = readModule(connection->serial(), number);
+    json.push_back(jsonOf(module));
+    table.add({module.serial, module.model, std::to_string(module.cpuType), module.firmware,
+               numbers(module.record)});
+  }
+  if (options.json) {
+    std::cout << json << '\n';
+  } else {
+    table.print(std::cout, "");
+  }
+  return success;
+}
+
+}  // namespace
+
+void addModules(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "modules", "Show modules by their serial numbers",
+                      "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n", carryOut);
+}
+
+}  // namespace velk::cli

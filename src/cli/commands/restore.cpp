@@ -1,0 +1,194 @@
+#include <algorithm>
+
+#include "cli/backup/controller_backup.h"
+#include "cli/backup/memory_reader.h"
+#include "cli/backup/progress.h"
+#include "cli/commands/command.h"
+#include "cli/terminal.h"
+#include "values/runtime_error.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options : LinkedOptions {
+  std::string file;
+  std::vector<std::string> only;
+  bool dryRun = false;
+  bool yes = false;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("FILE", file, "A backup")->required();
+    app.add_option("--only", only, "Restore these sections alone")->delimiter(',')->type_name("SECTION,...");
+    app.add_flag("--dry-run", dryRun, "Show what would change and write nothing");
+    app.add_flag("--yes", yes, "Do not ask");
+  }
+};
+
+/// Neighbouring bytes of one line, which one transaction writes.
+struct Piece {
+  Spot spot;
+  Bytes bytes;
+};
+
+std::vector<Piece> piecesOf(const std::vector<Spot>& spots, const Lines& lines) {
+  std::vector<Piece> pieces;
+  for (const Spot spot : spots) {
+    const char value = character(byteOf(lines, spot));
+    if (!pieces.empty()) {
+      Piece& last = pieces.back();
+      const bool follows = last.spot.area == spot.area && last.spot.page == spot.page &&
+                           last.spot.offset + last.bytes.size() == spot.offset && spot.offset % lineSize != 0;
+      if (follows) {
+        last.bytes += value;
+        continue;
+      }
+    }
+    pieces.push_back({spot, Bytes(1, value)});
+  }
+  return pieces;
+}
+
+void restoreModule(Serial& serial, const Module& module) {
+  Byte offset = 0;
+  std::string model = module.model;
+  Byte cpuType = 0;
+  std::string firmware;
+  Bytes record = module.record;
+  expectDone(serial.Module("W", module.serial, record, offset, model, cpuType, firmware),
+             "writing module " + module.serial);
+  if (readModule(serial, module.serial).record != module.record) {
+    expectDone(201, "reading back module " + module.serial);
+  }
+}
+
+/// Writes one thing and reads every byte back.
+void restoreOne(Serial& serial, const Difference& difference, const Backup& backup) {
+  for (const Piece& piece : piecesOf(difference.spots, backup.lines)) {
+    writeBytes(serial, piece.spot, piece.bytes);
+    if (readBytes(serial, piece.spot, piece.bytes.size()) != piece.bytes) {
+      expectDone(201, "reading back " + difference.title);
+    }
+  }
+  for (const Module& module : backup.modules) {
+    if (difference.title == "module " + module.serial) restoreModule(serial, module);
+  }
+}
+
+/// How far a restoration came.
+struct Account {
+  std::size_t done = 0;
+  std::string failure;  ///< empty when all was written
+  ExitStatus status = success;
+};
+
+Account restoreAll(Serial& serial, const std::vector<Difference>& differences, const Backup& backup) {
+  Account account;
+  Progress progress("restore");
+  const auto stop = [&](const std::exception& error, ExitStatus status) {
+    account.failure = error.what();
+    account.status = status;
+    return account;
+  };
+  try {
+    for (const Difference& difference : differences) {
+      restoreOne(serial, difference, backup);
+      progress.show(++account.done, differences.size());
+    }
+  } catch (const Failure& failure) {
+    return stop(failure, failure.status);
+  } catch (const RuntimeError& error) {
+    return stop(error, runtimeError);
+  }
+  return account;
+}
+
+std::vector<std::string> titles(const std::vector<Difference>& differences, std::size_t first,
+                                std::size_t end) {
+  std::vector<std::string> list;
+  for (std::size_t i = first; i < end; ++i) list.push_back(differences[i].title);
+  return list;
+}
+
+std::string firstWord(const std::string& title) {
+  return title.substr(0, title.find(' '));
+}
+
+/// Titles in a row; very many of one kind by the first and last of them.
+std::string listOf(const std::vector<std::string>& list) {
+  constexpr std::ptrdiff_t many = 24;
+  std::string text;
+  for (auto first = list.begin(); first != list.end();) {
+    const auto end = std::find_if(
+        first, list.end(), [&](const std::string& title) { return firstWord(title) != firstWord(*first); });
+    text += (text.empty() ? " " : ", ") + *first;
+    if (end - first > many) {
+      text += " to " + *(end - 1) + " (" + std::to_string(end - first) + ")";
+      first = end;
+    } else {
+      ++first;
+    }
+  }
+  return text;
+}
+
+void printAccount(const Account& account, const std::vector<Difference>& differences) {
+  if (account.failure.empty()) {
+    std::cerr << "velk: " << account.done << " things written and read back\n";
+    return;
+  }
+  const std::size_t all = differences.size();
+  std::cerr << "velk: stopped: " << account.failure
+            << "\nwritten and read back:" << listOf(titles(differences, 0, account.done))
+            << "\npossibly in part:" << listOf(titles(differences, account.done, account.done + 1))
+            << "\nnot written:" << listOf(titles(differences, account.done + 1, all))
+            << "\nThe same command goes on from here.\n";
+}
+
+Json jsonOf(const Account& account, const std::vector<Difference>& differences) {
+  Json json{{"differences", jsonOf(differences)}, {"written", titles(differences, 0, account.done)}};
+  json["not_written"] = titles(differences, account.done, differences.size());
+  json["failure"] = account.failure.empty() ? Json() : Json(account.failure);
+  return json;
+}
+
+bool agreed() {
+  if (!inputIsTerminal()) throw Failure(wrongUsage, "nobody can be asked here; --yes writes without asking");
+  std::cerr << "Write this to the controller? [y/N] ";
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+int carryOut(const Options& options) {
+  const Sections sections = parseSections(options.only);
+  const Backup backup = loadBackup(options.file);
+  if (!backup.complete) throw Failure(badFile, options.file + ": the backup is unfinished");
+  const auto connection = open(options.link.required());
+  const auto differences = compare(readLike(connection->serial(), backup, sections), backup, sections);
+  if (!options.json) {
+    for (const Difference& difference : differences) std::cout << textOf(difference) << '\n';
+  }
+  Account account;
+  const bool writes = !options.dryRun && !differences.empty();
+  if (writes && !options.yes && !agreed()) return badResult;
+  if (writes) account = restoreAll(connection->serial(), differences, backup);
+  if (options.json) std::cout << jsonOf(account, differences) << '\n';
+  if (!options.dryRun) printAccount(account, differences);
+  return account.status;
+}
+
+}  // namespace
+
+void addRestore(CLI::App& velk, Run& run) {
+  addCommand<Options>(
+      velk, run, "restore", "Write a backup to the controller, where it differs",
+      "  velk restore house.json --dry-run\n"
+      "  velk restore --tcp 192.168.1.20:8445 house.json --only outputs,links\n"
+      "  velk restore house.json --yes\n"
+      "\nSections: settings outputs links texts presets switch-times simulation infrared modules.\n"
+      "The clock is not restored; see \"velk clock set\".\n",
+      carryOut);
+}
+
+}  // namespace velk::cli

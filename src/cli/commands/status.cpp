@@ -1,0 +1,99 @@
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+
+#include "cli/commands/command.h"
+#include "cli/link_text.h"
+#include "cli/things/clock.h"
+
+namespace velk::cli {
+namespace {
+
+struct RoundTrips {
+  double least;
+  double median;
+  double p95;
+};
+
+/// Of short reads, in milliseconds.
+RoundTrips measure(Serial& serial) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::size_t reads = 21;
+  std::vector<double> times;
+  for (std::size_t i = 0; i < reads; ++i) {
+    const auto start = Clock::now();
+    readMemory(serial, 1, 0, 4);
+    times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+  }
+  std::sort(times.begin(), times.end());
+  return {.least = times.front(), .median = times[reads / 2], .p95 = times[reads * 95 / 100]};
+}
+
+std::string milliseconds(double time) {
+  std::array<char, 32> text{};
+  const int length = std::snprintf(text.data(), text.size(), "%.3f ms", time);
+  return {text.data(), static_cast<std::size_t>(length)};
+}
+
+std::string interfaceOf(Serial& serial) {
+  if (serial.TCP) return "Ethernet, kind " + serial.SoortETH;
+  return serial.NoEcho ? "serial, fast mode" : "serial, echo mode";
+}
+
+/// The bytes of the initialisation block in front of and behind the clock.
+struct Firmware {
+  Bytes settings;    ///< three
+  Bytes controller;  ///< two
+  Byte kind;
+  Bytes further;  ///< three
+};
+
+Firmware readFirmware(Serial& serial) {
+  constexpr std::size_t clockEnd = 13;
+  Bytes block;
+  expectDone(serial.Ctl_Init("R", block), "reading the initialisation block");
+  return {.settings = block.substr(0, 3),
+          .controller = block.substr(3, 2),
+          .kind = byteAt(block, 5),
+          .further = block.substr(clockEnd)};
+}
+
+int carryOut(const LinkedOptions& options) {
+  const LinkOptions link = options.link.required();
+  const auto connection = open(link);
+  Serial& serial = connection->serial();
+  const RoundTrips trips = measure(serial);
+  const ClockReading clock = readClock(serial);
+  const Firmware firmware = readFirmware(serial);
+  if (options.json) {
+    std::cout << Json{{"link", nameOf(link)},
+                      {"interface", interfaceOf(serial)},
+                      {"round_trip_ms", {{"min", trips.least}, {"median", trips.median}, {"p95", trips.p95}}},
+                      {"clock", jsonOf(clock)},
+                      {"firmware",
+                       {{"settings", numbers(firmware.settings)},
+                        {"controller", numbers(firmware.controller)},
+                        {"kind", firmware.kind},
+                        {"further", numbers(firmware.further)}}}}
+              << '\n';
+    return success;
+  }
+  std::cout << "link        " << nameOf(link) << "\ninterface   " << interfaceOf(serial)
+            << "\nround trip  min " << milliseconds(trips.least) << ", median " << milliseconds(trips.median)
+            << ", p95 " << milliseconds(trips.p95) << "\nclock       " << textOf(clock.controller) << ", "
+            << deviationOf(clock) << "\nfirmware    controller " << numbers(firmware.controller) << ", kind "
+            << int{firmware.kind} << ", further " << numbers(firmware.further) << "\nsettings    "
+            << numbers(firmware.settings) << '\n';
+  return success;
+}
+
+}  // namespace
+
+void addStatus(CLI::App& velk, Run& run) {
+  addCommand<LinkedOptions>(
+      velk, run, "status", "Show link, round-trip times, clock and firmware",
+      "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n", carryOut);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,40 @@
+#include "cli/week.h"
+
+#include "cli/backup/backup_file.h"
+#include "cli/commands/command.h"
+
+namespace velk::cli {
+namespace {
+
+struct Options : LinkedOptions {
+  std::string svg;
+  std::string html;
+
+  void declare(CLI::App& app) {
+    LinkedOptions::declare(app);
+    app.add_option("--svg", svg, "Write a picture, with the links below it")->type_name("FILE");
+    app.add_option("--html", html, "Write a page that needs no other file")->type_name("FILE");
+  }
+};
+
+int carryOut(const Options& options) {
+  const auto connection = open(options.link.required());
+  const Week week = readWeek(connection->serial());
+  if (!options.svg.empty()) saveText(options.svg, svgOf(week));
+  if (!options.html.empty()) saveText(options.html, htmlOf(week));
+  if (options.json) {
+    std::cout << jsonOf(week) << '\n';
+  } else if (options.svg.empty() && options.html.empty()) {
+    std::cout << gridOf(week);
+  }
+  return success;
+}
+
+}  // namespace
+
+void addWeek(CLI::App& velk, Run& run) {
+  addCommand<Options>(velk, run, "week", "Show the week: switch times and simulation",
+                      "  velk week --simulate\n  velk week --html week.html\n", carryOut);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velk::cli {
+
+/// Whether a person reads along.
+bool outputIsTerminal();
+bool errorIsTerminal();
+bool inputIsTerminal();
+
+/// Whether standard output is coloured: on a terminal, unless NO_COLOR is set.
+bool colours();
+
+/// The text in bold, where standard output is coloured.
+std::string bold(std::string_view text);
+
+}  // namespace velk::cli

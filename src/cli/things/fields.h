@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/failure.h"
+#include "component/serial.h"
+
+namespace velk::cli {
+
+/// One property of a thing, as people read it.
+struct Field {
+  std::string name;
+  std::string text;
+
+  friend bool operator==(const Field&, const Field&) = default;
+};
+
+using Fields = std::vector<Field>;
+
+/// Up to 16 bytes at successive addresses of the external memory. Throws `Failure` with the status of a
+/// transaction that fails.
+Bytes readMemory(Serial& serial, Byte count, int page, int offset);
+
+}  // namespace velk::cli

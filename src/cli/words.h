@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "values/bytes.h"
+
+/// Values of the controller as people read them.
+namespace velk::cli {
+
+/// A stored text without the blanks and zero bytes around it, other bytes as escapes.
+std::string label(std::string_view stored);
+
+/// "07:30".
+std::string timeOfDay(int hour, int minute);
+
+/// "07:30:05".
+std::string timeOfDay(int hour, int minute, int second);
+
+constexpr int weekdays = 7;
+
+/// The name of a weekday, 0 for Monday; "day N" outside 0 to 6.
+std::string weekday(int day);
+
+/// A day selection, bit 0 for Monday: "Mon-Fri", "Sat, Sun", "every day", "no day".
+std::string daysOf(Byte selection);
+
+/// "5 255 2".
+std::string numbers(std::string_view bytes);
+
+/// "Hall ceiling" behind "output 5", if it has a name.
+std::string named(const std::string& text, const std::string& name);
+
+/// Two hexadecimal digits a byte.
+std::string hex(std::string_view bytes);
+
+/// The bytes of such digits. Throws std::invalid_argument with a sentence.
+Bytes bytesOfHex(std::string_view digits);
+
+}  // namespace velk::cli

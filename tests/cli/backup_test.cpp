@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "cli/tool.h"
+
+namespace velk::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder of its own for each test, and simulators in front of it.
+class BackupTest : public testing::Test {
+ protected:
+  BackupTest() {
+    fs::create_directories(folder_);
+    std::ofstream(file("empty")) << "velk-memory 1\nend\n";
+  }
+  ~BackupTest() override { fs::remove_all(folder_); }
+
+  [[nodiscard]] std::string file(const std::string& name) const { return folder_ + "/" + name; }
+
+  static std::string linkOf(Tool& simulator) { return behind(simulator.line(), "tcp Q "); }
+
+  [[nodiscard]] Tool emptyController(Words faults = {}) const {
+    faults.insert(faults.end(), {"--image", file("empty"), "--for", "60"});
+    return {"velk-sim", std::move(faults)};
+  }
+
+ private:
+  std::string folder_ = testing::TempDir() + "velk-backup-" + std::to_string(getpid());
+};
+
+/// What `diff` prints between the lines of one thing.
+bool has(const std::string& text, const std::string& line) {
+  return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
+}
+
+TEST_F(BackupTest, SurvivesABrokenLinkAndRestoresToAnEmptyController) {
+  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@2000", "--for", "60"});
+  const std::string from = linkOf(source);
+  const Words backup{"backup", "--tcp", from, file("a"), "--modules", "090500"};
+  EXPECT_NE(velk(backup).status, 0);
+  EXPECT_FALSE(fs::exists(file("a"))) << "a file is there when it is whole";
+  EXPECT_TRUE(fs::exists(file("a.part")));
+  EXPECT_NE(velk(backup).status, 0);
+  EXPECT_EQ(velk(backup).status, 0) << "each call brings 2000 lines";
+  EXPECT_FALSE(fs::exists(file("a.part")));
+
+  // Reading an empty controller takes 7307 requests, so that each call breaks off while it writes.
+  Tool target = emptyController({"--fault", "disconnect@7400"});
+  const std::string to = linkOf(target);
+  EXPECT_EQ(velk({"diff", "--simulate", file("a")}).status, 0);
+  EXPECT_EQ(velk({"restore", "--tcp", to, file("a")}).status, 2) << "nobody can be asked";
+  const Words restore{"restore", "--tcp", to, "--yes", file("a")};
+  int calls = 1;
+  while (velk(restore).status != 0 && calls < 9) ++calls;
+  EXPECT_GT(calls, 1);
+  EXPECT_LT(calls, 9);
+  const Ended same = velk({"diff", "--tcp", to, file("a")});
+  EXPECT_EQ(same.status, 0) << same.text;
+}
+
+TEST_F(BackupTest, TellsDifferencesInWords) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = linkOf(simulator);
+  ASSERT_EQ(velk({"backup", "--tcp", link, file("a")}).status, 0);
+  EXPECT_EQ(velk({"output", "--tcp", link, "5", "set", "DI"}).status, 0);
+  EXPECT_EQ(velk({"output", "--tcp", link, "8", "set", "T2", "3=91"}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "SwitchTime", "W", "0", "31", "8", "15", "\\x03\\xff\\x02"}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "Ctl_Soft", "W", "30", "1", "4", "O", "1", "0", "0", "-1"}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "Simulation", "W", "0", "18", ""}).status, 0);
+  EXPECT_EQ(velk({"ir-text", "--tcp", link, "1", "Tuner"}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "WriteCom", "1", "9", "200", "V", "\\x07"}).status, 0);
+  const Ended words = velk({"diff", "--tcp", link, file("a")});
+  EXPECT_EQ(words.status, 1);
+  for (const char* const line :
+       {"output 5: mode T1 -> DI", "output 8: item 3 90 -> 91", "output 9: byte 200 of page 9 0 -> 7",
+        "switch time 0: time 07:30 -> 08:15, switches output 3: 255 2; output 7: 0 4 -> output 3: 255 2",
+        "links of source 30: 30.1 destination output 3 -> output 4, 30.1 edges rising -> falling",
+        "simulation of Monday 18:00: event 1 18:15:30 output 3: 255 2 -> (none), event 2 18:42:05 output 5: "
+        "0 2 "
+        "-> (none)",
+        "infrared text 1: text Radio -> Tuner"}) {
+    EXPECT_TRUE(has(words.text, line)) << line << "\nin\n" << words.text;
+  }
+
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--dry-run", file("a")}).status, 0);
+  EXPECT_EQ(velk({"diff", "--tcp", link, file("a")}).text, words.text) << "a dry run writes nothing";
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--yes", "--only", "outputs,links", file("a")}).status, 0);
+  const auto rest = nlohmann::json::parse(velk({"diff", "--tcp", link, "--json", file("a")}).text);
+  ASSERT_EQ(rest.size(), 3U);
+  EXPECT_EQ(rest[0]["thing"], "switch time 0");
+
+  ASSERT_EQ(velk({"backup", "--tcp", link, file("b")}).status, 0);
+  EXPECT_EQ(velk({"diff", file("b"), file("b")}).status, 0);
+  EXPECT_EQ(velk({"diff", file("a"), file("b"), "--only", "infrared"}).text,
+            "infrared text 1: text Radio -> Tuner\n");
+}
+
+TEST_F(BackupTest, TellsWhatARefusedRestorationDidNotWrite) {
+  ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
+  // Reading an empty controller takes at most 7307 requests; the writes follow.
+  Tool simulator = emptyController({"--fault", "status=9@7320-"});
+  const Ended ended = velk({"restore", "--tcp", linkOf(simulator), "--yes", "--json", file("a")});
+  EXPECT_EQ(ended.status, 1);
+  const auto account = nlohmann::json::parse(ended.text);
+  EXPECT_EQ(account["written"].size() + account["not_written"].size(), account["differences"].size());
+  EXPECT_FALSE(account["not_written"].empty());
+  EXPECT_NE(account["failure"].get<std::string>().find("9 (status 9 of the controller)"), std::string::npos);
+}
+
+TEST_F(BackupTest, RefusesFilesThatAreNoBackups) {
+  std::ofstream(file("text")) << "hello";
+  std::ofstream(file("json")) << R"({"format":"velk-backup","version":2})";
+  std::ofstream(file("half"))
+      << R"({"format":"velk-backup","version":1,"begun":"","link":"","complete":true,)"
+         R"("memory":{"V":{"0501":"00"},"H":{},"H+":{}},"modules":[]})";
+  for (const char* const name : {"text", "json", "half", "nothing"}) {
+    EXPECT_EQ(velk({"diff", file(name), file(name)}).status, 5) << name;
+  }
+  EXPECT_EQ(velk({"backup", "--simulate", "/nowhere/file"}).status, 5);
+  EXPECT_EQ(velk({"diff", "--simulate", file("text"), "--only", "nothing"}).status, 2);
+}
+
+}  // namespace
+}  // namespace velk::cli
