@@ -1,0 +1,100 @@
+#!/bin/sh
+# Measures the speed of the library and of the component; prints a table, leaves JSON beside the build and the
+# table with its date in docs/performance.md.
+# Usage: bench.sh BUILD [WINDOWS_BUILD]
+#   BUILD           a build of the preset bench
+#   WINDOWS_BUILD   a build with the preset windows-x64 and VELK_BENCH; without it, Wine's rows are left out
+#   STARTS          how often each program is started; the median counts (3)
+
+set -u
+here=$(cd "$(dirname "$0")" && pwd)
+build=$(cd "${1:?usage: bench.sh BUILD [WINDOWS_BUILD]}" && pwd) || exit 2
+windows=${2:+$(cd "$2" && pwd)}
+bench=$build/bin/velk_bench
+work=$build/figures
+starts=${STARTS:-3}
+longest=120 # seconds that any one program may take
+core=0
+other=1
+children=
+
+end() {
+  for child in $children; do kill "$child" 2>/dev/null; done
+}
+trap end EXIT
+trap 'exit 130' INT TERM
+rm -rf "$work"
+mkdir -p "$work"
+
+pinned() { timeout -k 5 "$longest" taskset -c $core "$@"; }
+
+measure() { # measure NAME COMMAND...: one start, its figures go to a file
+  name=$1
+  shift
+  echo "  $name" >&2
+  "$@" >"$work/$name.json" 2>"$work/$name.log" || cat "$work/$name.log" >&2
+  [ -s "$work/$name.json" ] || rm "$work/$name.json"
+}
+
+keep_other_core_busy() {
+  taskset -c $other sh -c 'while :; do :; done' &
+  children="$children $!"
+}
+
+serve() { # serve KIND: a server on the same core; its port goes to $port
+  taskset -c $core "$bench" serve "$1" </dev/zero >"$work/port" &
+  children="$children $!"
+  for _ in $(seq 100); do
+    port=$(cat "$work/port")
+    [ -n "$port" ] && return 0
+    sleep 0.05
+  done
+  exit 2
+}
+
+cpu_of() { # cpu_of PROCESS: the CPU time of all its threads, in nanoseconds
+  cat /proc/"$1"/task/*/schedstat | awk '{ sum += $1 } END { printf "%.0f", sum }'
+}
+
+wine_wait() { # what the process uses during a wait of two seconds, as a part of that time
+  wine "$windows/bin/velk_bench.exe" wait "$port" >"$work/wait.out" 2>/dev/null &
+  process=$!
+  children="$children $process"
+  for _ in $(seq 200); do
+    grep -q waiting "$work/wait.out" && break
+    sleep 0.05
+  done
+  sleep 0.5
+  before=$(cpu_of $process)
+  sleep 3
+  after=$(cpu_of $process)
+  wait $process
+  grep -q waited "$work/wait.out" || return 1
+  awk "BEGIN { printf \"{\\\"wait.wine\\\": %.9f}\\n\", ($after - $before) / 2e9 }"
+}
+
+wine_script() { (cd "$here" && pinned wine cscript.exe //nologo calls.vbs | tr -d "\r"); }
+
+run_wine() {
+  export WINEPREFIX="$build/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+  unset DISPLAY WAYLAND_DISPLAY
+  [ -e "$WINEPREFIX/system.reg" ] || timeout -k 5 120 wineboot -i >/dev/null 2>&1
+  wineserver -k 2>/dev/null # one that was started here is pinned, too
+  pinned wine regsvr32 /s "$windows/bin/VelkCom.dll"
+  for start in $(seq "$starts"); do
+    measure "wine-tcp-$start" pinned wine "$windows/bin/velk_bench.exe" tcp "$port"
+    measure "wine-calls-$start" pinned wine "$windows/bin/velk_bench.exe" calls
+    measure "wine-script-$start" wine_script
+    measure "wine-wait-$start" wine_wait
+  done
+}
+
+keep_other_core_busy
+for start in $(seq "$starts"); do
+  for section in tcp lines paced wait threads memory; do
+    measure "$section-$start" pinned "$bench" "$section"
+  done
+done
+measure counts "$here/../tests/counts.sh" "$bench"
+[ -z "$windows" ] || { serve velk && run_wine; }
+python3 "$here/report.py" "$work" "$build/figures.json" "$here/../docs/performance.md"

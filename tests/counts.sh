@@ -1,0 +1,66 @@
+#!/bin/sh
+# Counts what one TCP transaction costs; the counts hardly vary, so limits can be checked.
+# Usage: counts.sh BENCH
+#   BENCH   the program velk_bench
+# Prints the figures as JSON; ends with 1 when a limit is passed.
+
+set -u
+bench=${1:?usage: counts.sh BENCH}
+most_calls=4
+most_instructions=1500 # above those of the bare client; 1000 is what they should come down to
+few=100
+many=600
+
+work=$(mktemp -d)
+servers=
+end() {
+  for server in $servers; do kill "$server" 2>/dev/null; done
+  rm -rf "$work"
+}
+trap end EXIT
+
+serve() { # serve KIND: starts a server; its port goes to $port
+  "$bench" serve "$1" </dev/zero >"$work/$1.port" &
+  servers="$servers $!"
+  for _ in $(seq 100); do
+    port=$(cat "$work/$1.port" 2>/dev/null)
+    [ -n "$port" ] && return 0
+    sleep 0.05
+  done
+  echo "$0: no server" >&2
+  exit 2
+}
+
+calls() { # calls CLIENT COUNT
+  strace -qq -o "$work/calls" "$bench" count "$1" "$port" "$2" || exit 2
+  wc -l <"$work/calls"
+}
+
+instructions() { # instructions CLIENT COUNT
+  valgrind --tool=callgrind --callgrind-out-file="$work/out" "$bench" count "$1" "$port" "$2" 2>"$work/log" || exit 2
+  sed -n 's/^summary: //p' "$work/out"
+}
+
+each() { # each COUNTER CLIENT: what one transaction adds
+  first=$("$1" "$2" $few) && second=$("$1" "$2" $many) || exit 2
+  awk "BEGIN { printf \"%.2f\", ($second - $first) / ($many - $few) }"
+}
+
+serve velk
+velk_calls=$(each calls velk)
+bare_calls=$(each calls bare)
+velk_instructions=$(each instructions velk)
+bare_instructions=$(each instructions bare)
+above=$(awk "BEGIN { printf \"%.0f\", $velk_instructions - $bare_instructions }")
+cat <<JSON
+{
+ "counts.velk.calls": $velk_calls,
+ "counts.bare.calls": $bare_calls,
+ "counts.velk.instructions": $velk_instructions,
+ "counts.bare.instructions": $bare_instructions
+}
+JSON
+awk "BEGIN { exit !($velk_calls <= $most_calls && $above <= $most_instructions) }" || {
+  echo "counts.sh: $velk_calls system calls (at most $most_calls), $above instructions (at most $most_instructions)" >&2
+  exit 1
+}
