@@ -1,0 +1,94 @@
+#include "support/calls.h"
+
+#include <array>
+
+#include "support/require.h"
+#include "values/runtime_error.h"
+
+namespace velk::fuzz {
+namespace {
+
+/// The forms that an argument may come in; the number is what stands for it in the input.
+enum Form : Byte { missing, empty, truth, byte, integer, large, fraction, text, forms };
+
+bool isLink(const Method& method) {
+  constexpr int first = 10;  // OpenCom
+  constexpr int last = 13;   // CloseTCP
+  return method.id >= first && method.id <= last;
+}
+
+Value valueOf(Form form, Input& input) {
+  switch (form) {
+    case truth:
+      return (input.byte() & 1) != 0;
+    case byte:
+      return input.byte();
+    case integer:
+      return static_cast<std::int16_t>(input.number());
+    case large:
+      return input.number();
+    case fraction:
+      return input.number() / 256.0;
+    case text:
+      return input.text();
+    default:
+      return {};
+  }
+}
+
+Bytes recipeOf(const Value& value) {
+  const Bytes form(1, character(static_cast<int>(value.index()) + 1));
+  if (const auto* number = std::get_if<Byte>(&value)) return form + character(*number);
+  if (const auto* string = std::get_if<std::string>(&value)) {
+    return form + character(static_cast<int>(string->size())) + *string;
+  }
+  if (const auto* flag = std::get_if<bool>(&value)) return form + character(*flag ? 1 : 0);
+  const auto bits = static_cast<std::uint32_t>(static_cast<std::int32_t>(toNumber(value)));
+  Bytes number = form;
+  for (int shift = 24; shift >= 0; shift -= 8) number += character(static_cast<int>(bits >> shift & 255));
+  return number;
+}
+
+}  // namespace
+
+void call(Serial& serial, Input& input, bool withLinks) {
+  const Method* const method = findMethod(int{input.byte()});
+  if (method == nullptr || (isLink(*method) && !withLinks)) return;
+  if (method->put != nullptr && (input.byte() & 1) != 0) {
+    try {
+      method->put(serial, convert(valueOf(static_cast<Form>(input.below(forms)), input), method->result));
+    } catch (const RuntimeError&) {
+      return;
+    }
+  }
+
+  std::array<Value, mostParameters> arguments;
+  std::array<bool, mostParameters> given{};
+  for (std::size_t i = 0; i < method->count; ++i) {
+    const auto form = static_cast<Form>(input.below(forms));
+    given[i] = form != missing;
+    arguments[i] = valueOf(form, input);
+  }
+  if (const auto fault = complete(*method, std::span(arguments).first(method->count), given)) {
+    require(fault->parameter < method->count, "a fault names a parameter of the method");
+    return;
+  }
+  try {
+    require(holds(method->call(serial, arguments.data()), method->result),
+            "a result has the type of the table");
+  } catch (const RuntimeError& error) {
+    require(error.number() > 0, "a run-time error has a number");
+  }
+  for (std::size_t i = 0; i < method->count; ++i) {
+    require(holds(arguments[i], method->slots[i].type), "an argument keeps its type");
+  }
+}
+
+Bytes recipe(const Method& method, const std::vector<Value>& arguments) {
+  Bytes bytes(1, character(method.id));
+  if (method.put != nullptr) bytes += '\0';
+  for (const Value& value : arguments) bytes += recipeOf(value);
+  return bytes;
+}
+
+}  // namespace velk::fuzz

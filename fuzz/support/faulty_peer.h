@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "simulator/peer.h"
+#include "support/input.h"
+
+namespace velk::fuzz {
+
+/// An interface of the controller whose replies go through the fuzzer's hands: each is passed on, lost,
+/// replaced, cut, overwritten, doubled, delayed or answered with the end of the connection. With the input at
+/// its end the interface is as good as new.
+class FaultyPeer final : public simulator::Peer {
+ public:
+  FaultyPeer(std::unique_ptr<simulator::Peer> peer, Input& input) : peer_(std::move(peer)), input_(input) {}
+
+  std::vector<simulator::Delivery> connected() override { return spoil(peer_->connected()); }
+  std::vector<simulator::Delivery> received(std::string_view bytes) override {
+    return spoil(peer_->received(bytes));
+  }
+  void lineBreak() override { peer_->lineBreak(); }
+  void quiet() override { peer_->quiet(); }
+
+  enum Fault : Byte { none, lost, replaced, cut, overwritten, doubled, delayed, ended, faults };
+
+ private:
+  std::vector<simulator::Delivery> spoil(std::vector<simulator::Delivery> deliveries);
+
+  std::unique_ptr<simulator::Peer> peer_;
+  Input& input_;
+};
+
+}  // namespace velk::fuzz
