@@ -1,0 +1,52 @@
+# What is installed on Linux, and the Debian package made of it: one static library with its headers, a CMake
+# package, a pkg-config file, the tools and their manual pages.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+add_library(velkcom STATIC)
+foreach(part values platform link controller parameters modules timed component simulator)
+  target_sources(velkcom PRIVATE $<TARGET_OBJECTS:velk_${part}>)
+endforeach()
+set_target_properties(velkcom PROPERTIES LINKER_LANGUAGE CXX)
+target_compile_features(velkcom INTERFACE cxx_std_20)
+target_include_directories(velkcom INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+                                             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/velkcom>)
+target_link_libraries(velkcom INTERFACE Threads::Threads)
+add_library(VelkCom::velkcom ALIAS velkcom)
+
+set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VelkCom)
+configure_package_config_file(packaging/VelkComConfig.cmake.in ${PROJECT_BINARY_DIR}/VelkComConfig.cmake
+                              INSTALL_DESTINATION ${config_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VelkComConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+# The file finds the rest from where it lies, so that the package works in any root.
+file(RELATIVE_PATH PC_UP /usr/${CMAKE_INSTALL_LIBDIR}/pkgconfig /usr)
+configure_file(packaging/velkcom.pc.in ${PROJECT_BINARY_DIR}/velkcom.pc @ONLY)
+
+install(TARGETS velkcom EXPORT VelkComTargets)
+install(EXPORT VelkComTargets NAMESPACE VelkCom:: DESTINATION ${config_dir})
+install(FILES ${PROJECT_BINARY_DIR}/VelkComConfig.cmake ${PROJECT_BINARY_DIR}/VelkComConfigVersion.cmake
+        DESTINATION ${config_dir})
+install(FILES ${PROJECT_BINARY_DIR}/velkcom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(part values platform link controller parameters modules timed component simulator)
+  install(DIRECTORY src/${part} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velkcom FILES_MATCHING PATTERN "*.h"
+          PATTERN posix EXCLUDE PATTERN windows EXCLUDE PATTERN idl EXCLUDE)
+endforeach()
+install(TARGETS velk velk-sim)
+file(GLOB manual_pages CONFIGURE_DEPENDS docs/*.1)
+install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
+install(FILES ${documents} README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples/linux DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME velkcom)
+set(CPACK_PACKAGE_VENDOR VelkCom)
+set(CPACK_PACKAGE_CONTACT "VelkCom maintainers <velkcom@localhost>")
+set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+set(CPACK_PACKAGE_DESCRIPTION
+    "velk configures the controller over a serial port or TCP; velk-sim stands in for one.\nThe library gives the same to C++ programs.")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_STRIP_FILES ON)
+include(CPack)

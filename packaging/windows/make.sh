@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Gathers what Windows users get and makes the setup program and the zip of it.
+# Usage: make.sh BUILD_X64 BUILD_X86 OUTPUT_DIR
+#   BUILD_X64, BUILD_X86   builds with the presets windows-x64 and windows-x86
+#   OUTPUT_DIR             receives VelkCom-VERSION-setup.exe and VelkCom-VERSION.zip
+set -euo pipefail
+[ $# -eq 3 ] || { echo "usage: make.sh BUILD_X64 BUILD_X86 OUTPUT_DIR" >&2; exit 2; }
+x64=$(realpath "$1")
+x86=$(realpath "$2")
+mkdir -p "$3"
+output=$(realpath "$3")
+here=$(cd "$(dirname "$0")" && pwd)
+source=$here/../..
+
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:.*=//p' "$x64/CMakeCache.txt")
+name=VelkCom-$version
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+tree=$work/$name
+
+# The manifest takes names and identifiers from where the component has them.
+manifest() { # manifest ARCHITECTURE
+  local script=(-e "s/@VERSION@/$version/" -e "s/@ARCHITECTURE@/$1/") line
+  while read -r line; do script+=(-e "$line"); done < <(
+    sed -n 's/^constexpr std::string_view \(.*\) = "\(.*\)";$/s,@\1@,\2,/p' "$source/src/component/idl/identity.h")
+  sed "${script[@]}" "$here/VelkCom.manifest.in"
+}
+
+binaries() { # binaries FOLDER BUILD ARCHITECTURE TRIPLE
+  mkdir -p "$tree/$1"
+  cp "$2"/bin/{VelkCom.dll,velk.exe,velk-sim.exe} "$tree/$1/"
+  "$4-w64-mingw32-strip" "$tree/$1"/*.exe
+  manifest "$3" >"$tree/$1/VelkCom.manifest"
+  ! grep '@' "$tree/$1/VelkCom.manifest"
+}
+
+binaries x64 "$x64" amd64 x86_64
+binaries x86 "$x86" x86 i686
+mkdir "$tree/docs"
+cp "$source"/docs/*.md "$tree/docs/"
+cp "$source"/{README.md,CHANGELOG.md} "$tree/"
+cp -r "$source/examples/windows" "$tree/examples"
+
+(cd "$work" && cmake -E tar cf "$output/$name.zip" --format=zip "$name")
+
+# The uninstaller removes just the files that were installed, and folders that are empty then.
+(cd "$tree" && find . -mindepth 1 -depth \( -type d -printf 'RMDir "$INSTDIR/%P"\n' \) -o -printf 'Delete /REBOOTOK "$INSTDIR/%P"\n') |
+  sed 'y,/,\\,; s,^Delete \\REBOOTOK,Delete /REBOOTOK,' >"$work/remove.nsh"
+makensis -V2 -NOCD -DVERSION="$version" -DTREE="$tree" -DREMOVE="$work/remove.nsh" \
+  -DOUTPUT="$output/$name-setup.exe" "$here/velkcom.nsi"

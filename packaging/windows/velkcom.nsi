@@ -1,0 +1,124 @@
+; The setup program: both components side by side, for everybody or for the current user.
+; Command line: /S silent, /AllUsers or /CurrentUser, /D=FOLDER (last). Exit code 0, or 2 when nothing was installed.
+; Defines: VERSION, TREE (the files), REMOVE (script lines that delete them), OUTPUT.
+
+Unicode true
+; The stub of 64-bit systems, on which both components have their place; 32-bit systems take the zip.
+Target amd64-unicode
+SetCompressor /SOLID lzma
+
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\VelkCom"
+!define MULTIUSER_EXECUTIONLEVEL Highest
+!define MULTIUSER_MUI
+!define MULTIUSER_USE_PROGRAMFILES64
+!define MULTIUSER_INSTALLMODE_COMMANDLINE
+!define MULTIUSER_INSTALLMODE_INSTDIR "VelkCom"
+!define MULTIUSER_INSTALLMODE_INSTDIR_REGISTRY_KEY "${UNINSTALL_KEY}"
+!define MULTIUSER_INSTALLMODE_INSTDIR_REGISTRY_VALUENAME "InstallLocation"
+!define MULTIUSER_INSTALLMODE_DEFAULT_REGISTRY_KEY "${UNINSTALL_KEY}"
+!define MULTIUSER_INSTALLMODE_DEFAULT_REGISTRY_VALUENAME "InstallLocation"
+!include MultiUser.nsh
+!include MUI2.nsh
+!include FileFunc.nsh
+
+Name "VelkCom ${VERSION}"
+OutFile "${OUTPUT}"
+BrandingText " "
+VIProductVersion "${VERSION}.0"
+VIAddVersionKey ProductName "VelkCom"
+VIAddVersionKey ProductVersion "${VERSION}"
+VIAddVersionKey FileVersion "${VERSION}"
+VIAddVersionKey FileDescription "Setup of VelkCom"
+VIAddVersionKey LegalCopyright ""
+
+!insertmacro MULTIUSER_PAGE_INSTALLMODE
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE English
+
+Var Audience ; the switches of regsvr32 for everybody or for the current user
+Var Code
+
+!macro AUDIENCE
+  ${If} $MultiUser.InstallMode == "CurrentUser"
+    StrCpy $Audience "/n /i:user"
+  ${Else}
+    StrCpy $Audience ""
+  ${EndIf}
+!macroend
+
+; Each component is registered by the program of its own bitness. A system without the 32-bit one cannot run
+; 32-bit hosts either.
+!macro REGSVR SWITCHES
+  ExecWait '"$SYSDIR\regsvr32.exe" /s ${SWITCHES} $Audience "$INSTDIR\x64\VelkCom.dll"' $Code
+  ${If} ${FileExists} "$WINDIR\SysWOW64\regsvr32.exe"
+  ${AndIf} $Code == 0
+    ExecWait '"$WINDIR\SysWOW64\regsvr32.exe" /s ${SWITCHES} $Audience "$INSTDIR\x86\VelkCom.dll"' $Code
+  ${EndIf}
+!macroend
+
+!macro REMOVE_ALL
+  !insertmacro REGSVR "/u"
+  SetOutPath "$TEMP"
+  !include "${REMOVE}"
+  Delete "$INSTDIR\uninstall.exe"
+  RMDir "$INSTDIR"
+  DeleteRegKey SHCTX "${UNINSTALL_KEY}"
+!macroend
+
+Function .onInit
+  ; The choice of the audience sets the folder too, but one from the command line counts.
+  StrCpy $0 $INSTDIR
+  !insertmacro MULTIUSER_INIT
+  ${If} $0 != ""
+    StrCpy $INSTDIR $0
+  ${EndIf}
+FunctionEnd
+
+Function un.onInit
+  !insertmacro MULTIUSER_UNINIT
+FunctionEnd
+
+; An earlier version may have files that this one has not.
+Function removeEarlierVersion
+  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "InstallLocation"
+  ${If} $0 != ""
+  ${AndIf} ${FileExists} "$0\uninstall.exe"
+    ExecWait '"$0\uninstall.exe" /S /$MultiUser.InstallMode _?=$0'
+    Delete "$0\uninstall.exe"
+    RMDir "$0"
+  ${EndIf}
+FunctionEnd
+
+Section
+  Call removeEarlierVersion
+  SetOutPath "$INSTDIR"
+  File /r "${TREE}/*"
+  !insertmacro AUDIENCE
+  !insertmacro REGSVR ""
+  ${If} $Code != 0
+    StrCpy $1 $Code
+    !insertmacro REMOVE_ALL
+    SetErrorLevel 2
+    Abort "The component cannot be registered: regsvr32 ends with $1."
+  ${EndIf}
+
+  WriteUninstaller "$INSTDIR\uninstall.exe"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "VelkCom"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "Publisher" "VelkCom"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\uninstall.exe" /$MultiUser.InstallMode'
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S /$MultiUser.InstallMode'
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoModify" 1
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoRepair" 1
+  ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "EstimatedSize" $0
+SectionEnd
+
+Section Uninstall
+  !insertmacro AUDIENCE
+  !insertmacro REMOVE_ALL
+SectionEnd

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Unpacks the Debian package into an empty root, builds a program against it as its user would, with CMake and
+# with pkg-config, and runs the program and the packaged tools against each other.
+# Usage: debian.sh PACKAGE
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+package=$(realpath "${1:?usage: debian.sh PACKAGE}")
+example=$here/../../examples/linux
+
+work=$(mktemp -d)
+simulator=
+clean_up() {
+  [ -z "$simulator" ] || kill "$simulator" 2>/dev/null || true
+  rm -rf "$work"
+}
+trap clean_up EXIT
+trap 'exit 130' INT TERM
+
+check() { # check NAME COMMAND...
+  local name=$1
+  shift
+  if "$@" >"$work/log" 2>&1; then echo "ok $name"; else echo "FAILED $name"; cat "$work/log"; exit 1; fi
+}
+
+# Of this build's own tree nothing may be needed.
+check "the package unpacks" dpkg-deb -x "$package" "$work/root"
+usr=$work/root/usr
+check "the example finds the package" \
+  env -C "$work" cmake -S "$example" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$usr" -DCMAKE_CXX_FLAGS=-Werror
+check "  and builds with it" cmake --build "$work/cmake"
+pkg_config() { PKG_CONFIG_PATH="$usr/lib/pkgconfig" pkg-config "$@" velkcom; }
+check "pkg-config knows the package" pkg_config --exists
+# shellcheck disable=SC2046: the flags are words
+check "  and the example builds with its flags" \
+  g++ "$example/presets.cpp" -o "$work/presets" $(pkg_config --cflags --libs)
+check "its version is the package's" \
+  test "$(pkg_config --modversion)" = "$(dpkg-deb -f "$package" Version)"
+
+"$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 120 >"$work/simulator.log" &
+simulator=$!
+for _ in $(seq 100); do
+  grep -q '^ready' "$work/simulator.log" && break
+  sleep 0.1
+done
+port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/simulator.log")
+line=$(sed -n 's/^echo //p' "$work/simulator.log")
+
+lists_presets() {
+  timeout 60 "$@" >"$work/presets.txt" && [ "$(wc -l <"$work/presets.txt")" -eq 4 ] &&
+    grep -q '^ 2  Evening           delays 10, 40$' "$work/presets.txt"
+}
+check "the example lists the presets over TCP" lists_presets "$work/cmake/presets" 127.0.0.1 "$port" pass
+check "  and over a serial line" lists_presets "$work/presets" "$line"
+reads_mode() { [ "$("$usr/bin/velk" call --tcp "127.0.0.1:$port" --password pass ReadCom 1 5 1 V)" = '\x00\x05  (done)' ]; }
+check "the packaged tool reads an output" reads_mode

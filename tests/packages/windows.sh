@@ -1,0 +1,189 @@
+#!/usr/bin/env bash
+# Installs the setup program and the zip under Wine, runs the examples with what they bring, and removes it all.
+# Usage: windows.sh SETUP ZIP
+#   VELK_SIM   the simulated controller; bin/velk-sim of the native build when not set
+#   VELK_WORK  where Wine's files are kept; build/packages/test when not set
+set -uo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+setup=$(realpath "${1:?usage: windows.sh SETUP ZIP}")
+zip=$(realpath "${2:?usage: windows.sh SETUP ZIP}")
+sim=${VELK_SIM:-$root/build/linux/bin/velk-sim}
+work=${VELK_WORK:-$root/build/packages/test}
+examples=$root/examples/windows
+
+mkdir -p "$work"
+rm -rf "${work:?}"/*
+export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+unset DISPLAY WAYLAND_DISPLAY
+drive=$WINEPREFIX/drive_c
+passed=0
+failed=0
+simulator=
+clean_up() { [ -z "$simulator" ] || kill "$simulator" 2>/dev/null; }
+trap clean_up EXIT
+trap 'exit 130' INT TERM
+
+wine_run() { timeout -k 5 120 wine "$@" 2>/dev/null </dev/null | tr -d '\r'; }
+
+check() { # check NAME COMMAND...
+  local name=$1
+  shift
+  if "$@" >"$work/check.log" 2>&1; then
+    passed=$((passed + 1))
+    echo "ok $name"
+  else
+    failed=$((failed + 1))
+    echo "FAILED $name"
+    head -n 20 "$work/check.log" | sed 's/^/    /'
+  fi
+}
+not() { ! "$@"; }
+
+# --- What an installation may leave behind
+
+# Parts of the registry that programs share, in both hives. Wine's own caches lie elsewhere.
+shared_keys='Software\Classes Software\Microsoft\Windows\CurrentVersion\Uninstall Software\VelkCom'
+
+snapshot() { # snapshot NAME: the shared keys and every file, but for temporary ones
+  for hive in HKLM HKCU; do
+    for key in $shared_keys; do
+      rm -f "$work/export.reg"
+      wine_run reg export "$hive\\$key" "$work/export.reg" /y >/dev/null
+      [ ! -e "$work/export.reg" ] || iconv -f UTF-16 -t UTF-8 "$work/export.reg"
+    done
+  done >"$work/$1.keys"
+  (cd "$drive" && find . -path '*/Temp/*' -prune -o -print | sort) >"$work/$1.txt"
+}
+as_before() { # as_before NAME
+  diff "$work/before.keys" "$work/$1.keys" && diff "$work/before.txt" "$work/$1.txt"
+}
+
+install() { wine_run "$setup" /S "$@"; }
+
+uninstall() { # uninstall FOLDER SWITCH: its uninstaller goes on as a copy of itself
+  wine_run "$1/uninstall.exe" /S "$2"
+  for _ in $(seq 100); do
+    [ -e "$1" ] || return 0
+    sleep 0.2
+  done
+  echo "$1 is still there: $(ls "$1")"
+  return 1
+}
+
+has_files() { # has_files FOLDER
+  for file in {x64,x86}/{VelkCom.dll,VelkCom.manifest,velk.exe,velk-sim.exe} docs/reference.md README.md \
+    examples/set_clock.vbs uninstall.exe; do
+    [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
+  done
+}
+key() { wine_run reg query "$1" "${@:2}" | grep . ; }
+
+# --- Examples
+
+start_controller() {
+  "$sim" --tcp 0 --password pass --for 900 >"$work/sim.log" 2>&1 &
+  simulator=$!
+  for _ in $(seq 100); do
+    grep -q '^ready' "$work/sim.log" && break
+    sleep 0.1
+  done
+  port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
+}
+
+build_examples() {
+  local example
+  for example in late_bound early_bound; do
+    x86_64-w64-mingw32-g++-posix -std=c++20 -Wall -Wextra -Werror -static "$examples/$example.cpp" \
+      -o "$work/$example.exe" -lole32 -loleaut32 -luuid || return
+  done
+}
+
+script() { (cd "$1" && wine_run cscript.exe //nologo "$2" 127.0.0.1 "$port" pass); }
+program() { (cd "$work" && wine_run "$1" 127.0.0.1 "$port" pass "${@:2}"); }
+says() { # says TEXT COMMAND...: the text is among the lines of the command
+  "${@:2}" >"$work/says.log"
+  cat "$work/says.log"
+  grep -qxE -- "$1" "$work/says.log"
+}
+
+script_examples() { # script_examples FOLDER
+  check "set_clock.vbs sets the clock" says 'set to:     20[0-9-]+ [0-9:]+' script "$1" set_clock.vbs
+  check "  and then finds it right" says 'the clock is right' script "$1" set_clock.vbs
+  check "presets.js lists the presets" says '61: Holiday +' script "$1" presets.js
+}
+
+program_examples() { # program_examples SUFFIX
+  check "late_bound.cpp lists outputs$1" says 'output 11: UD' program late_bound.exe
+  check "early_bound.cpp saves an output$1" says 'saved output 5: mode T1, 12 items' \
+    program early_bound.exe save 5 output.log
+  check "  and restores it$1" says 'restored output 6' program early_bound.exe restore 6 output.log
+  check "  as it was$1" says 'output 6: T1' program late_bound.exe
+}
+
+# --- The packages
+
+for_everybody() {
+  local folder="$drive/Program Files/VelkCom"
+  check "silent setup for everybody" install
+  check "  brings the files" has_files "$folder"
+  check "  and an entry for removal" \
+    key 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\VelkCom' /v QuietUninstallString
+  script_examples "$folder/examples"
+  program_examples ""
+  check "the installed tool reads an output" says '.x00.x05  \(done\)' \
+    wine_run "$folder/x64/velk.exe" call --tcp "127.0.0.1:$port" --password pass ReadCom 1 5 1 V
+  touch "$folder/examples/mine.vbs"
+  check "setup over an installed version" install
+  check "  works" says '61: Holiday +' script "$folder/examples" presets.js
+  check "  and keeps the user's own files" rm "$folder/examples/mine.vbs"
+  check "silent removal" uninstall "$folder" /AllUsers
+  snapshot after
+  check "  leaves nothing" as_before after
+}
+
+for_one_user() {
+  local folder
+  check "silent setup for the current user" install /CurrentUser "/D=C:\\Tools\\VelkCom"
+  folder="$drive/Tools/VelkCom"
+  check "  brings the files to the given folder" has_files "$folder"
+  check "  registers for this user" key 'HKCU\Software\Classes\VelkCom.Serial'
+  check "  and for nobody else" not key 'HKLM\Software\Classes\VelkCom.Serial'
+  check "silent removal" uninstall "$folder" /CurrentUser
+  rmdir "$drive/Tools" 2>/dev/null
+  snapshot after-user
+  check "  leaves nothing" as_before after-user
+}
+
+without_registration() {
+  mkdir -p "$work/zip"
+  (cd "$work/zip" && cmake -E tar xf "$zip")
+  local folder name
+  folder=$(echo "$work"/zip/VelkCom-*)
+  check "an unregistered component cannot be created" not says 'output 11: UD' program late_bound.exe
+  cp "$folder"/x64/VelkCom.{dll,manifest} "$work/"
+  for name in late_bound early_bound; do
+    sed "s/@VERSION@/${folder##*-}/" "$here/client.exe.manifest" >"$work/$name.exe.manifest"
+  done
+  program_examples " without registration"
+}
+
+timeout -k 5 120 wineboot -i >/dev/null 2>&1
+# Wine's script host writes keys of its own when it first runs.
+echo 'WScript.Quit(0)' >"$work/nothing.js"
+(cd "$work" && wine_run cscript.exe //nologo nothing.js)
+for folder in CLSID Interface TypeLib; do # these are there on every used system
+  wine_run reg add "HKCU\\Software\\Classes\\$folder" /f >/dev/null
+done
+for hive in HKLM HKCU; do
+  wine_run reg add "$hive\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall" /f >/dev/null
+done
+snapshot before
+start_controller
+check "the C++ examples build" build_examples
+for_everybody
+for_one_user
+without_registration
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]
