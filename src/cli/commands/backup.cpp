@@ -11,7 +11,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct BackupOptions : LinkedOptions {
   std::string file;
   std::vector<std::string> modules;
   bool fresh = false;
@@ -33,7 +33,7 @@ std::string now() {
 }
 
 /// An unfinished backup of the same link, or a new one.
-Backup begin(const Options& options, const std::string& link) {
+Backup begin(const BackupOptions& options, const std::string& link) {
   const std::string part = partOf(options.file);
   if (!options.fresh && std::filesystem::exists(part)) {
     Backup found = loadBackup(part);
@@ -46,7 +46,7 @@ Backup begin(const Options& options, const std::string& link) {
   return {.begun = now(), .link = link, .lines = {}, .modules = {}};
 }
 
-void read(Serial& serial, const Options& options, Backup& backup) {
+void read(Serial& serial, const BackupOptions& options, Backup& backup) {
   Progress progress("backup");
   readMissing(serial, backup.lines, [&](std::size_t done, std::size_t total) { progress.show(done, total); });
   backup.modules.clear();
@@ -54,7 +54,7 @@ void read(Serial& serial, const Options& options, Backup& backup) {
 }
 
 /// Reads; what was read before a failure is kept in the part file.
-void readOrKeep(Serial& serial, const Options& options, Backup& backup) {
+void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup) {
   const auto keep = [&] {
     saveBackup(partOf(options.file), backup);
     std::cerr << "velk: " << backup.lines.size() << " lines are kept in " << partOf(options.file)
@@ -71,7 +71,7 @@ void readOrKeep(Serial& serial, const Options& options, Backup& backup) {
   }
 }
 
-int carryOut(const Options& options) {
+int carryOutBackup(const BackupOptions& options) {
   const LinkOptions link = options.link.required();
   Backup backup = begin(options, nameOf(link));
   const std::size_t before = backup.lines.size();
@@ -97,11 +97,11 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addBackup(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "backup", "Save the whole configuration in a file",
-                      "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
-                      "  velk backup house.json --modules 090500,100100\n"
-                      "\nA backup that breaks off leaves FILE.part; the same command continues it.\n",
-                      carryOut);
+  addCommand<BackupOptions>(velk, run, "backup", "Save the whole configuration in a file",
+                            "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
+                            "  velk backup house.json --modules 090500,100100\n"
+                            "\nA backup that breaks off leaves FILE.part; the same command continues it.\n",
+                            carryOutBackup);
 }
 
 }  // namespace velk::cli

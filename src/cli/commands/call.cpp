@@ -24,7 +24,7 @@ constexpr const char* notes =
     "  velk call DECtoBCD 59\n"
     "  velk call --simulate SoortETH\n";
 
-struct Options : LinkedOptions {
+struct CallOptions : LinkedOptions {
   std::vector<std::string> properties;
   std::string method;
   std::vector<std::string> arguments;
@@ -39,7 +39,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutCall(const CallOptions& options) {
   Call call = parseCall(options.method, options.arguments);
   const auto connection = open(options.link.find().value_or(LinkOptions()));
   for (const std::string& property : options.properties) setProperty(connection->serial(), property);
@@ -57,7 +57,7 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addCall(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "call", "Call a method, or read a property", "", carryOut);
+  addCommand<CallOptions>(velk, run, "call", "Call a method, or read a property", "", carryOutCall);
   velk.get_subcommand("call")->footer(notes);
 }
 

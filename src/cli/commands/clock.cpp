@@ -5,7 +5,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct ClockOptions : LinkedOptions {
   std::string action;
 
   void declare(CLI::App& app) {
@@ -21,7 +21,7 @@ void print(const ClockReading& reading) {
             << " (" << savingOf(reading.computer) << ")\ndeviation   " << deviationOf(reading) << '\n';
 }
 
-int carryOut(const Options& options) {
+int carryOutClock(const ClockOptions& options) {
   const auto connection = open(options.link.required());
   const ClockReading before = readClock(connection->serial());
   Json json = jsonOf(before);
@@ -39,8 +39,8 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addClock(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "clock", "Show the controller's clock beside the PC's, or set it",
-                      "  velk clock --simulate\n  velk clock set\n", carryOut);
+  addCommand<ClockOptions>(velk, run, "clock", "Show the controller's clock beside the PC's, or set it",
+                           "  velk clock --simulate\n  velk clock set\n", carryOutClock);
 }
 
 }  // namespace velk::cli

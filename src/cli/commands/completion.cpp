@@ -3,7 +3,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options {
+struct CompletionOptions {
   std::string shell;
 
   void declare(CLI::App& app) {
@@ -36,11 +36,12 @@ std::string bashScript(const CLI::App& velk) {
 }  // namespace
 
 void addCompletion(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "completion", "Print a completion script for a shell",
-                      "  source <(velk completion bash)\n", [&velk](const Options& /*options*/) {
-                        std::cout << bashScript(velk);
-                        return success;
-                      });
+  addCommand<CompletionOptions>(velk, run, "completion", "Print a completion script for a shell",
+                                "  source <(velk completion bash)\n",
+                                [&velk](const CompletionOptions& /*options*/) {
+                                  std::cout << bashScript(velk);
+                                  return success;
+                                });
 }
 
 }  // namespace velk::cli

@@ -5,7 +5,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct DiffOptions : LinkedOptions {
   std::string a;
   std::string b;
   std::vector<std::string> only;
@@ -18,7 +18,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutDiff(const DiffOptions& options) {
   const Sections sections = parseSections(options.only);
   const Backup from = loadBackup(options.a);
   Backup to;
@@ -40,12 +40,12 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addDiff(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "diff",
-                      "Tell what differs between two backups, or a backup and the controller",
-                      "  velk diff before.json after.json\n"
-                      "  velk diff --tcp 192.168.1.20:8445 house.json\n"
-                      "  velk diff house.json --only outputs,links --json\n",
-                      carryOut);
+  addCommand<DiffOptions>(velk, run, "diff",
+                          "Tell what differs between two backups, or a backup and the controller",
+                          "  velk diff before.json after.json\n"
+                          "  velk diff --tcp 192.168.1.20:8445 house.json\n"
+                          "  velk diff house.json --only outputs,links --json\n",
+                          carryOutDiff);
 }
 
 }  // namespace velk::cli

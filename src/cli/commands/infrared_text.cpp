@@ -4,7 +4,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct InfraredTextOptions : LinkedOptions {
   int number = 0;
   std::string text;
 
@@ -15,7 +15,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutInfraredText(const InfraredTextOptions& options) {
   constexpr std::size_t longest = 16;
   const Bytes text = unescaped(options.text);
   if (text.size() > longest) throw std::invalid_argument("the text has more than 16 characters");
@@ -29,8 +29,8 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addInfraredText(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "ir-text", "Store an infrared text",
-                      "  velk ir-text --simulate 3 \"Television\"\n", carryOut);
+  addCommand<InfraredTextOptions>(velk, run, "ir-text", "Store an infrared text",
+                                  "  velk ir-text --simulate 3 \"Television\"\n", carryOutInfraredText);
 }
 
 }  // namespace velk::cli

@@ -27,7 +27,7 @@ std::string listOfLanguages() {
   return text;
 }
 
-struct Options : LinkedOptions {
+struct LanguageOptions : LinkedOptions {
   std::string code;
 
   void declare(CLI::App& app) {
@@ -38,7 +38,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutLanguage(const LanguageOptions& options) {
   const auto connection = open(options.link.required());
   const Value result = connection->serial().Ctl_Lang(options.code);
   expectDone(std::get<Byte>(convert(result, Type::byte)), "writing the display texts");
@@ -49,8 +49,8 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addLanguage(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "language", "Write the display texts of a language",
-                      "  velk language --simulate E\n" + listOfLanguages(), carryOut);
+  addCommand<LanguageOptions>(velk, run, "language", "Write the display texts of a language",
+                              "  velk language --simulate E\n" + listOfLanguages(), carryOutLanguage);
 }
 
 }  // namespace velk::cli

@@ -5,7 +5,7 @@
 namespace velk::cli {
 namespace {
 
-int carryOut(const LinkedOptions& options) {
+int carryOutLinks(const LinkedOptions& options) {
   const auto connection = open(options.link.required());
   Serial& serial = connection->serial();
   Json json = Json::array();
@@ -32,7 +32,8 @@ int carryOut(const LinkedOptions& options) {
 
 void addLinks(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "links", "List the links of sources to outputs and inputs",
-                            "  velk links --simulate\n  velk links --serial /dev/ttyUSB0 --json\n", carryOut);
+                            "  velk links --simulate\n  velk links --serial /dev/ttyUSB0 --json\n",
+                            carryOutLinks);
 }
 
 }  // namespace velk::cli

@@ -4,11 +4,11 @@
 namespace velk::cli {
 namespace {
 
-struct Options {
+struct MethodsOptions {
   void declare(CLI::App& /*app*/) {}
 };
 
-int printMethods(const Options& /*options*/) {
+int printMethods(const MethodsOptions& /*options*/) {
   std::cout << listOfMethods();
   return success;
 }
@@ -16,8 +16,8 @@ int printMethods(const Options& /*options*/) {
 }  // namespace
 
 void addMethods(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "methods", "List all methods and properties", "  velk methods\n",
-                      printMethods);
+  addCommand<MethodsOptions>(velk, run, "methods", "List all methods and properties", "  velk methods\n",
+                             printMethods);
 }
 
 }  // namespace velk::cli

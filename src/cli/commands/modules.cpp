@@ -4,7 +4,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct ModulesOptions : LinkedOptions {
   std::vector<std::string> serials;
 
   void declare(CLI::App& app) {
@@ -13,7 +13,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutModules(const ModulesOptions& options) {
   const auto connection = open(options.link.required());
   Json json = Json::array();
   Table table({"Serial", "Model", "CPU", "Firmware", "Record"});
@@ -34,8 +34,9 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addModules(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "modules", "Show modules by their serial numbers",
-                      "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n", carryOut);
+  addCommand<ModulesOptions>(velk, run, "modules", "Show modules by their serial numbers",
+                             "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n",
+                             carryOutModules);
 }
 
 }  // namespace velk::cli

@@ -13,7 +13,7 @@ namespace {
 using parameters::Form;
 using parameters::Layout;
 
-struct Options : LinkedOptions {
+struct OutputOptions : LinkedOptions {
   int number = 0;
   std::vector<std::string> words;
 
@@ -93,7 +93,7 @@ void print(const Output& output) {
   table.print(std::cout, "");
 }
 
-int carryOut(const Options& options) {
+int carryOutOutput(const OutputOptions& options) {
   const bool sets = !options.words.empty();
   if (sets && (options.words.front() != "set" || options.words.size() < 2)) {
     throw std::invalid_argument("behind the output stands nothing or: set MODE ITEM=VALUE...");
@@ -114,13 +114,13 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addOutput(CLI::App& velk, Run& run) {
-  addCommand<Options>(
+  addCommand<OutputOptions>(
       velk, run, "output", "Show an output, or set its mode and items",
       "  velk output --simulate 5\n"
       "  velk output 5 set T1 3=30 4=M\n"
       "  velk output 6 set RO\n"
       "\nItems are numbered and lie as docs/outputs.md tells; those that are not given stay.\n",
-      carryOut);
+      carryOutOutput);
 }
 
 }  // namespace velk::cli

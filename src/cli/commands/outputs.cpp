@@ -4,7 +4,7 @@
 namespace velk::cli {
 namespace {
 
-int carryOut(const LinkedOptions& options) {
+int carryOutOutputs(const LinkedOptions& options) {
   const auto connection = open(options.link.required());
   Json json = Json::array();
   Table table({"Output", "Name", "Mode", "Kind"});
@@ -27,7 +27,8 @@ int carryOut(const LinkedOptions& options) {
 void addOutputs(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(
       velk, run, "outputs", "List the outputs that have a mode or a name",
-      "  velk outputs --simulate\n  VELK_LINK=tcp://192.168.1.20:8445 velk outputs --json\n", carryOut);
+      "  velk outputs --simulate\n  VELK_LINK=tcp://192.168.1.20:8445 velk outputs --json\n",
+      carryOutOutputs);
 }
 
 }  // namespace velk::cli

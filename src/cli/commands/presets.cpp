@@ -31,7 +31,7 @@ int printAll(const LinkedOptions& options) {
   return success;
 }
 
-struct Options : LinkedOptions {
+struct PresetsOptions : LinkedOptions {
   int number = 0;
 
   void declare(CLI::App& app) {
@@ -40,7 +40,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int printOne(const Options& options) {
+int printOne(const PresetsOptions& options) {
   const auto connection = open(options.link.required());
   const Preset preset = readPreset(connection->serial(), static_cast<Byte>(options.number));
   if (options.json) {
@@ -63,8 +63,8 @@ int printOne(const Options& options) {
 void addPresets(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "presets", "List the presets in use",
                             "  velk presets --simulate\n  velk presets --json\n", printAll);
-  addCommand<Options>(velk, run, "preset", "Show a preset with its records",
-                      "  velk preset --simulate 2\n  velk preset 2 --json\n", printOne);
+  addCommand<PresetsOptions>(velk, run, "preset", "Show a preset with its records",
+                             "  velk preset --simulate 2\n  velk preset 2 --json\n", printOne);
 }
 
 }  // namespace velk::cli

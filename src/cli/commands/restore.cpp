@@ -10,7 +10,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct RestoreOptions : LinkedOptions {
   std::string file;
   std::vector<std::string> only;
   bool dryRun = false;
@@ -160,7 +160,7 @@ bool agreed() {
   return answer == "y" || answer == "Y" || answer == "yes";
 }
 
-int carryOut(const Options& options) {
+int carryOutRestore(const RestoreOptions& options) {
   const Sections sections = parseSections(options.only);
   const Backup backup = loadBackup(options.file);
   if (!backup.complete) throw Failure(badFile, options.file + ": the backup is unfinished");
@@ -181,14 +181,14 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addRestore(CLI::App& velk, Run& run) {
-  addCommand<Options>(
+  addCommand<RestoreOptions>(
       velk, run, "restore", "Write a backup to the controller, where it differs",
       "  velk restore house.json --dry-run\n"
       "  velk restore --tcp 192.168.1.20:8445 house.json --only outputs,links\n"
       "  velk restore house.json --yes\n"
       "\nSections: settings outputs links texts presets switch-times simulation infrared modules.\n"
       "The clock is not restored; see \"velk clock set\".\n",
-      carryOut);
+      carryOutRestore);
 }
 
 }  // namespace velk::cli

@@ -4,7 +4,7 @@
 namespace velk::cli {
 namespace {
 
-int carryOut(const LinkedOptions& options) {
+int carryOutSimulation(const LinkedOptions& options) {
   const auto connection = open(options.link.required());
   Json json = Json::array();
   Table table({"Day", "Time", "Event"});
@@ -24,7 +24,7 @@ int carryOut(const LinkedOptions& options) {
 
 void addSimulation(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "simulation", "List the recorded events of the simulation",
-                            "  velk simulation --simulate\n  velk simulation --json\n", carryOut);
+                            "  velk simulation --simulate\n  velk simulation --json\n", carryOutSimulation);
 }
 
 }  // namespace velk::cli

@@ -59,7 +59,7 @@ Firmware readFirmware(Serial& serial) {
           .further = block.substr(clockEnd)};
 }
 
-int carryOut(const LinkedOptions& options) {
+int carryOutStatus(const LinkedOptions& options) {
   const LinkOptions link = options.link.required();
   const auto connection = open(link);
   Serial& serial = connection->serial();
@@ -93,7 +93,7 @@ int carryOut(const LinkedOptions& options) {
 void addStatus(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(
       velk, run, "status", "Show link, round-trip times, clock and firmware",
-      "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n", carryOut);
+      "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n", carryOutStatus);
 }
 
 }  // namespace velk::cli

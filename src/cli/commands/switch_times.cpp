@@ -4,7 +4,7 @@
 namespace velk::cli {
 namespace {
 
-int carryOut(const LinkedOptions& options) {
+int carryOutSwitchTimes(const LinkedOptions& options) {
   const auto connection = open(options.link.required());
   Json json = Json::array();
   Table table({"Block", "Time", "Days", "Switches"});
@@ -26,7 +26,8 @@ int carryOut(const LinkedOptions& options) {
 
 void addSwitchTimes(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "switch-times", "List the switch times",
-                            "  velk switch-times --simulate\n  velk switch-times --json\n", carryOut);
+                            "  velk switch-times --simulate\n  velk switch-times --json\n",
+                            carryOutSwitchTimes);
 }
 
 }  // namespace velk::cli

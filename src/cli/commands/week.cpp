@@ -6,7 +6,7 @@
 namespace velk::cli {
 namespace {
 
-struct Options : LinkedOptions {
+struct WeekOptions : LinkedOptions {
   std::string svg;
   std::string html;
 
@@ -17,7 +17,7 @@ struct Options : LinkedOptions {
   }
 };
 
-int carryOut(const Options& options) {
+int carryOutWeek(const WeekOptions& options) {
   const auto connection = open(options.link.required());
   const Week week = readWeek(connection->serial());
   if (!options.svg.empty()) saveText(options.svg, svgOf(week));
@@ -33,8 +33,8 @@ int carryOut(const Options& options) {
 }  // namespace
 
 void addWeek(CLI::App& velk, Run& run) {
-  addCommand<Options>(velk, run, "week", "Show the week: switch times and simulation",
-                      "  velk week --simulate\n  velk week --html week.html\n", carryOut);
+  addCommand<WeekOptions>(velk, run, "week", "Show the week: switch times and simulation",
+                          "  velk week --simulate\n  velk week --html week.html\n", carryOutWeek);
 }
 
 }  // namespace velk::cli
