@@ -38,7 +38,7 @@ Bytes slashFrame(const Request& r, Byte busAddress) {
 
 Bytes frameFor(const Request& request, const Settings& settings) {
   if (!settings.NoEcho) return echoFrame(request);
-  if (settings.TCP && settings.SoortETH == "Q") return slashFrame(request, settings.SerAddress);
+  if (settings.TCP && settings.isKindQ()) return slashFrame(request, settings.SerAddress);
   return fastFrame(request, settings.SerAddress);
 }
 

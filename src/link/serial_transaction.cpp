@@ -68,7 +68,7 @@ class SerialTransaction {
     Bytes received;
     host_.port().write({&sent, 1});
     host_.yield();
-    await(host_, Deadline(host_, echoTime), Source::port, Messages::held, [&] {
+    await(host_, echoTime, Source::port, Messages::held, [&] {
       received = host_.port().read();
       return !received.empty();
     });

@@ -23,6 +23,8 @@ struct Settings {
 
   /// The kind of Ethernet interface, from its greeting: "Q" (with login) or "S".
   std::string SoortETH = "Q";
+
+  [[nodiscard]] bool isKindQ() const { return SoortETH.size() == 1 && SoortETH.front() == 'Q'; }
 };
 
 }  // namespace velk::link

@@ -69,15 +69,14 @@ Bytes requestS(const TcpRequest& request) {
   return text;
 }
 
-Bytes replyQ(const TcpRequest& request, std::string_view sent, Bytes reply) {
+Bytes replyQ(const TcpRequest& request, Bytes sent, std::string_view reply) {
   if (slice(reply, 0, comparedQ) != slice(sent, 0, comparedQ)) return one(echoFault);
-  if (answeredByOneByte(request.function)) return one(byteAt(reply, 11));
   if (request.function == tcpMemory) {
     const std::size_t length = byteAt(reply, 10) * std::size_t{256} + byteAt(reply, 11);
-    reply.erase(0, headerQ);
-    if (reply.size() > length) reply.resize(length);
-    return reply;
+    sent = slice(reply, headerQ, length);
+    return sent;
   }
+  if (answeredByOneByte(request.function)) return one(byteAt(reply, 11));
   if (byteAt(reply, 10) != 0) return one(byteAt(reply, 11));
   return one(0).append(slice(reply, headerQ));
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string_view>
 
 #include "values/bytes.h"
@@ -30,9 +29,9 @@ Bytes requestQ(const TcpRequest& request);
 /// The request as any other kind takes it: length, function class, zeros, data.
 Bytes requestS(const TcpRequest& request);
 
-/// What a reply of kind "Q" carries, or a one-byte error code. `sent` is the request as bytes. A reply too
-/// short for its own fields is run-time error 5.
-Bytes replyQ(const TcpRequest& request, std::string_view sent, Bytes reply);
+/// What a reply of kind "Q" carries, or a one-byte error code. `sent` is the request as bytes; its memory
+/// serves for the result. A reply too short for its own fields is run-time error 5.
+Bytes replyQ(const TcpRequest& request, Bytes sent, std::string_view reply);
 
 /// The same for any other kind.
 Bytes replyS(const TcpRequest& request, std::string_view reply);

@@ -16,22 +16,25 @@ Seconds replyTime(platform::Host& host, Byte attempts) {
 
 Bytes exchange(Link link, const TcpRequest& request) {
   platform::Socket& socket = link.host.socket();
-  const bool kindQ = link.settings.SoortETH == "Q";
+  const bool kindQ = link.settings.isKindQ();
   socket.receive();
-  const Bytes sent = kindQ ? requestQ(request) : requestS(request);
+  Bytes sent = kindQ ? requestQ(request) : requestS(request);
   socket.send(sent);
-  Bytes reply = fetchWithin(link.host, replyTime(link.host, request.attempts));
+  const std::string_view reply = fetchWithin(link.host, replyTime(link.host, request.attempts));
   if (reply.empty()) return Bytes(1, character(noReply));
-  return kindQ ? replyQ(request, sent, std::move(reply)) : replyS(request, reply);
+  return kindQ ? replyQ(request, std::move(sent), reply) : replyS(request, reply);
 }
 
 }  // namespace
 
-Bytes fetchWithin(platform::Host& host, Seconds longest) {
+std::string_view fetchWithin(platform::Host& host, Seconds longest) {
   platform::Socket& socket = host.socket();
-  await(host, Deadline(host, longest), platform::Source::socket, platform::Messages::dispatched,
-        [&] { return socket.hasData() || socket.isDead(); });
-  return socket.hasData() ? socket.receive() : Bytes();
+  bool arrived = false;
+  await(host, longest, platform::Source::socket, platform::Messages::dispatched, [&] {
+    arrived = socket.hasData();
+    return arrived || socket.isDead();
+  });
+  return arrived ? socket.receive() : std::string_view();
 }
 
 Bytes tranceivTcp(Link link, const TcpRequest& request) {

@@ -10,22 +10,29 @@ constexpr double day = 86400;
 
 }  // namespace
 
-Deadline::Deadline(platform::Host& host, Seconds delay)
-    : host_(host),
-      end_(host.clock() + static_cast<float>(delay.count())),
-      steadyEnd_(host.steady() + std::chrono::round<std::chrono::nanoseconds>(delay)) {}
+Deadline::Deadline(platform::Host& host, Seconds delay) : host_(host) {
+  const float clock = host.clock();
+  const auto steady = host.steady();
+  end_ = clock + static_cast<float>(delay.count());
+  steadyEnd_ = steady + std::chrono::duration_cast<std::chrono::nanoseconds>(delay);
+  whole_ = restAt(clock, steady);
+}
 
 std::chrono::nanoseconds Deadline::remaining() const {
-  const float clock = host_.clock();
+  return restAt(host_.clock(), host_.steady());
+}
+
+std::chrono::nanoseconds Deadline::restAt(float clock, std::chrono::nanoseconds steady) const {
   if (clock <= guard || clock >= end_) return {};
-  // A wait that spans midnight has to wake there to meet the guard.
-  const auto untilMidnight =
-      std::chrono::ceil<std::chrono::milliseconds>(Seconds(day - clock)) + std::chrono::milliseconds(1);
-  return std::clamp<std::chrono::nanoseconds>(steadyEnd_ - host_.steady(), {}, untilMidnight);
+  const auto rest = std::max(steadyEnd_ - steady, std::chrono::nanoseconds::zero());
+  const Seconds untilMidnight(day - clock);
+  if (rest < untilMidnight) return rest;
+  // The wait has to wake at midnight to meet the guard.
+  return std::chrono::ceil<std::chrono::milliseconds>(untilMidnight) + std::chrono::milliseconds(1);
 }
 
 void pause(platform::Host& host, Seconds delay, platform::Messages messages) {
-  await(host, Deadline(host, delay), platform::Source::nothing, messages, [] { return false; });
+  await(host, delay, platform::Source::nothing, messages, [] { return false; });
 }
 
 }  // namespace velk::link

@@ -18,27 +18,47 @@ class Deadline {
  public:
   Deadline(platform::Host& host, Seconds delay);
 
+  /// What `remaining` was at the start: clocks are read once less.
+  [[nodiscard]] std::chrono::nanoseconds whole() const { return whole_; }
+
   /// The time until the wait is over; 0 when it is.
   [[nodiscard]] std::chrono::nanoseconds remaining() const;
 
   [[nodiscard]] bool passed() const { return remaining() == std::chrono::nanoseconds::zero(); }
 
  private:
+  [[nodiscard]] std::chrono::nanoseconds restAt(float clock, std::chrono::nanoseconds steady) const;
+
   platform::Host& host_;
   float end_;
   std::chrono::nanoseconds steadyEnd_;
+  std::chrono::nanoseconds whole_;
 };
 
 /// Waits until done() holds. It is asked each time the source may have news, and once more when the deadline
 /// has passed.
 template <class Done>
+void await(platform::Host& host, const Deadline& deadline, std::chrono::nanoseconds rest,
+           platform::Source source, platform::Messages messages, Done done) {
+  for (;; rest = deadline.remaining()) {
+    host.block(source, rest, messages);
+    if (done() || rest.count() == 0) return;
+  }
+}
+
+/// The same for a deadline that has been running for a while.
+template <class Done>
 void await(platform::Host& host, const Deadline& deadline, platform::Source source,
            platform::Messages messages, Done done) {
-  std::chrono::nanoseconds rest{};
-  do {
-    rest = deadline.remaining();
-    host.block(source, rest, messages);
-  } while (!done() && rest.count() > 0);
+  await(host, deadline, deadline.remaining(), source, messages, done);
+}
+
+/// The same for a delay that starts now.
+template <class Done>
+void await(platform::Host& host, Seconds delay, platform::Source source, platform::Messages messages,
+           Done done) {
+  const Deadline deadline(host, delay);
+  await(host, deadline, deadline.whole(), source, messages, done);
 }
 
 /// Waits out a delay.

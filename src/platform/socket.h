@@ -26,15 +26,15 @@ class Socket {
   /// Whether the socket is in use.
   [[nodiscard]] virtual bool isOpen() const = 0;
 
-  /// Whether `Host::block` has seen received bytes since the last `receive`.
+  /// Whether `Host::block` has seen bytes that `receive` has not given out.
   [[nodiscard]] virtual bool hasData() const = 0;
 
   /// Whether nothing more can come: never connected, refused, or the peer has hung up.
   [[nodiscard]] virtual bool isDead() const = 0;
 
-  /// Everything received and not fetched yet; empty when nothing is waiting. Error 40006 when the socket is
-  /// not connected.
-  virtual Bytes receive() = 0;
+  /// Everything received and not given out yet, valid until the next call of `receive`, `block` or `close`;
+  /// empty when nothing is waiting. Error 40006 when the socket is not connected.
+  virtual std::string_view receive() = 0;
 
   /// Sends the bytes. Error 40006 when the socket is not connected.
   virtual void send(std::string_view bytes) = 0;

@@ -138,11 +138,11 @@ class LoopbackHost::Connection final : public platform::Socket {
   [[nodiscard]] bool hasData() const override { return line_ && line_->hasArrived(); }
   [[nodiscard]] bool isDead() const override { return !line_; }
 
-  Bytes receive() override {
+  std::string_view receive() override {
     if (!line_) throw RuntimeError(RuntimeError::badSocketState);
-    Bytes bytes = line_->take();
+    received_ = line_->take();
     if (line_->hasEnded()) line_.reset();
-    return bytes;
+    return received_;
   }
 
   void send(std::string_view bytes) override {
@@ -156,6 +156,7 @@ class LoopbackHost::Connection final : public platform::Socket {
   LoopbackHost& host_;
   bool inUse_ = false;
   std::unique_ptr<Line> line_;
+  Bytes received_;
 };
 
 LoopbackHost::LoopbackHost()

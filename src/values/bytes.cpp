@@ -1,7 +1,5 @@
 #include "values/bytes.h"
 
-#include <algorithm>
-
 #include "values/runtime_error.h"
 
 namespace velk {
@@ -9,10 +7,6 @@ namespace velk {
 Byte byteAt(std::string_view text, std::size_t index) {
   if (index >= text.size()) throw RuntimeError(RuntimeError::invalidArgument);
   return byteValue(text[index]);
-}
-
-std::string_view slice(std::string_view text, std::size_t index, std::size_t count) {
-  return text.substr(std::min(index, text.size()), count);
 }
 
 Bytes padded(std::string_view text, std::size_t size, char fill) {

@@ -26,7 +26,10 @@ constexpr Byte byteValue(char c) {
 Byte byteAt(std::string_view text, std::size_t index);
 
 /// Up to `count` bytes from `index` (from 0) on; fewer, or none, where the string ends earlier.
-std::string_view slice(std::string_view text, std::size_t index, std::size_t count = std::string_view::npos);
+constexpr std::string_view slice(std::string_view text, std::size_t index,
+                                 std::size_t count = std::string_view::npos) {
+  return index < text.size() ? text.substr(index, count) : std::string_view();
+}
 
 /// The text cut, or padded on the right with `fill`, to exactly `size` bytes.
 Bytes padded(std::string_view text, std::size_t size, char fill = ' ');

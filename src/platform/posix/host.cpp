@@ -1,9 +1,8 @@
 #include "platform/host.h"
 
-#include <poll.h>
-
 #include <ctime>
 
+#include "platform/posix/poll.h"
 #include "platform/posix/port.h"
 #include "platform/posix/socket.h"
 
@@ -12,13 +11,18 @@ namespace {
 
 using std::chrono::nanoseconds;
 
+timespec timeOf(clockid_t clock) {
+  timespec now;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the call, which cannot fail
+  clock_gettime(clock, &now);
+  return now;
+}
+
 /// Local time of day. What the time zone adds to UTC only ever changes at a quarter of an hour, so it is
 /// asked for once in each.
 class TimeOfDay {
  public:
   float seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
+    const timespec now = timeOf(CLOCK_REALTIME);
     if (now.tv_sec < from_ || now.tv_sec >= from_ + quarter) refresh(now.tv_sec);
     return static_cast<float>(static_cast<double>(now.tv_sec - midnight_) +
                               static_cast<double>(now.tv_nsec) * 1e-9);
@@ -43,29 +47,24 @@ class PosixHost final : public Host {
  public:
   float clock() override { return timeOfDay_.seconds(); }
 
-  nanoseconds steady() override { return std::chrono::steady_clock::now().time_since_epoch(); }
+  nanoseconds steady() override {
+    const timespec now = timeOf(CLOCK_MONOTONIC);
+    return std::chrono::seconds(now.tv_sec) + nanoseconds(now.tv_nsec);
+  }
 
   /// There is no message loop here.
   void yield() override {}
 
   void block(Source source, nanoseconds longest, Messages /*messages*/) override {
-    pollfd watched = interest(source);
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(longest);
-    const timespec limit{.tv_sec = seconds.count(), .tv_nsec = (longest - seconds).count()};
-    const bool news = ppoll(&watched, watched.fd < 0 ? 0 : 1, &limit, nullptr) > 0;
-    if (news && source == Source::socket) socket_.advance(watched.revents);
+    if (source == Source::socket) return socket_.wait(longest);
+    pollfd watched{.fd = source == Source::port ? port_.descriptor() : -1, .events = POLLIN, .revents = 0};
+    poll(watched, longest);
   }
 
   SerialPort& port() override { return port_; }
   Socket& socket() override { return socket_; }
 
  private:
-  [[nodiscard]] pollfd interest(Source source) const {
-    if (source == Source::socket) return socket_.interest();
-    const int fd = source == Source::port ? port_.descriptor() : -1;
-    return {.fd = fd, .events = POLLIN, .revents = 0};
-  }
-
   TimeOfDay timeOfDay_;
   PosixSerialPort port_;
   PosixSocket socket_;

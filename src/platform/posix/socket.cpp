@@ -1,21 +1,29 @@
 #include "platform/posix/socket.h"
 
+#include <fcntl.h>
 #include <netinet/tcp.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <utility>
 
 #include "platform/devices.h"
+#include "platform/posix/poll.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
 namespace {
 
 /// How long a peer may refuse to take anything.
-constexpr int sendPatience = 2000;  // ms
+constexpr std::chrono::seconds sendPatience(2);
 
-constexpr std::size_t bufferSize = 8192;
+/// More than any reply; it grows when a peer has sent more.
+constexpr std::size_t bufferSize = 1024;
+
+/// A receiving call may block this much shorter than a wait, and does not block for waits shorter than that.
+/// So the time-out of the socket can stay as it is from one transaction to the next, and what is left of a
+/// wait is left to a poll, whose clock is finer.
+constexpr std::chrono::milliseconds receiveTolerance(20);
 
 }  // namespace
 
@@ -32,29 +40,17 @@ void PosixSocket::close() {
   fd_.reset();
   lookup_.reset();
   candidates_.clear();
-  hasData_ = false;
+  arrived_ = 0;
   state_ = State::closed;
   deviceClosed();
 }
 
-Bytes PosixSocket::receive() {
-  requireConnected();
-  hasData_ = false;
-  std::array<char, bufferSize> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by recv
-  Bytes all;
-  for (;;) {
-    const auto n = ::recv(fd_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
-    const std::string_view piece(buffer.data(), n > 0 ? static_cast<std::size_t>(n) : 0);
-    // Nearly always all there is: made in one step.
-    if (all.empty()) {
-      all = Bytes(piece);
-    } else {
-      all += piece;
-    }
-    const bool ended = n == 0 || (n < 0 && errno != EAGAIN && errno != EINTR);
-    if (ended) die();
-    if (n < static_cast<ssize_t>(buffer.size())) return all;
+std::string_view PosixSocket::receive() {
+  if (arrived_ == 0) {
+    requireConnected();
+    take(MSG_DONTWAIT);
   }
+  return {buffer_.data(), std::exchange(arrived_, 0)};
 }
 
 void PosixSocket::send(std::string_view bytes) {
@@ -67,10 +63,21 @@ void PosixSocket::send(std::string_view bytes) {
     }
     pollfd ready{.fd = fd_.get(), .events = POLLOUT, .revents = 0};
     const bool busy = n < 0 && (errno == EAGAIN || errno == EINTR);
-    if (!busy || poll(&ready, 1, sendPatience) == 0) {
+    if (!busy || !poll(ready, sendPatience)) {
       die();
       throw RuntimeError(RuntimeError::badSocketState);
     }
+  }
+}
+
+void PosixSocket::wait(std::chrono::nanoseconds longest) {
+  if (state_ == State::connected && longest > receiveTolerance) {
+    // The usual case, in one call: polling first would be a second one.
+    setReceiveTime(longest);
+    take(0);
+  } else {
+    pollfd watched = interest();
+    if (poll(watched, longest)) advance(watched.revents);
   }
 }
 
@@ -105,7 +112,7 @@ void PosixSocket::advance(short events) {
       connectNext();
     }
   } else if (state_ == State::connected && events != 0) {
-    hasData_ = true;
+    take(MSG_DONTWAIT);
   }
 }
 
@@ -133,6 +140,33 @@ void PosixSocket::connected() {
   state_ = State::connected;
   const int on = 1;
   setsockopt(fd_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  fcntl(fd_.get(), F_SETFL, 0);
+  receiveTime_ = {};
+  buffer_.resize(bufferSize);
+}
+
+void PosixSocket::setReceiveTime(std::chrono::nanoseconds longest) {
+  if (receiveTime_ <= longest && receiveTime_ + receiveTolerance >= longest) return;
+  receiveTime_ = longest - receiveTolerance / 2;
+  const auto time = std::chrono::duration_cast<std::chrono::microseconds>(receiveTime_).count();
+  constexpr int million = 1'000'000;
+  const timeval limit{.tv_sec = time / million, .tv_usec = time % million};
+  setsockopt(fd_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+}
+
+/// Adds what has come to the buffer; the first call blocks unless the flags say otherwise.
+void PosixSocket::take(int flags) {
+  for (;;) {
+    const auto n = ::recv(fd_.get(), buffer_.data() + arrived_, buffer_.size() - arrived_, flags);
+    if (n <= 0) {
+      if (n == 0 || (errno != EAGAIN && errno != EINTR)) die();
+      return;
+    }
+    arrived_ += static_cast<std::size_t>(n);
+    if (arrived_ < buffer_.size()) return;
+    buffer_.resize(2 * buffer_.size());
+    flags = MSG_DONTWAIT;
+  }
 }
 
 void PosixSocket::die() {

@@ -2,6 +2,7 @@
 
 #include <poll.h>
 
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -22,30 +23,33 @@ class PosixSocket final : public Socket {
   void connect(const std::string& host, std::uint16_t port) override;
   void close() override;
   [[nodiscard]] bool isOpen() const override { return state_ != State::closed; }
-  [[nodiscard]] bool hasData() const override { return hasData_; }
+  [[nodiscard]] bool hasData() const override { return arrived_ > 0; }
   [[nodiscard]] bool isDead() const override { return state_ == State::closed || state_ == State::dead; }
-  Bytes receive() override;
+  std::string_view receive() override;
   void send(std::string_view bytes) override;
 
-  /// What to poll for; a descriptor of -1 is nothing.
-  [[nodiscard]] pollfd interest() const;
-
-  /// Carries on with what a poll has seen.
-  void advance(short events);
+  /// Waits for news, and carries on with it.
+  void wait(std::chrono::nanoseconds longest);
 
  private:
   enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
 
   void requireConnected() const;
+  [[nodiscard]] pollfd interest() const;
+  void advance(short events);
+  void setReceiveTime(std::chrono::nanoseconds longest);
+  void take(int flags);
   void connectNext();
   void connected();
   void die();
 
   State state_ = State::closed;
-  bool hasData_ = false;
   std::optional<Lookup> lookup_;
   std::vector<SocketAddress> candidates_;  ///< addresses not tried yet, the next one last
   Fd fd_;
+  std::chrono::nanoseconds receiveTime_{};  ///< how long a receiving call blocks
+  Bytes buffer_;
+  std::size_t arrived_ = 0;  ///< bytes in the buffer that have not been given out
 };
 
 }  // namespace velk::platform

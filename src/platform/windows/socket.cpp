@@ -60,20 +60,20 @@ void WindowsSocket::close() {
   deviceClosed();
 }
 
-Bytes WindowsSocket::receive() {
+std::string_view WindowsSocket::receive() {
   requireConnected();
   hasData_ = false;
-  Bytes all;
+  received_.clear();
   while (reading_.state() != Transfer::State::running) {
     const bool ended = reading_.state() != Transfer::State::done || reading_.bytes().empty();
     if (ended) {
       die();
-      return all;
+      break;
     }
-    all += reading_.bytes();
+    received_ += reading_.bytes();
     reading_.receive(socket_.get(), bufferSize);
   }
-  return all;
+  return received_;
 }
 
 void WindowsSocket::send(std::string_view bytes) {

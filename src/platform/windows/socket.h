@@ -42,7 +42,7 @@ class WindowsSocket final : public Socket {
   [[nodiscard]] bool isOpen() const override { return state_ != State::closed; }
   [[nodiscard]] bool hasData() const override { return hasData_; }
   [[nodiscard]] bool isDead() const override { return state_ == State::closed || state_ == State::dead; }
-  Bytes receive() override;
+  std::string_view receive() override;
   void send(std::string_view bytes) override;
 
   /// What to wait for; null is nothing.
@@ -66,6 +66,7 @@ class WindowsSocket final : public Socket {
   std::vector<SocketAddress> candidates_;  ///< addresses not tried yet, the next one last
   UniqueSocket socket_;
   Handle connectEvent_;
+  Bytes received_;
   Transfer reading_;  ///< always running while connected: what comes goes there first
 };
 
