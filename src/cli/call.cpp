@@ -50,8 +50,14 @@ class Arguments {
     put(position_++, word);
   }
 
-  /// In the types of the parameters, with defaults for those left out.
+  /// In the types of the parameters, with defaults for those left out. A place for a result needs no value:
+  /// there are no variables here that it could come from.
   std::vector<Value> complete() {
+    for (std::size_t i = 0; i < method_.count; ++i) {
+      if (given_.at(i) || !method_.slots[i].inOut) continue;
+      values_[i] = defaultOf(method_.slots[i]);
+      given_[i] = true;
+    }
     if (const auto fault = velk::complete(method_, values_, std::span(given_).first(method_.count))) {
       throw std::invalid_argument(faultText(method_, *fault));
     }

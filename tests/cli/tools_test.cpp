@@ -9,7 +9,7 @@ namespace velk::cli {
 namespace {
 
 TEST(VelkTest, PrintsTheResultAndWhatWasWrittenBack) {
-  const Ended read = call({"--simulate", "Ctl_Param", "R", "5", "", "Aantal=3"});
+  const Ended read = call({"--simulate", "Ctl_Param", "R", "5", "Aantal=3"});
   EXPECT_EQ(read.status, 0);
   EXPECT_EQ(read.text, "0  (done)\nMode=T1\nParameters=\\x05\\x01\\x03\nAantal=3\n");
   const Ended bad = call({"--simulate", "ctl_param", "address=0", "ReadOrWrite=R", "Mode="});
@@ -23,6 +23,9 @@ TEST(VelkTest, TransactionsEndByTheirStatusAndValuesWell) {
   EXPECT_EQ(reply.text, "\\x00Hall  (done)\n");
   EXPECT_EQ(call({"--simulate", "--set", "SerAddress=9", "ReadCom", "1", "5", "1", "V"}).text,
             "\\xfc  (no reply, or one of a wrong length)\n");
+  const Ended record = call({"--simulate", "Module", "R", "090255"});
+  EXPECT_NE(record.text.find("Data=\\x05\\x01"), std::string::npos) << "results need no arguments";
+  EXPECT_NE(record.text.find("CPUtype=48\nFWVersie=1.0\n"), std::string::npos) << record.text;
   EXPECT_EQ(call({"DECtoBCD", "59"}).text, "89\n");
   EXPECT_EQ(call({"DECtoBCD", "59"}).status, 0);
   EXPECT_EQ(call({"LdZr", "-7", "3"}).text, "007\n");

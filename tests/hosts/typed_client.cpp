@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 
+#include "client.h"
 #include "component/windows/identifiers.h"
-#include "dispatch.h"
 
 // The interface needs the automation types first.
 #include <ocidl.h>
@@ -22,19 +21,6 @@ class Apartment : public testing::Environment {
   void TearDown() override { CoUninitialize(); }
 };
 const auto* const apartment = testing::AddGlobalTestEnvironment(new Apartment);
-
-/// A TCP port that the runner tells; ports above 32767 are negative numbers to the component.
-int portFrom(const char* variable) {
-  const char* const text = std::getenv(variable);
-  return text == nullptr ? 0 : static_cast<short>(std::atoi(text));
-}
-
-class Client : public testing::Test {
- protected:
-  void SetUp() override { ASSERT_NE(object_.dispatch(), nullptr) << "is the component registered?"; }
-
-  Object object_;
-};
 
 /// The component's own entry points.
 class Server {
@@ -366,93 +352,6 @@ TEST_F(Client, leavesUnchangedVariablesAlone) {
   EXPECT_EQ(variant.vt, VT_R8);
   EXPECT_EQ(object_.call(L"OpenTCP", {L"127.0.0.1", 1, Var::omitted(), 5}).value.bVal, 252);
   object_.call(L"CloseTCP", {});
-}
-
-int ticks = 0;
-
-void CALLBACK countTick(HWND, UINT, UINT_PTR, DWORD) {
-  ++ticks;
-}
-
-TEST_F(Client, waitingKeepsTheHostAlive) {
-  ticks = 0;
-  const UINT_PTR timer = SetTimer(nullptr, 0, 50, countTick);
-  // A peer that says nothing: waiting for its greeting takes the whole time.
-  const int port = portFrom("VELK_SILENT_PORT");
-  const ULONGLONG start = GetTickCount64();
-  EXPECT_EQ(object_.call(L"OpenTCP", {L"127.0.0.1", port}).value.bVal, 252);
-  EXPECT_GE(GetTickCount64() - start, 1450U);
-  EXPECT_GT(ticks, 10);
-  KillTimer(nullptr, timer);
-  object_.call(L"CloseTCP", {});
-
-  PostQuitMessage(7);
-  FILETIME ignored{};
-  ULARGE_INTEGER before{};
-  ULARGE_INTEGER after{};
-  GetProcessTimes(GetCurrentProcess(), &ignored, &ignored, &ignored, reinterpret_cast<FILETIME*>(&before));
-  object_.call(L"OpenTCP", {L"127.0.0.1", port});
-  GetProcessTimes(GetCurrentProcess(), &ignored, &ignored, &ignored, reinterpret_cast<FILETIME*>(&after));
-  EXPECT_LT(after.QuadPart - before.QuadPart, 2'000'000U) << "0.2 s of processor time";
-  object_.call(L"CloseTCP", {});
-  MSG message{};
-  EXPECT_NE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE), 0);
-  EXPECT_EQ(message.wParam, 7U);
-}
-
-/// Against a simulated controller, whose port the runner tells.
-TEST_F(Client, resultsInTheCallersTypes) {
-  BSTR passWord = SysAllocString(L"pass");
-  ASSERT_EQ(
-      object_.call(L"OpenTCP", {L"localhost", portFrom("VELK_TCP_PORT"), Var::reference(VT_BSTR, &passWord)})
-          .value.bVal,
-      0);
-  SysFreeString(passWord);
-  const auto read = [&](const Var& mode, const Var& items, const Var& count) {
-    const Outcome outcome = object_.call(L"Ctl_Param", {L"R", 5, mode, items, count});
-    EXPECT_EQ(outcome.value.vt, SUCCEEDED(outcome.code) ? VT_UI1 : VT_EMPTY);
-    EXPECT_EQ(outcome.value.bVal, 0);
-    return outcome.code;
-  };
-  BSTR mode = nullptr;
-  BSTR items = nullptr;
-  short count = 255;
-  EXPECT_EQ(
-      read(Var::reference(VT_BSTR, &mode), Var::reference(VT_BSTR, &items), Var::reference(VT_I2, &count)),
-      S_OK);
-  ASSERT_LT(count, 255);
-  EXPECT_EQ(SysStringLen(mode), 2U);
-  EXPECT_EQ(SysStringLen(items), static_cast<UINT>(count));
-
-  double real = 255;
-  EXPECT_EQ(read(Var(), Var(), Var::reference(VT_R8, &real)), S_OK);
-  EXPECT_EQ(real, count);
-  Var text(L"255");
-  EXPECT_EQ(read(Var(), Var(), Var::reference(text)), S_OK);
-  EXPECT_EQ(text.text(), std::to_wstring(count)) << "a text stays a text";
-  Var number(5);
-  EXPECT_EQ(read(Var::reference(number), Var(), 255), S_OK);
-  EXPECT_EQ(number.text(), Var::textOf(mode)) << "a number cannot hold a mode";
-  short wrong = 5;
-  EXPECT_EQ(read(Var::reference(VT_I2, &wrong), Var(), 255), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(wrong, 5);
-  SysFreeString(mode);
-  SysFreeString(items);
-  EXPECT_EQ(object_.call(L"CloseTCP", {}).value.bVal, 0);
-}
-
-/// The same output over a serial line, in both modes; the runner links the ports to the controller's lines.
-TEST_F(Client, readsOverASerialLine) {
-  for (const bool fast : {false, true}) {
-    ASSERT_EQ(object_.call(L"OpenCom", {portFrom(fast ? "VELK_FAST_PORT" : "VELK_ECHO_PORT"), 9600, fast})
-                  .value.bVal,
-              0);
-    BSTR mode = nullptr;
-    EXPECT_EQ(object_.call(L"Ctl_Param", {L"R", 5, Var::reference(VT_BSTR, &mode)}).value.bVal, 0);
-    EXPECT_EQ(Var::textOf(mode), L"T1");
-    SysFreeString(mode);
-    EXPECT_EQ(object_.call(L"CloseCom", {}).value.bVal, 0);
-  }
 }
 
 }  // namespace

@@ -14,41 +14,41 @@ namespace {
 constexpr int mostReferences = 4;
 
 template <class Plain, class As>
-Value load(const void* data) {
-  return static_cast<As>(*static_cast<const Plain*>(data));
+void load(const void* data, Value& into) {
+  into = static_cast<As>(*static_cast<const Plain*>(data));
 }
 
-Value loadNothing(const void* /*data*/) {
-  return {};
+void loadNothing(const void* /*data*/, Value& into) {
+  into = {};
 }
 
 /// Through the shortest decimal text, so that 0.1 stays 0.1 in double precision.
-Value loadSingle(const void* data) {
+void loadSingle(const void* data, Value& into) {
   std::array<char, 32> text{};
   const auto* const end = std::to_chars(text.begin(), text.end(), *static_cast<const float*>(data)).ptr;
   double number = 0;
   std::from_chars(text.begin(), end, number);
-  return number;
+  into = number;
 }
 
-Value loadCurrency(const void* data) {
+void loadCurrency(const void* data, Value& into) {
   constexpr double unit = 10000;
-  return static_cast<double>(static_cast<const CY*>(data)->int64) / unit;
+  into = static_cast<double>(static_cast<const CY*>(data)->int64) / unit;
 }
 
-Value loadText(const void* data) {
-  return bytesOf(*static_cast<const BSTR*>(data));
+void loadText(const void* data, Value& into) {
+  into = bytesOf(*static_cast<const BSTR*>(data));
 }
 
-Value loadTruth(const void* data) {
-  return *static_cast<const VARIANT_BOOL*>(data) != VARIANT_FALSE;
+void loadTruth(const void* data, Value& into) {
+  into = *static_cast<const VARIANT_BOOL*>(data) != VARIANT_FALSE;
 }
 
-Value loadDecimal(const void* data) {
+void loadDecimal(const void* data, Value& into) {
   DECIMAL decimal = *static_cast<const DECIMAL*>(data);
   double number = 0;
   VarR8FromDec(&decimal, &number);
-  return number;
+  into = number;
 }
 
 /// A variant that is cleared at the end.
@@ -60,7 +60,7 @@ struct OwnedVariant : VARIANT {
 };
 
 /// The default property of an object, such as a field of a record set.
-Value loadObject(const void* data) {
+void loadObject(const void* data, Value& into) {
   auto* const object = *static_cast<IDispatch* const*>(data);
   OwnedVariant result;
   DISPPARAMS none{};
@@ -70,12 +70,12 @@ Value loadObject(const void* data) {
       result.vt == VT_DISPATCH) {
     throw RuntimeError(RuntimeError::typeMismatch);
   }
-  return Argument(result).value();
+  Argument(result).load(into);
 }
 
 /// One type of the automation variables.
 struct Form {
-  Value (*load)(const void*) = nullptr;
+  void (*load)(const void*, Value&) = nullptr;
   std::size_t size = 0;  ///< of a variable; 0 when results cannot be written there
 };
 
@@ -188,10 +188,10 @@ bool Argument::omitted() const {
   return type_ == VT_ERROR && data_ != nullptr && *static_cast<const SCODE*>(data_) == DISP_E_PARAMNOTFOUND;
 }
 
-Value Argument::value() const {
+void Argument::load(Value& into) const {
   const Form& form = formOf(type_);
   if (form.load == nullptr || data_ == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
-  return form.load(data_);
+  form.load(data_, into);
 }
 
 HRESULT Argument::assign(const Value& value) const {

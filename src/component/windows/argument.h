@@ -17,8 +17,8 @@ class Argument {
   /// Whether the host left the argument out between others.
   [[nodiscard]] bool omitted() const;
 
-  /// Run-time error 13 (type mismatch) for a kind of value that no method takes.
-  [[nodiscard]] Value value() const;
+  /// Fetches the value. Run-time error 13 (type mismatch) for a kind of value that no method takes.
+  void load(Value& into) const;
 
   /// Writes a result into the caller's variable and in its type; a variant that cannot hold the value in its
   /// present type takes the value's. Nothing happens to an argument passed by value. Returns S_OK,

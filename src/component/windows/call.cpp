@@ -51,7 +51,7 @@ HRESULT Call::load() {
     given_[i] = !argument.omitted();
     if (!given_[i]) continue;
     try {
-      values_[i] = argument.value();
+      argument.load(values_[i]);
     } catch (const RuntimeError& error) {
       if (error.number() != RuntimeError::typeMismatch) throw;
       return failed(DISP_E_TYPEMISMATCH, i);
@@ -67,7 +67,8 @@ HRESULT Call::giveBack() {
     if (!parameter.inOut || !given_[i]) continue;
     const Argument argument(*sources_[i]);
     // A variable that holds the value already keeps its type; one that holds nothing yet does not.
-    const Value before = argument.value();
+    Value before;
+    argument.load(before);
     const bool empty = std::holds_alternative<std::monostate>(before);
     if (!empty && convert(before, parameter.type) == values_[i]) continue;
     const HRESULT written = argument.assign(values_[i]);

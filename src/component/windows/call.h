@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <memory>
 #include <optional>
 
 #include "component/methods.h"
@@ -8,12 +10,29 @@
 
 namespace velk::com {
 
+/// The argument slots of one call. Only as many as it has are made: a slot costs more than a simple call.
+class Slots {
+ public:
+  explicit Slots(std::size_t count) : count_(count) { std::uninitialized_value_construct_n(data(), count); }
+  ~Slots() { std::destroy_n(data(), count_); }
+  Slots(const Slots&) = delete;
+  Slots& operator=(const Slots&) = delete;
+
+  [[nodiscard]] Value* data() { return reinterpret_cast<Value*>(memory_.data()); }
+  Value& operator[](std::size_t index) { return data()[index]; }
+
+ private:
+  alignas(Value) std::array<std::byte, mostParameters * sizeof(Value)> memory_;
+  std::size_t count_;
+};
+
 /// One call of a method through the dispatch interface: the arguments on their way to the method, and its
 /// results on their way back. A step that fails returns an automation error code (DISP_E_...); run-time
 /// errors are raised.
 class Call {
  public:
-  Call(const Method& method, const DISPPARAMS& passed) : method_(method), passed_(passed) {}
+  Call(const Method& method, const DISPPARAMS& passed)
+      : method_(method), passed_(passed), values_(method.count) {}
 
   /// Finds the argument for each parameter and brings it into the parameter's type.
   HRESULT take();
@@ -25,7 +44,7 @@ class Call {
   HRESULT giveBack();
 
   /// The value of a parameter.
-  [[nodiscard]] const Value& value(std::size_t parameter) const { return values_[parameter]; }
+  [[nodiscard]] const Value& value(std::size_t parameter) { return values_[parameter]; }
 
   /// Tells a host that asks which argument, by its position in the host's list, is at fault.
   void reportFault(UINT* argument) const {
@@ -40,7 +59,7 @@ class Call {
   const Method& method_;
   const DISPPARAMS& passed_;
   std::array<VARIANT*, mostParameters> sources_{};
-  std::array<Value, mostParameters> values_{};
+  Slots values_;
   std::array<bool, mostParameters> given_{};
   std::optional<UINT> fault_;
 };

@@ -154,16 +154,20 @@ HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIA
       SerialObject* object;
       ~Hold() { object->Release(); }
     } const hold{this};
-    Value value;
+    VARIANT returned;
     try {
-      value = call.run(serial_);
+      returned = variantOf(call.run(serial_));
     } catch (const RuntimeError&) {
       // What the method changed before it failed belongs to the caller all the same.
       (void)call.giveBack();
       throw;
     }
     outcome = call.giveBack();
-    if (SUCCEEDED(outcome) && result != nullptr) *result = variantOf(value);
+    if (SUCCEEDED(outcome) && result != nullptr) {
+      *result = returned;
+    } else {
+      VariantClear(&returned);
+    }
   }
   call.reportFault(argumentAtFault);
   return outcome;

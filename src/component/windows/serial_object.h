@@ -5,8 +5,6 @@
 #include <oaidl.h>
 #include <ocidl.h>
 
-#include <atomic>
-
 #include "component/method.h"
 #include "component/serial.h"
 
@@ -38,7 +36,8 @@ class SerialObject final : public IDispatch, public IProvideClassInfo {
   HRESULT call(const Method& method, const DISPPARAMS& passed, VARIANT* result, UINT* argumentAtFault);
   HRESULT put(const Method& method, const DISPPARAMS& passed, UINT* argumentAtFault);
 
-  std::atomic<ULONG> references_{1};
+  // Not atomic: the class is apartment-threaded, so that only one thread ever holds this object itself.
+  ULONG references_ = 1;
   Serial serial_;
 };
 

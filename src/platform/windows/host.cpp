@@ -20,6 +20,8 @@ constexpr int mostMessages = 500;
 /// How long a wait stays away from the message queue once the host's own loop has been told to quit.
 constexpr DWORD quitPause = 20;  // ms
 
+constexpr milliseconds longestUndispatched(10);
+
 DWORD wholeMilliseconds(nanoseconds time) {
   constexpr milliseconds longest = std::chrono::hours(24);
   return static_cast<DWORD>(
@@ -76,8 +78,11 @@ class WindowsHost final : public Host {
   void yield() override { dispatchMessages(); }
 
   void block(Source source, nanoseconds longest, Messages messages) override {
-    const auto wait = messages == Messages::dispatched ? waitWithMessages : waitHoldingMessages;
-    wait(eventOf(source), wholeMilliseconds(longest));
+    if (messages == Messages::dispatched) dispatchWhenDue();
+    if (source != Source::socket || !socket_.startReceiving()) {
+      const auto wait = messages == Messages::dispatched ? waitWithMessages : waitHoldingMessages;
+      wait(eventOf(source), wholeMilliseconds(longest));
+    }
     if (source == Source::socket) socket_.advance();
   }
 
@@ -85,6 +90,14 @@ class WindowsHost final : public Host {
   Socket& socket() override { return socket_; }
 
  private:
+  /// One quick answer after another leaves no wait in which messages are met.
+  void dispatchWhenDue() {
+    if (const nanoseconds now = steady(); now - dispatched_ > longestUndispatched) {
+      dispatched_ = now;
+      dispatchMessages();
+    }
+  }
+
   static long long ticksPerSecond() {
     LARGE_INTEGER frequency;
     QueryPerformanceFrequency(&frequency);
@@ -97,6 +110,7 @@ class WindowsHost final : public Host {
   }
 
   const long long ticksPerSecond_ = ticksPerSecond();
+  nanoseconds dispatched_ = nanoseconds::min() / 2;
   WindowsSerialPort port_;
   WindowsSocket socket_;
 };

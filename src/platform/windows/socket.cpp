@@ -55,25 +55,40 @@ void WindowsSocket::close() {
   die();
   lookup_.reset();
   candidates_.clear();
-  hasData_ = false;
+  arrived_ = false;
   state_ = State::closed;
   deviceClosed();
 }
 
 std::string_view WindowsSocket::receive() {
-  requireConnected();
-  hasData_ = false;
   received_.clear();
-  while (reading_.state() != Transfer::State::running) {
-    const bool ended = reading_.state() != Transfer::State::done || reading_.bytes().empty();
-    if (ended) {
-      die();
-      break;
-    }
-    received_ += reading_.bytes();
-    reading_.receive(socket_.get(), bufferSize);
+  if (arrived_) {
+    takeReading();
+    return received_;
   }
+  requireConnected();
+  // First what a reading has got that was left running by a wait without an answer.
+  advance();
+  if (arrived_) takeReading();
+  if (state_ == State::connected && reading_.state() == Transfer::State::idle) takeWaiting();
   return received_;
+}
+
+void WindowsSocket::takeReading() {
+  received_ = reading_.bytes();
+  reading_.cancel();
+  arrived_ = false;
+}
+
+/// Fetches what waits in the system. Asking for the count first is cheaper than a reading that finds nothing;
+/// that the peer has hung up is left for the next wait to notice.
+void WindowsSocket::takeWaiting() {
+  u_long count = 0;
+  if (ioctlsocket(socket_.get(), FIONREAD, &count) != 0 || count == 0) return;
+  const std::size_t before = received_.size();
+  received_.resize(before + count);
+  const int n = ::recv(socket_.get(), received_.data() + before, static_cast<int>(count), 0);
+  received_.resize(before + (n > 0 ? static_cast<std::size_t>(n) : 0));
 }
 
 void WindowsSocket::send(std::string_view bytes) {
@@ -87,6 +102,12 @@ void WindowsSocket::send(std::string_view bytes) {
       throw RuntimeError(RuntimeError::badSocketState);
     }
   }
+}
+
+bool WindowsSocket::startReceiving() {
+  if (state_ != State::connected) return false;
+  if (reading_.state() == Transfer::State::idle) reading_.receive(socket_.get(), bufferSize);
+  return reading_.state() != Transfer::State::running;
 }
 
 HANDLE WindowsSocket::event() const {
@@ -119,8 +140,9 @@ void WindowsSocket::advance() {
     } else {
       connectNext();
     }
-  } else if (state_ == State::connected && reading_.state() != Transfer::State::running) {
-    hasData_ = true;
+  } else if (state_ == State::connected && reading_.hasEnded()) {
+    arrived_ = reading_.state() == Transfer::State::done && !reading_.bytes().empty();
+    if (!arrived_) die();
   }
 }
 
@@ -156,7 +178,6 @@ void WindowsSocket::connected() {
   WSAEventSelect(socket_.get(), nullptr, 0);
   const BOOL on = TRUE;
   setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
-  reading_.receive(socket_.get(), bufferSize);
 }
 
 void WindowsSocket::die() {

@@ -33,6 +33,9 @@ class Transfer {
   /// How far the transfer has come.
   State state();
 
+  /// Whether a transfer was started and has ended.
+  bool hasEnded() { return state() == State::done || state() == State::failed; }
+
   /// Waits for the end of the transfer; false when it is still running after `longest` milliseconds.
   bool wait(DWORD longest);
 
