@@ -2,7 +2,7 @@
 # Measures the speed of the library and of the component; prints a table, leaves JSON beside the build and the
 # table with its date in docs/performance.md.
 # Usage: bench.sh BUILD [WINDOWS_BUILD]
-#   BUILD           a build of the preset bench
+#   BUILD           a build of the preset linux
 #   WINDOWS_BUILD   a build with the preset windows-x64 and VELK_BENCH; without it, Wine's rows are left out
 #   STARTS          how often each program is started; the median counts (3)
 

@@ -6,8 +6,8 @@
 
 set -u
 bench=${1:?usage: counts.sh BENCH}
-most_calls=4
-most_instructions=1500 # above those of the bare client; 1000 is what they should come down to
+most_calls=3
+most_instructions=1000 # above those of the bare client
 few=100
 many=600
 

@@ -1,13 +1,12 @@
 #include "link/frames.h"
 
-#include <initializer_list>
-
 namespace velk::link {
 namespace {
 
 /// A frame of a head that fits into the string object itself, and what follows it.
-Bytes joined(std::initializer_list<char> head, std::string_view data, std::string_view tail = {}) {
-  Bytes frame(head);
+template <std::size_t size>
+Bytes joined(const char (&head)[size], std::string_view data, std::string_view tail = {}) {
+  Bytes frame(head, size);
   if (!data.empty()) frame += data;
   if (!tail.empty()) frame += tail;
   return frame;

@@ -1,6 +1,7 @@
 // The links as a host sees them, against a simulated controller whose ports the runner tells.
 
 #include <cstdlib>
+#include <string>
 
 #include "client.h"
 
@@ -119,19 +120,72 @@ TEST_F(Links, resultsInTheCallersTypes) {
   EXPECT_EQ(object_.call(L"CloseTCP", {}).value.bVal, 0);
 }
 
-/// The same output over a serial line, in both modes; the runner links the ports to the controller's lines.
-TEST_F(Links, readsOverASerialLine) {
-  for (const bool fast : {false, true}) {
-    ASSERT_EQ(object_.call(L"OpenCom", {portFrom(fast ? "VELK_FAST_PORT" : "VELK_ECHO_PORT"), 9600, fast})
-                  .value.bVal,
-              0);
-    BSTR mode = nullptr;
-    EXPECT_EQ(object_.call(L"Ctl_Param", {L"R", 5, Var::reference(VT_BSTR, &mode)}).value.bVal, 0);
-    EXPECT_EQ(Var::textOf(mode), L"T1");
-    SysFreeString(mode);
-    EXPECT_EQ(object_.call(L"CloseCom", {}).value.bVal, 0);
+/// How a C++ host finds a method: by its name while it runs, or in the type library when it is built.
+enum class Binding : std::uint8_t { late, early };
+
+struct Way {
+  Binding binding;
+  const char* link;  ///< as the runner's table of hosts and links calls it
+  const char* port;
+};
+
+class EachWay : public Client, public testing::WithParamInterface<Way> {
+ protected:
+  void SetUp() override {
+    Client::SetUp();
+    object_.dispatch()->GetTypeInfo(0, LOCALE_USER_DEFAULT, types_.out());
   }
+
+  /// Arguments from the last to the first.
+  BYTE call(const wchar_t* name, std::vector<Var> arguments) {
+    DISPID id = object_.id(name);
+    if (GetParam().binding == Binding::early) {
+      id = DISPID_UNKNOWN;
+      auto* text = const_cast<LPOLESTR>(name);
+      types_->GetIDsOfNames(&text, 1, &id);
+    }
+    return object_.invoke(id, DISPATCH_METHOD, std::move(arguments)).value.bVal;
+  }
+
+  Ref<ITypeInfo> types_;
+};
+
+TEST_P(EachWay, readsAnOutput) {
+  const std::string link = GetParam().link;
+  const int port = portFrom(GetParam().port);
+  const bool tcp = link.starts_with("tcp");
+  Var passWord(L"pass");
+  ASSERT_EQ(tcp ? call(L"OpenTCP", {2, Var::reference(passWord), port, L"127.0.0.1"})
+                : call(L"OpenCom", {Var(link == "fast"), 9600, port}),
+            0);
+  BSTR mode = nullptr;
+  BSTR items = nullptr;
+  short count = 255;
+  EXPECT_EQ(call(L"Ctl_Param", {0, Var::reference(VT_I2, &count), Var::reference(VT_BSTR, &items),
+                                Var::reference(VT_BSTR, &mode), 5, L"R"}),
+            0);
+  EXPECT_EQ(Var::textOf(mode), L"T1");
+  EXPECT_EQ(count, 12);
+  EXPECT_EQ(SysStringLen(items), 12U);
+  SysFreeString(mode);
+  SysFreeString(items);
+  EXPECT_EQ(call(tcp ? L"CloseTCP" : L"CloseCom", {}), 0);
 }
+
+std::string nameOf(const testing::TestParamInfo<Way>& info) {
+  return std::string(info.param.binding == Binding::late ? "late_" : "early_") + info.param.link;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cpp, EachWay,
+                         testing::Values(Way{Binding::late, "tcpQ", "VELK_TCP_PORT"},
+                                         Way{Binding::late, "tcpS", "VELK_TCP_S_PORT"},
+                                         Way{Binding::late, "echo", "VELK_ECHO_PORT"},
+                                         Way{Binding::late, "fast", "VELK_FAST_PORT"},
+                                         Way{Binding::early, "tcpQ", "VELK_TCP_PORT"},
+                                         Way{Binding::early, "tcpS", "VELK_TCP_S_PORT"},
+                                         Way{Binding::early, "echo", "VELK_ECHO_PORT"},
+                                         Way{Binding::early, "fast", "VELK_FAST_PORT"}),
+                         nameOf);
 
 /// The waits of module services, and answers so quick that nothing is waited for.
 TEST_F(Links, modulesAndQuickAnswersKeepTheHostAlive) {

@@ -49,6 +49,25 @@ count_lines() { # count_lines FILE: prints the check lines of a host and counts 
   failed=$((failed + $(printf '%s\n' "$lines" | grep -c '^FAILED ')))
 }
 
+outcome() { # outcome HOST LINK 0|1: for the closing table
+  [ "$3" -eq 0 ] && mark=ok || mark=FAILED
+  echo "$1 $2 $mark" >>"$work/outcomes"
+}
+
+table() { # every host over every link
+  printf '%-14s' ""
+  printf '%8s' tcpQ tcpS echo fast
+  for host in VBScript JScript C++_late C++_early; do
+    printf '\n%-14s' "$host"
+    for link in tcpQ tcpS echo fast; do
+      marks=$(sed -n "s/^$host $link //p" "$work/outcomes" | sort -u)
+      case $marks in ok) ;; "") marks=- ;; *) marks=FAILED ;; esac
+      printf '%8s' "$marks"
+    done
+  done
+  echo
+}
+
 script() { # script FILE ARGUMENTS...: runs a script host
   output=$work/$(basename "$1").log
   file=$1
@@ -62,6 +81,11 @@ script() { # script FILE ARGUMENTS...: runs a script host
   # A script that breaks off still ends with 0.
   grep -q '^done' "$output"
   report $? "$file $* ran to its end"
+  grep -q '^done' "$output" && ! grep -q '^FAILED' "$output"
+  good=$?
+  case $file in *.js) host=JScript ;; *) host=VBScript ;; esac
+  case "$*" in tcp*) link=tcp$4 ;; com*) link=$3 ;; *) return ;; esac
+  outcome $host "$link" $good
 }
 
 end_children() {
@@ -159,13 +183,14 @@ registration() {
 # --- Hosts
 
 typed_client() {
-  VELK_TCP_PORT=$port_q VELK_ECHO_PORT=5 VELK_FAST_PORT=6 VELK_SILENT_PORT=$(cat "$work/silent.log") \
+  VELK_TCP_PORT=$port_q VELK_TCP_S_PORT=$port_s VELK_ECHO_PORT=5 VELK_FAST_PORT=6 VELK_SILENT_PORT=$(cat "$work/silent.log") \
     wine_run "$build/bin/typed_client.exe" --gtest_color=no >"$work/typed_client.log"
   status=$?
   tr -d '\r' <"$work/typed_client.log" | sed -n \
     -e 's/^\[       OK \] \(.*\) (.*/ok \1/p' -e 's/^\[  FAILED  \] \(.*\) (.*ms)$/FAILED \1/p' >"$work/typed_client.checks"
   [ $status -eq 0 ] || tr -d '\r' <"$work/typed_client.log" | grep -A12 ': Failure'
   count_lines "$work/typed_client.checks"
+  sed -n 's,^\([^ ]*\) Cpp/EachWay.readsAnOutput/\([^_]*\)_\(.*\)$,C++_\2 \3 \1,p' "$work/typed_client.checks" >>"$work/outcomes"
   grep -q '  PASSED  ' "$work/typed_client.log"
   report $? "typed client ran to its end"
 }
@@ -175,6 +200,7 @@ if [ ! -e "$WINEPREFIX/system.reg" ]; then
   timeout -k 5 120 wineboot -i >/dev/null 2>&1
   timeout -k 5 120 wineserver -w # it goes on filling the registry behind our back
 fi
+rm -f "$work/outcomes"
 registration
 start_controller
 start_silent_peer
@@ -190,5 +216,6 @@ done
 script modules.vbs tcp "$port_q" pass Q
 script modules.vbs com 6 fast
 
+table
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
