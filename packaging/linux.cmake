@@ -1,5 +1,5 @@
 # What is installed on Linux, and the Debian package made of it: one static library with its headers, a CMake
-# package, a pkg-config file, the tools and their manual pages.
+# package, a pkg-config file, the tools, a manual page and a completion.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -33,8 +33,15 @@ foreach(part values platform link controller parameters modules timed component 
           PATTERN posix EXCLUDE PATTERN windows EXCLUDE PATTERN idl EXCLUDE)
 endforeach()
 install(TARGETS velk velk-sim)
-file(GLOB manual_pages CONFIGURE_DEPENDS docs/*.1)
-install(FILES ${manual_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+configure_file(docs/velk.1 ${PROJECT_BINARY_DIR}/velk.1 @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/velk.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+add_custom_command(
+  OUTPUT ${PROJECT_BINARY_DIR}/velk.bash
+  COMMAND velk completion bash > ${PROJECT_BINARY_DIR}/velk.bash
+  DEPENDS velk)
+add_custom_target(completion ALL DEPENDS ${PROJECT_BINARY_DIR}/velk.bash)
+install(FILES ${PROJECT_BINARY_DIR}/velk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES ${documents} README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples/linux DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)

@@ -18,7 +18,8 @@ constexpr const char* notes =
     "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
     "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
     "  VELK_LINK=simulate:\n"
-    "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". NO_COLOR switches colours off.\n"
+    "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". An IPv6 address stands in brackets:\n"
+    "[::1]:8445. NO_COLOR switches colours off.\n"
     "\nExit status:\n"
     "  0  done\n"
     "  1  the controller refused or did not answer; diff: there are differences; restore: declined\n"
@@ -59,6 +60,7 @@ int guarded(const Run& run) {
 int main(int argc, char** argv) {
   CLI::App app(description, "velk");
   app.require_subcommand(1);
+  app.set_version_flag("--version", "velk " VELK_VERSION, "Print the version and exit");
   app.footer(notes);
   Run run;
   addCommands(app, run);

@@ -91,6 +91,7 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("KIND[=N]@WHICH")
       ->allow_extra_args(false);
   app.add_option("--for", options.seconds, "End after so many seconds")->type_name("SECONDS");
+  app.set_version_flag("--version", "velk-sim " VELK_VERSION, "Print the version and exit");
   app.footer(examples + describeFaults());
 }
 
@@ -127,8 +128,10 @@ void announce(std::string interface, std::string_view place) {
 
 void listen(Server& server, const std::string& interface, const std::string& address,
             const std::vector<std::uint16_t>& ports, const Server::MakePeer& makePeer) {
+  const bool isIpv6 = address.find(':') != std::string::npos;
+  const std::string host = isIpv6 ? '[' + address + ']' : address;
   for (const std::uint16_t port : ports) {
-    announce(interface, address + ':' + std::to_string(server.listen(address, port, makePeer)));
+    announce(interface, host + ':' + std::to_string(server.listen(address, port, makePeer)));
   }
 }
 

@@ -33,8 +33,19 @@ check "pkg-config knows the package" pkg_config --exists
 # shellcheck disable=SC2046: the flags are words
 check "  and the example builds with its flags" \
   g++ "$example/presets.cpp" -o "$work/presets" $(pkg_config --cflags --libs)
-check "its version is the package's" \
-  test "$(pkg_config --modversion)" = "$(dpkg-deb -f "$package" Version)"
+version=$(dpkg-deb -f "$package" Version)
+check "its version is the package's" test "$(pkg_config --modversion)" = "$version"
+check "  and that of the tools" \
+  test "$("$usr/bin/velk" --version), $("$usr/bin/velk-sim" --version)" = "velk $version, velk-sim $version"
+check "  and of the manual page" sh -c "zcat -f '$usr'/share/man/man1/velk.1* | grep -F '\"VelkCom $version\"'"
+check "  and the newest that CHANGELOG.md tells of" \
+  test "$(zcat -f "$usr"/share/doc/velkcom/CHANGELOG.md* | grep -m1 '^## ')" = "## $version"
+completes() { # completes "WORDS" COMPLETION: bash, with the cursor behind the words, offers the completion
+  bash -c '. "$1"; COMP_WORDS=($2); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _velk
+    printf "%s\n" "${COMPREPLY[@]}" | grep -qx -- "$3"' completes "$usr/share/bash-completion/completions/velk" "$@"
+}
+check "bash completes a command" completes "velk rest" restore
+check "  and its options" completes "velk restore --dr" --dry-run
 
 "$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 120 >"$work/simulator.log" &
 simulator=$!

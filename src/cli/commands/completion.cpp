@@ -29,7 +29,7 @@ std::string bashScript(const CLI::App& velk) {
   }
   return "_velk() {\n  local current=${COMP_WORDS[COMP_CWORD]} words\n  case ${COMP_WORDS[1]} in\n" + cases +
          "    *) words=\"\" ;;\n  esac\n  [ \"$COMP_CWORD\" -eq 1 ] && words=\"" + commands +
-         " --help\"\n  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n}\n"
+         " --help --version\"\n  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n}\n"
          "complete -o default -F _velk velk\n";
 }
 
