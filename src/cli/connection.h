@@ -11,7 +11,7 @@ namespace velk::cli {
 
 /// Which link to open before a call; at most one.
 struct LinkOptions {
-  std::string tcp;  ///< HOST:PORT
+  std::string tcp;  ///< HOST:PORT, with an IPv6 address in brackets
   Bytes password;
   Byte busAddress = 2;
   std::string serial;  ///< a device

@@ -5,8 +5,8 @@
 
 #include "cli/escapes.h"
 #include "cli/failure.h"
+#include "cli/link_failure.h"
 #include "cli/link_text.h"
-#include "component/result_codes.h"
 
 namespace velk::cli {
 
@@ -58,8 +58,7 @@ LinkOptions LinkChoice::required() const {
 std::unique_ptr<Connection> open(const LinkOptions& link) {
   auto connection = std::make_unique<Connection>(link);
   if (connection->result() == 0) return connection;
-  throw Failure(noLink, "the link cannot be opened: " + std::to_string(connection->result()) + " (" +
-                            meaningOf(connection->result()) + ")");
+  throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP));
 }
 
 }  // namespace velk::cli

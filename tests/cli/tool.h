@@ -19,7 +19,8 @@ using Words = std::vector<std::string>;
 /// One of the tools, running; what it prints on standard output can be read line by line.
 class Tool {
  public:
-  Tool(const std::string& name, Words words) {
+  /// `stream` is the one that can be read; the other one goes nowhere.
+  Tool(const std::string& name, Words words, int stream = STDOUT_FILENO) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
     words.insert(words.begin(), std::string(VELK_BIN_DIR) + "/" + name);
@@ -28,9 +29,9 @@ class Tool {
     arguments.push_back(nullptr);
     pid_ = fork();
     if (pid_ == 0) {
-      dup2(ends[1], STDOUT_FILENO);
       const int nothing = open("/dev/null", O_WRONLY);
-      dup2(nothing, STDERR_FILENO);
+      dup2(stream == STDOUT_FILENO ? ends[1] : nothing, STDOUT_FILENO);
+      dup2(stream == STDERR_FILENO ? ends[1] : nothing, STDERR_FILENO);
       execv(arguments[0], arguments.data());
       _exit(127);
     }
@@ -97,6 +98,11 @@ inline Ended velk(Words words) {
   Tool tool("velk", std::move(words));
   std::string text = tool.all();
   return {.status = tool.wait(), .text = std::move(text)};
+}
+
+/// What velk says on standard error.
+inline std::string complaintOf(Words words) {
+  return Tool("velk", std::move(words), STDERR_FILENO).all();
 }
 
 inline Ended call(Words words) {

@@ -8,6 +8,8 @@
 namespace velk::cli {
 namespace {
 
+namespace fs = std::filesystem;
+
 TEST(VelkTest, PrintsTheResultAndWhatWasWrittenBack) {
   const Ended read = call({"--simulate", "Ctl_Param", "R", "5", "Aantal=3"});
   EXPECT_EQ(read.status, 0);
@@ -63,13 +65,49 @@ TEST(VelkTest, RefusesAWrongCommandLine) {
   for (const Words& words :
        {Words{"call", "Nothing"}, Words{"call", "DECtoBCD"}, Words{"call", "DECtoBCD", "1", "2"},
         Words{"call", "DECtoBCD", "256"}, Words{"call", "DECtoBCD", "x"},
-        Words{"call", "DECtoBCD", "1", "Getal=1"}, Words{"call", "--tcp", "here", "SoortETH"},
-        Words{"call", "--set", "OpenCom=1", "TCP"}, Words{"call", "--set", "TCP=x", "TCP"},
-        Words{"call", "--simulate", "--serial", "x", "TCP"}, Words{}, Words{"nothing"}}) {
+        Words{"call", "DECtoBCD", "1", "Getal=1"}, Words{"call", "--set", "OpenCom=1", "TCP"},
+        Words{"call", "--set", "TCP=x", "TCP"}, Words{"call", "--simulate", "--serial", "x", "TCP"}, Words{},
+        Words{"nothing"}}) {
     EXPECT_EQ(velk(words).status, 2) << testing::PrintToString(words);
   }
   EXPECT_EQ(call({"DECtoBCD", "160"}).status, 3);
   EXPECT_EQ(call({"--serial", "/dev/null/none", "TCP"}).status, 4);
+  for (const char* const link : {"here", "[::1]", "::1:8445", "[]:1", ":1", "h:0", "h:65536", "h:1x"}) {
+    EXPECT_EQ(call({"--tcp", link, "SoortETH"}).status, 2) << link;
+  }
+}
+
+TEST(VelkTest, TakesIpv6AddressesInBrackets) {
+  if (!fs::exists("/proc/net/if_inet6")) GTEST_SKIP() << "there is no IPv6 here";
+  Tool simulator("velk-sim", {"--tcp", "0", "--bind", "::1", "--for", "60"});
+  const std::string link = behind(simulator.line(), "tcp Q ");
+  EXPECT_EQ(link.substr(0, 6), "[::1]:");
+  EXPECT_EQ(call({"--tcp", link, "ReadCom", "1", "5", "1", "V"}).text, "\\x00\\x05  (done)\n");
+}
+
+TEST(VelkTest, TellsWhyALinkDoesNotOpen) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--password", "ab", "--for", "60"});
+  const std::string link = behind(simulator.line(), "tcp Q ");
+  const std::string port = link.substr(link.find(':') + 1);
+  Tool mute("velk-sim", {"--tcp", "0", "--fault", "silent@0", "--for", "60"});
+  const std::string muteLink = behind(mute.line(), "tcp Q ");
+  const auto complaint = [](Words words) {
+    words.emplace_back("SoortETH");
+    words.insert(words.begin(), "call");
+    return complaintOf(std::move(words));
+  };
+  EXPECT_EQ(complaint({"--tcp", link, "--password", "no"}),
+            "velk: cannot open " + link + ": the interface refuses the password (result 1)\n");
+  EXPECT_EQ(
+      complaint({"--tcp", link}),
+      "velk: cannot open " + link + ": the interface asks for a password; give --password (result 1)\n");
+  EXPECT_EQ(complaint({"--tcp", muteLink}),
+            "velk: cannot open " + muteLink + ": the interface does not answer the login (result 252)\n");
+  EXPECT_EQ(
+      complaint({"--tcp", "127.0.0.1:1"}),
+      "velk: cannot open 127.0.0.1:1: no interface of a controller answers there; check address, port and "
+      "network (result 252)\n");
+  EXPECT_NE(complaint({"--serial", "/dev/null/none"}).find("there is no such port"), std::string::npos);
 }
 
 TEST(VelkTest, ListsMethods) {
