@@ -100,6 +100,56 @@ TEST_F(BackupTest, TellsDifferencesInWords) {
             "infrared text 1: text Radio -> Tuner\n");
 }
 
+TEST_F(BackupTest, RestoresModules) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = linkOf(simulator);
+  ASSERT_EQ(velk({"backup", "--modules", "090500", "--tcp", link, file("a")}).status, 0);
+  ASSERT_EQ(call({"--tcp", link, "Module", "W", "090500",
+                  R"(\x05\x04\x06\x03\x07\x02\x08\x03\x00\x01\x02\x03\x04\x05\x06\x07)"})
+                .status,
+            0);
+  const Ended differs = velk({"diff", "--tcp", link, file("a"), "--only", "modules"});
+  EXPECT_EQ(differs.text.substr(0, 22), "module 090500: record ") << differs.text;
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--yes", file("a"), "--only", "outputs"}).text, "");
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--yes", "--only", "modules", file("a")}).status, 0);
+  EXPECT_EQ(velk({"diff", "--tcp", link, file("a"), "--only", "modules"}).text, "");
+
+  std::ifstream in(file("a"));
+  auto backup = nlohmann::json::parse(in);
+  backup["modules"][0]["firmware"] = "0.9";
+  std::ofstream(file("b")) << backup;
+  const Ended older = velk({"restore", "--tcp", link, "--yes", "--json", "--only", "modules", file("b")});
+  EXPECT_EQ(older.status, 0);
+  const auto account = nlohmann::json::parse(older.text);
+  EXPECT_EQ(account["differences"].size(), 1U) << "the firmware is told";
+  EXPECT_EQ(account["written"].size(), 0U) << "and cannot be written";
+}
+
+TEST_F(BackupTest, ReadsOnlyWhatIsAskedFor) {
+  ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
+  // 64 infrared texts; the whole configuration takes thousands of requests.
+  Tool simulator("velk-sim", {"--tcp", "0", "--fault", "disconnect@65-", "--for", "60"});
+  const std::string link = linkOf(simulator);
+  EXPECT_EQ(velk({"diff", "--tcp", link, "--only", "infrared", file("a")}).status, 0);
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--only", "modules", "--dry-run", file("a")}).status, 0);
+  EXPECT_NE(velk({"diff", "--tcp", link, "--only", "infrared,settings", file("a")}).status, 0);
+}
+
+TEST_F(BackupTest, AnInterruptedRestorationGoesOn) {
+  ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
+  Tool simulator = emptyController({"--trace"});
+  const std::string link = linkOf(simulator);
+  Tool restore("velk", {"restore", "--tcp", link, "--yes", "--only", "outputs,presets", "--json", file("a")});
+  while (simulator.line().substr(0, 5) != "write") {
+  }
+  EXPECT_EQ(restore.finish(SIGINT), 1);
+  const auto account = nlohmann::json::parse(restore.all());
+  EXPECT_EQ(account["failure"], "interrupted");
+  EXPECT_FALSE(account["not_written"].empty());
+  // Nobody reads the trace any more.
+  EXPECT_EQ(simulator.finish(), 0);
+}
+
 TEST_F(BackupTest, TellsWhatARefusedRestorationDidNotWrite) {
   ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
   // Reading an empty controller takes at most 7307 requests; the writes follow.

@@ -62,9 +62,9 @@ class Tool {
     return std::move(text_);
   }
 
-  /// Asks the tool to end, as a service manager would. Returns its exit status.
-  int finish() {
-    kill(pid_, SIGTERM);
+  /// Asks the tool to end, as a service manager would or Ctrl-C. Returns its exit status.
+  int finish(int signal = SIGTERM) {
+    kill(pid_, signal);
     return wait();
   }
 

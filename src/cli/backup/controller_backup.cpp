@@ -1,5 +1,6 @@
 #include "cli/backup/controller_backup.h"
 
+#include "cli/backup/describe.h"
 #include "cli/backup/memory_reader.h"
 #include "cli/backup/progress.h"
 
@@ -10,7 +11,9 @@ Backup readLike(Serial& serial, const Backup& backup, const Sections& sections) 
   Backup now;
   {
     Progress progress("reading");
-    readMissing(serial, now.lines, [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+    readMissing(
+        serial, now.lines, [&](Kind kind) { return isSelected(sections, sectionOf(kind)); },
+        [&](std::size_t done, std::size_t total) { progress.show(done, total); });
   }
   if (!isSelected(sections, "modules")) return now;
   for (const Module& module : backup.modules) now.modules.push_back(readModule(serial, module.serial));

@@ -124,9 +124,10 @@ const Region* regionAt(Spot spot) {
   return found == regions.end() ? nullptr : found;
 }
 
-bool lineIsUsed(Spot line) {
+bool lineHolds(Spot line, const Wanted& wanted) {
   for (int i = 0; i < lineSize; ++i) {
-    if (regionAt(line) != nullptr) return true;
+    const Region* const region = regionAt(line);
+    if (region != nullptr && wanted(region->kind)) return true;
     ++line.offset;
   }
   return false;
@@ -147,14 +148,14 @@ bool isReadOnly(Spot spot) {
   return region != nullptr && region->readOnly;
 }
 
-std::vector<Spot> fixedLines() {
+std::vector<Spot> fixedLines(const Wanted& wanted) {
   constexpr int size = 256;
   std::vector<Spot> lines;
   for (const Area area : {Area::external, Area::block, Area::highBlock}) {
     for (int page = 0; page < size; ++page) {
       for (int offset = 0; offset < size; offset += lineSize) {
         const Spot line{.area = area, .page = static_cast<Byte>(page), .offset = static_cast<Byte>(offset)};
-        if (lineIsUsed(line)) lines.push_back(line);
+        if (lineHolds(line, wanted)) lines.push_back(line);
       }
     }
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,8 +54,11 @@ std::optional<Thing> thingAt(Spot spot);
 /// Whether the controller keeps a byte for itself: it is backed up, but neither compared nor restored.
 bool isReadOnly(Spot spot);
 
-/// The first bytes of all lines that hold configuration, but for the events, whose lists end by themselves.
-std::vector<Spot> fixedLines();
+/// Which kinds of things are asked for.
+using Wanted = std::function<bool(Kind)>;
+
+/// The first bytes of all lines that hold such things, but for the events, whose lists end by themselves.
+std::vector<Spot> fixedLines(const Wanted& wanted);
 
 /// The page of the list of events of a weekday (0 for Monday) and hour, in the high block area.
 Byte eventPage(int day, int hour);

@@ -98,9 +98,10 @@ void writeBytes(Serial& serial, Spot spot, const Bytes& bytes) {
   expectDone(byteAt(reply, 0), "writing " + nameOf(spot));
 }
 
-void readMissing(Serial& serial, Lines& lines, const Step& step) {
-  const std::vector<Spot> fixed = fixedLines();
-  const std::size_t total = fixed.size() + std::size_t{weekdays} * hoursOfDay;
+void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step) {
+  const std::vector<Spot> fixed = fixedLines(wanted);
+  const int days = wanted(Kind::events) ? weekdays : 0;
+  const std::size_t total = fixed.size() + static_cast<std::size_t>(days) * hoursOfDay;
   std::size_t done = 0;
   for (const Spot line : fixed) {
     if (!lines.contains(line)) {
@@ -109,7 +110,7 @@ void readMissing(Serial& serial, Lines& lines, const Step& step) {
     step(++done, total);
   }
   EventList events(serial, lines);
-  for (int day = 0; day < weekdays; ++day) {
+  for (int day = 0; day < days; ++day) {
     for (int hour = 0; hour < hoursOfDay; ++hour) {
       events.fill(day, hour);
       step(++done, total);
@@ -119,6 +120,10 @@ void readMissing(Serial& serial, Lines& lines, const Step& step) {
 
 void watchInterrupts() {
   std::signal(SIGINT, [](int) { interrupted = true; });
+}
+
+void unwatchInterrupts() {
+  std::signal(SIGINT, SIG_DFL);
 }
 
 void checkInterrupt() {

@@ -10,10 +10,10 @@ namespace velk::cli {
 /// Is told after each line how many of how many are there.
 using Step = std::function<void(std::size_t done, std::size_t total)>;
 
-/// Reads the lines that are not there yet. Bytes that are no configuration, and those behind the end of a
-/// list of events, become zero. Throws `Failure` at the first transaction that fails, and after Ctrl-C; the
-/// lines read until then stay.
-void readMissing(Serial& serial, Lines& lines, const Step& step);
+/// Reads the lines of the wanted things that are not there yet. Bytes that are no configuration, and those
+/// behind the end of a list of events, become zero. Throws `Failure` at the first transaction that fails, and
+/// after Ctrl-C; the lines read until then stay.
+void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step);
 
 /// Reads up to 16 bytes from a spot on. Throws `Failure`.
 Bytes readBytes(Serial& serial, Spot spot, std::size_t count);
@@ -21,8 +21,12 @@ Bytes readBytes(Serial& serial, Spot spot, std::size_t count);
 /// Writes them. Throws `Failure`.
 void writeBytes(Serial& serial, Spot spot, const Bytes& bytes);
 
-/// Makes Ctrl-C end a transfer between two transactions; then throws `Failure` whenever it was pressed.
+/// Makes Ctrl-C end a transfer between two transactions: `checkInterrupt` throws `Failure` when it was
+/// pressed.
 void watchInterrupts();
 void checkInterrupt();
+
+/// Lets Ctrl-C end the program again, as where it waits for a person.
+void unwatchInterrupts();
 
 }  // namespace velk::cli

@@ -21,7 +21,8 @@ struct BackupOptions : LinkedOptions {
     app.add_option("FILE", file, "The file to write")->required();
     app.add_option("--modules", modules, "Serial numbers of modules to back up as well")
         ->delimiter(',')
-        ->type_name("SERIAL,...");
+        ->type_name("SERIAL,...")
+        ->allow_extra_args(false);
     app.add_flag("--fresh", fresh, "Do not continue an unfinished backup");
   }
 };
@@ -48,7 +49,9 @@ Backup begin(const BackupOptions& options, const std::string& link) {
 
 void read(Serial& serial, const BackupOptions& options, Backup& backup) {
   Progress progress("backup");
-  readMissing(serial, backup.lines, [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+  readMissing(
+      serial, backup.lines, [](Kind /*kind*/) { return true; },
+      [&](std::size_t done, std::size_t total) { progress.show(done, total); });
   backup.modules.clear();
   for (const std::string& number : options.modules) backup.modules.push_back(readModule(serial, number));
 }

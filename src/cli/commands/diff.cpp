@@ -14,7 +14,10 @@ struct DiffOptions : LinkedOptions {
     LinkedOptions::declare(app);
     app.add_option("A", a, "A backup")->required();
     app.add_option("B", b, "Another one; without it the controller");
-    app.add_option("--only", only, "Compare these sections alone")->delimiter(',')->type_name("SECTION,...");
+    app.add_option("--only", only, "Compare these sections alone")
+        ->delimiter(',')
+        ->type_name("SECTION,...")
+        ->allow_extra_args(false);
   }
 };
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include "cli/backup/controller_backup.h"
 #include "cli/backup/memory_reader.h"
@@ -19,7 +20,10 @@ struct RestoreOptions : LinkedOptions {
   void declare(CLI::App& app) {
     LinkedOptions::declare(app);
     app.add_option("FILE", file, "A backup")->required();
-    app.add_option("--only", only, "Restore these sections alone")->delimiter(',')->type_name("SECTION,...");
+    app.add_option("--only", only, "Restore these sections alone")
+        ->delimiter(',')
+        ->type_name("SECTION,...")
+        ->allow_extra_args(false);
     app.add_flag("--dry-run", dryRun, "Show what would change and write nothing");
     app.add_flag("--yes", yes, "Do not ask");
   }
@@ -117,6 +121,7 @@ std::string firstWord(const std::string& title) {
 /// Titles in a row; very many of one kind by the first and last of them.
 std::string listOf(const std::vector<std::string>& list) {
   constexpr std::ptrdiff_t many = 24;
+  if (list.empty()) return " nothing";
   std::string text;
   for (auto first = list.begin(); first != list.end();) {
     const auto end = std::find_if(
@@ -133,11 +138,15 @@ std::string listOf(const std::vector<std::string>& list) {
 }
 
 void printAccount(const Account& account, const std::vector<Difference>& differences) {
-  if (account.failure.empty()) {
-    std::cerr << "velk: " << account.done << " things written and read back\n";
+  const std::size_t all = differences.size();
+  if (all == 0) {
+    std::cerr << "velk: nothing to write\n";
     return;
   }
-  const std::size_t all = differences.size();
+  if (account.failure.empty()) {
+    std::cerr << "velk: " << account.done << (all == 1 ? " thing" : " things") << " written and read back\n";
+    return;
+  }
   std::cerr << "velk: stopped: " << account.failure
             << "\nwritten and read back:" << listOf(titles(differences, 0, account.done))
             << "\npossibly in part:" << listOf(titles(differences, account.done, account.done + 1))
@@ -145,19 +154,32 @@ void printAccount(const Account& account, const std::vector<Difference>& differe
             << "\nThe same command goes on from here.\n";
 }
 
-Json jsonOf(const Account& account, const std::vector<Difference>& differences) {
-  Json json{{"differences", jsonOf(differences)}, {"written", titles(differences, 0, account.done)}};
-  json["not_written"] = titles(differences, account.done, differences.size());
-  json["failure"] = account.failure.empty() ? Json() : Json(account.failure);
-  return json;
+/// `differences` are all that were found, `writable` those that the account tells of.
+Json jsonOf(const Account& account, const std::vector<Difference>& differences,
+            const std::vector<Difference>& writable) {
+  return {{"differences", jsonOf(differences)},
+          {"written", titles(writable, 0, account.done)},
+          {"not_written", titles(writable, account.done, writable.size())},
+          {"failure", account.failure.empty() ? Json() : Json(account.failure)}};
 }
 
 bool agreed() {
   if (!inputIsTerminal()) throw Failure(wrongUsage, "nobody can be asked here; --yes writes without asking");
   std::cerr << "Write this to the controller? [y/N] ";
   std::string answer;
-  std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes";
+  unwatchInterrupts();
+  if (!std::getline(std::cin, answer)) std::cerr << '\n';
+  watchInterrupts();
+  const bool yes = answer == "y" || answer == "Y" || answer == "yes";
+  if (!yes) std::cerr << "velk: nothing is written\n";
+  return yes;
+}
+
+/// A module's model and firmware are told, but cannot be written.
+bool isWritable(const Difference& difference) {
+  const auto& changes = difference.changes;
+  return !difference.spots.empty() ||
+         std::any_of(changes.begin(), changes.end(), [](const Change& c) { return c.field == "record"; });
 }
 
 int carryOutRestore(const RestoreOptions& options) {
@@ -169,12 +191,14 @@ int carryOutRestore(const RestoreOptions& options) {
   if (!options.json) {
     for (const Difference& difference : differences) std::cout << textOf(difference) << '\n';
   }
+  std::vector<Difference> writable;
+  std::copy_if(differences.begin(), differences.end(), std::back_inserter(writable), isWritable);
   Account account;
-  const bool writes = !options.dryRun && !differences.empty();
+  const bool writes = !options.dryRun && !writable.empty();
   if (writes && !options.yes && !agreed()) return badResult;
-  if (writes) account = restoreAll(connection->serial(), differences, backup);
-  if (options.json) std::cout << jsonOf(account, differences) << '\n';
-  if (!options.dryRun) printAccount(account, differences);
+  if (writes) account = restoreAll(connection->serial(), writable, backup);
+  if (options.json) std::cout << jsonOf(account, differences, writable) << '\n';
+  if (!options.dryRun || writable.empty()) printAccount(account, writable);
   return account.status;
 }
 
