@@ -35,7 +35,7 @@ constexpr const char* notes =
 void addCommands(CLI::App& app, Run& run) {
   for (const auto add : {addStatus, addOutputs, addOutput, addClock, addLinks, addPresets, addSwitchTimes,
                          addSimulation, addModules, addInfraredText, addLanguage, addBackup, addDiff,
-                         addRestore, addWeek, addCompletion, addCall, addMethods}) {
+                         addRestore, addWeek, addDoctor, addCompletion, addCall, addMethods}) {
     add(app, run);
   }
 }

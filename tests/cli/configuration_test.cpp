@@ -116,7 +116,7 @@ TEST(ConfigurationTest, EveryCommandHasExamplesAndACompletion) {
   const std::string help = velk({"--help"}).text;
   for (const char* const command : {"status", "outputs", "output", "clock", "links", "presets", "preset",
                                     "switch-times", "simulation", "modules", "ir-text", "language", "backup",
-                                    "diff", "restore", "week", "completion", "call", "methods"}) {
+                                    "diff", "restore", "week", "doctor", "completion", "call", "methods"}) {
     EXPECT_NE(help.find(std::string("\n  ") + command + " "), std::string::npos) << command;
     EXPECT_NE(velk({command, "--help"}).text.find("Examples:\n"), std::string::npos) << command;
     EXPECT_NE(script.find(std::string("    ") + command + ") words="), std::string::npos) << command;

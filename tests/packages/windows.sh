@@ -127,6 +127,8 @@ for_everybody() {
   local folder="$drive/Program Files/VelkCom"
   check "silent setup for everybody" install
   check "  brings the files" has_files "$folder"
+  check "  and registers" says '64-bit +everybody +registered +C:.Program Files.VelkCom.x64.VelkCom.dll' \
+    wine_run "$folder/x64/velk.exe" doctor
   check "  and an entry for removal" \
     key 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\VelkCom' /v QuietUninstallString
   script_examples "$folder/examples"
@@ -147,7 +149,8 @@ for_one_user() {
   check "silent setup for the current user" install /CurrentUser "/D=C:\\Tools\\VelkCom"
   folder="$drive/Tools/VelkCom"
   check "  brings the files to the given folder" has_files "$folder"
-  check "  registers for this user" key 'HKCU\Software\Classes\VelkCom.Serial'
+  check "  registers for this user" says '64-bit +this user +registered +C:.Tools.VelkCom.x64.VelkCom.dll' \
+    wine_run "$folder/x64/velk.exe" doctor
   check "  and for nobody else" not key 'HKLM\Software\Classes\VelkCom.Serial'
   check "silent removal" uninstall "$folder" /CurrentUser
   rmdir "$drive/Tools" 2>/dev/null
@@ -161,6 +164,8 @@ without_registration() {
   local folder name
   folder=$(echo "$work"/zip/VelkCom-*)
   check "an unregistered component cannot be created" not says 'output 11: UD' program late_bound.exe
+  check "  and the doctor tells what to type" says '64-bit +this user +regsvr32 /n /i:user .*.x64.VelkCom.dll"?' \
+    wine_run "$folder/x64/velk.exe" doctor
   cp "$folder"/x64/VelkCom.{dll,manifest} "$work/"
   for name in late_bound early_bound; do
     sed "s/@VERSION@/${folder##*-}/" "$here/client.exe.manifest" >"$work/$name.exe.manifest"

@@ -58,6 +58,7 @@ void addBackup(CLI::App& velk, Run& run);
 void addDiff(CLI::App& velk, Run& run);
 void addRestore(CLI::App& velk, Run& run);
 void addWeek(CLI::App& velk, Run& run);
+void addDoctor(CLI::App& velk, Run& run);
 void addCompletion(CLI::App& velk, Run& run);
 
 }  // namespace velk::cli

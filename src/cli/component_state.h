@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "values/bytes.h"
+
+/// How the component is registered in this system, and whether it can be created.
+namespace velk::cli {
+
+enum class Audience : Byte { everybody, user };
+
+constexpr int narrow = 32;
+constexpr int wide = 64;
+
+/// A place in the registry where programs find the component; the user's own comes before everybody's.
+struct Registration {
+  int bits;  ///< of the programs that look there
+  Audience audience;
+  std::filesystem::path library;  ///< empty when nothing is registered there
+};
+
+struct ComponentState {
+  std::vector<Registration> registrations;  ///< all places that this system has
+  std::filesystem::path program;            ///< this one
+  std::filesystem::path narrowFolder;       ///< 64-bit systems: where the system keeps its 32-bit programs
+  std::uint32_t result = 0;                 ///< of creating the component here; 0, or the system's error
+};
+
+/// Looks at the registry and creates the component once; nothing where there are no components.
+std::optional<ComponentState> inspectComponent();
+
+/// What is wrong with a registered library; empty for nothing.
+std::string_view faultOf(const Registration& registration);
+
+/// Why the component cannot be created in this program; empty if it can.
+std::string failureOf(const ComponentState& state);
+
+/// A line to type that registers the component.
+struct Remedy {
+  int bits;
+  Audience audience;
+  std::string command;
+};
+
+/// What makes programs of every bitness find the component, where there is a choice both ways. None when they
+/// do.
+std::vector<Remedy> remediesFor(const ComponentState& state);
+
+}  // namespace velk::cli

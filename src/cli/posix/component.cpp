@@ -1,0 +1,9 @@
+#include "cli/component_state.h"
+
+namespace velk::cli {
+
+std::optional<ComponentState> inspectComponent() {
+  return std::nullopt;
+}
+
+}  // namespace velk::cli
