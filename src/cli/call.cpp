@@ -194,6 +194,27 @@ std::string jsonOf(const Call& call, const CallResult& result) {
   return json.dump();
 }
 
+std::string jsonOfMethods() {
+  Json list = Json::array();
+  for (const Method& method : methods()) {
+    Json parameters = Json::array();
+    for (const Parameter& parameter : method.parameters()) {
+      Json json{{"name", parameter.name},
+                {"type", typeName(parameter.type)},
+                {"written_back", parameter.inOut},
+                {"optional", parameter.optional}};
+      if (parameter.optional) json["default"] = jsonValue(defaultOf(parameter));
+      parameters.push_back(std::move(json));
+    }
+    list.push_back({{"name", method.name},
+                    {"kind", method.kind == Kind::method ? "method" : "property"},
+                    {"parameters", std::move(parameters)},
+                    {"result", typeName(method.result)},
+                    {"help", method.help}});
+  }
+  return list.dump();
+}
+
 std::string listOfMethods() {
   std::string text;
   for (const Method& method : methods()) {

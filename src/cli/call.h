@@ -47,4 +47,7 @@ std::string jsonOf(const Call& call, const CallResult& result);
 /// All methods and properties with their parameters, types and defaults.
 std::string listOfMethods();
 
+/// The same as a JSON array.
+std::string jsonOfMethods();
+
 }  // namespace velk::cli

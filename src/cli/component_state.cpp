@@ -56,7 +56,7 @@ std::string quoted(const fs::path& path) {
 
 /// The library of a bitness that came with this program, which lies in one of two folders side by side.
 fs::path libraryFor(const ComponentState& state, int bits) {
-  const fs::path name = "VelkCom.dll";
+  constexpr const char* name = "VelkCom.dll";
   const fs::path folder = state.program.parent_path();
   for (const fs::path& path : {folder / name, folder.parent_path() / (bits == wide ? "x64" : "x86") / name}) {
     if (bitsOf(path) == bits) return path;

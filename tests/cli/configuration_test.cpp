@@ -29,6 +29,7 @@ TEST(ConfigurationTest, TakesTheLinkFromTheEnvironment) {
     setenv("VELK_LINK", link.c_str(), 1);
     const auto status = Json::parse(velk({"status", "--json"}).text, nullptr, false);
     EXPECT_EQ(status["firmware"]["kind"], 3) << link;
+    EXPECT_EQ(status["kind"], link.front() == 't' ? "Q" : "fast");
     EXPECT_EQ(status["link"].get<std::string>().find("a\\x26b"), std::string::npos) << "no password is shown";
   }
   for (const char* const wrong :
@@ -114,9 +115,10 @@ TEST(ConfigurationTest, DrawsTheWeek) {
 TEST(ConfigurationTest, EveryCommandHasExamplesAndACompletion) {
   const std::string script = velk({"completion", "bash"}).text;
   const std::string help = velk({"--help"}).text;
-  for (const char* const command : {"status", "outputs", "output", "clock", "links", "presets", "preset",
-                                    "switch-times", "simulation", "modules", "ir-text", "language", "backup",
-                                    "diff", "restore", "week", "doctor", "completion", "call", "methods"}) {
+  for (const char* const command :
+       {"status",       "outputs",    "output",  "clock",      "links",    "presets", "preset",
+        "switch-times", "simulation", "modules", "ir-text",    "language", "backup",  "diff",
+        "restore",      "week",       "doctor",  "completion", "call",     "methods"}) {
     EXPECT_NE(help.find(std::string("\n  ") + command + " "), std::string::npos) << command;
     EXPECT_NE(velk({command, "--help"}).text.find("Examples:\n"), std::string::npos) << command;
     EXPECT_NE(script.find(std::string("    ") + command + ") words="), std::string::npos) << command;

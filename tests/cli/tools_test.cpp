@@ -116,6 +116,11 @@ TEST(VelkTest, ListsMethods) {
   EXPECT_NE(list.text.find("OpenTCP(IpAddress text, PortNumber integer, PassWord in/out text = \"\", "
                            "RSAddress byte = 2) : byte"),
             std::string::npos);
+  const auto json = nlohmann::json::parse(velk({"methods", "--json"}).text);
+  const auto openTcp =
+      std::find_if(json.begin(), json.end(), [](const auto& row) { return row["name"] == "OpenTCP"; });
+  ASSERT_NE(openTcp, json.end());
+  EXPECT_EQ((*openTcp)["parameters"][3]["default"], 2);
 }
 
 TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {

@@ -5,19 +5,21 @@ namespace velk::cli {
 namespace {
 
 struct MethodsOptions {
-  void declare(CLI::App& /*app*/) {}
+  bool json = false;
+
+  void declare(CLI::App& app) { app.add_flag("--json", json, "Print JSON"); }
 };
 
-int printMethods(const MethodsOptions& /*options*/) {
-  std::cout << listOfMethods();
+int printMethods(const MethodsOptions& options) {
+  std::cout << (options.json ? jsonOfMethods() + '\n' : listOfMethods());
   return success;
 }
 
 }  // namespace
 
 void addMethods(CLI::App& velk, Run& run) {
-  addCommand<MethodsOptions>(velk, run, "methods", "List all methods and properties", "  velk methods\n",
-                             printMethods);
+  addCommand<MethodsOptions>(velk, run, "methods", "List all methods and properties",
+                             "  velk methods\n  velk methods --json\n", printMethods);
 }
 
 }  // namespace velk::cli

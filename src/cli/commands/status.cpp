@@ -36,9 +36,18 @@ std::string milliseconds(double time) {
   return {text.data(), static_cast<std::size_t>(length)};
 }
 
-std::string interfaceOf(Serial& serial) {
-  if (serial.TCP) return "Ethernet, kind " + serial.SoortETH;
-  return serial.NoEcho ? "serial, fast mode" : "serial, echo mode";
+struct Interface {
+  std::string kind;
+  std::string words;
+};
+
+Interface interfaceOf(const Serial& serial) {
+  if (!serial.TCP) {
+    if (serial.NoEcho) return {"fast", "serial line in fast mode"};
+    return {"echo", "serial line in echo mode"};
+  }
+  if (serial.isKindQ()) return {"Q", "Ethernet, kind Q, which takes a password"};
+  return {"S", "Ethernet, kind S, which takes no password"};
 }
 
 /// The bytes of the initialisation block in front of and behind the clock.
@@ -59,6 +68,12 @@ Firmware readFirmware(Serial& serial) {
           .further = block.substr(clockEnd)};
 }
 
+Json jsonOf(const Bytes& bytes) {
+  Json json = Json::array();
+  for (const char c : bytes) json.push_back(byteValue(c));
+  return json;
+}
+
 int carryOutStatus(const LinkedOptions& options) {
   const LinkOptions link = options.link.required();
   const auto connection = open(link);
@@ -66,22 +81,24 @@ int carryOutStatus(const LinkedOptions& options) {
   const RoundTrips trips = measure(serial);
   const ClockReading clock = readClock(serial);
   const Firmware firmware = readFirmware(serial);
+  const Interface medium = interfaceOf(serial);
   if (options.json) {
     std::cout << Json{{"link", nameOf(link)},
-                      {"interface", interfaceOf(serial)},
+                      {"kind", medium.kind},
+                      {"interface", medium.words},
                       {"round_trip_ms", {{"min", trips.least}, {"median", trips.median}, {"p95", trips.p95}}},
                       {"clock", jsonOf(clock)},
                       {"firmware",
-                       {{"settings", numbers(firmware.settings)},
-                        {"controller", numbers(firmware.controller)},
+                       {{"settings", jsonOf(firmware.settings)},
+                        {"controller", jsonOf(firmware.controller)},
                         {"kind", firmware.kind},
-                        {"further", numbers(firmware.further)}}}}
+                        {"further", jsonOf(firmware.further)}}}}
               << '\n';
     return success;
   }
-  std::cout << "link        " << nameOf(link) << "\ninterface   " << interfaceOf(serial)
-            << "\nround trip  min " << milliseconds(trips.least) << ", median " << milliseconds(trips.median)
-            << ", p95 " << milliseconds(trips.p95) << "\nclock       " << textOf(clock.controller) << ", "
+  std::cout << "link        " << nameOf(link) << "\ninterface   " << medium.words << "\nround trip  min "
+            << milliseconds(trips.least) << ", median " << milliseconds(trips.median) << ", p95 "
+            << milliseconds(trips.p95) << "\nclock       " << textOf(clock.controller) << ", "
             << deviationOf(clock) << "\nfirmware    controller " << numbers(firmware.controller) << ", kind "
             << int{firmware.kind} << ", further " << numbers(firmware.further) << "\nsettings    "
             << numbers(firmware.settings) << '\n';
@@ -93,7 +110,15 @@ int carryOutStatus(const LinkedOptions& options) {
 void addStatus(CLI::App& velk, Run& run) {
   addCommand<LinkedOptions>(
       velk, run, "status", "Show link, round-trip times, clock and firmware",
-      "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n", carryOutStatus);
+      "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n"
+      "\n"
+      "  link        as in VELK_LINK, without the password\n"
+      "  interface   what its greeting or the options say\n"
+      "  round trip  of 21 reads of one byte\n"
+      "  clock       the controller's, and how far it is from the PC's\n"
+      "  firmware    the controller's bytes 4 and 5, the kind they tell, bytes 14 to 16 (see Ctl_Init)\n"
+      "  settings    bytes 1 to 3, which Ctl_Init writes\n",
+      carryOutStatus);
 }
 
 }  // namespace velk::cli
