@@ -22,7 +22,8 @@ constexpr const char* notes =
     "[::1]:8445. NO_COLOR switches colours off.\n"
     "\nExit status:\n"
     "  0  done\n"
-    "  1  the controller refused or did not answer; diff: there are differences; restore: declined\n"
+    "  1  the controller refused or did not answer; diff: there are differences; restore: declined;\n"
+    "     doctor: the component cannot be created\n"
     "  2  the command line is wrong\n"
     "  3  a run-time error of the link\n"
     "  4  the link could not be opened\n"
@@ -57,6 +58,15 @@ int guarded(const Run& run) {
   }
 }
 
+/// The parser would only say that a command is missing.
+bool namesUnknownCommand(const CLI::App& app, int argc, char** argv) {
+  const std::string first = argc > 1 ? argv[1] : "-";
+  const auto named = app.get_subcommands([&](const CLI::App* command) { return command->check_name(first); });
+  if (first.starts_with('-') || !named.empty()) return false;
+  std::cerr << "velk: there is no command \"" << first << "\"; \"velk --help\" lists them\n";
+  return true;
+}
+
 int main(int argc, char** argv) {
   CLI::App app(description, "velk");
   app.require_subcommand(1);
@@ -64,6 +74,7 @@ int main(int argc, char** argv) {
   app.footer(notes);
   Run run;
   addCommands(app, run);
+  if (namesUnknownCommand(app, argc, argv)) return wrongUsage;
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

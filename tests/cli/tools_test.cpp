@@ -77,6 +77,11 @@ TEST(VelkTest, RefusesAWrongCommandLine) {
   }
 }
 
+TEST(VelkTest, TellsOfAnUnknownCommand) {
+  EXPECT_EQ(complaintOf({"nothing", "--json"}),
+            "velk: there is no command \"nothing\"; \"velk --help\" lists them\n");
+}
+
 TEST(VelkTest, TakesIpv6AddressesInBrackets) {
   if (!fs::exists("/proc/net/if_inet6")) GTEST_SKIP() << "there is no IPv6 here";
   Tool simulator("velk-sim", {"--tcp", "0", "--bind", "::1", "--for", "60"});

@@ -46,6 +46,7 @@ completes() { # completes "WORDS" COMPLETION: bash, with the cursor behind the w
 }
 check "bash completes a command" completes "velk rest" restore
 check "  and its options" completes "velk restore --dr" --dry-run
+check "  and leaves files to the shell" completes "velk restore ho" ""
 
 "$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 120 >"$work/simulator.log" &
 simulator=$!

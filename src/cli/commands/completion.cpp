@@ -27,8 +27,9 @@ std::string bashScript(const CLI::App& velk) {
     commands += " " + command->get_name();
     cases += "    " + command->get_name() + ") words=\"" + optionsOf(*command) + "\" ;;\n";
   }
-  return "_velk() {\n  local current=${COMP_WORDS[COMP_CWORD]} words\n  case ${COMP_WORDS[1]} in\n" + cases +
-         "    *) words=\"\" ;;\n  esac\n  [ \"$COMP_CWORD\" -eq 1 ] && words=\"" + commands +
+  // Where no option begins, bash offers files.
+  return "_velk() {\n  local current=${COMP_WORDS[COMP_CWORD]} words=\n  case ${COMP_WORDS[1]} in\n" + cases +
+         "  esac\n  [[ $current == -* ]] || words=\n  [ \"$COMP_CWORD\" -ne 1 ] || words=\"" + commands +
          " --help --version\"\n  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n}\n"
          "complete -o default -F _velk velk\n";
 }
