@@ -1,15 +1,12 @@
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 #include <sys/resource.h>
-#include <termios.h>
 
 #include <thread>
 
 #include "component/serial.h"
 #include "platform/host.h"
-#include "platform/posix/fd.h"
 #include "support/bytes.h"
+#include "support/real_peers.h"
 
 namespace velk::platform {
 namespace {
@@ -17,6 +14,8 @@ namespace {
 using namespace std::chrono_literals;
 
 using test::errorOf;
+using test::Listener;
+using test::Pty;
 
 std::chrono::nanoseconds cpuTime() {
   rusage usage{};
@@ -24,53 +23,6 @@ std::chrono::nanoseconds cpuTime() {
   return std::chrono::seconds(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
          std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
 }
-
-/// A pseudo terminal whose far end the test holds, mapped to a port number.
-class Pty {
- public:
-  static constexpr int number = 200;
-
-  Pty() {
-    int far = -1;
-    int near = -1;
-    char name[64];
-    EXPECT_EQ(openpty(&far, &near, name, nullptr, nullptr), 0);
-    far_ = Fd(far);
-    Fd(near).reset();
-    mapPort(number, name);
-  }
-  ~Pty() { mapPort(number, ""); }
-  Pty(const Pty&) = delete;
-  Pty& operator=(const Pty&) = delete;
-
-  [[nodiscard]] int far() const { return far_.get(); }
-  void hangUp() { far_.reset(); }
-
- private:
-  Fd far_;
-};
-
-/// A listening socket on 127.0.0.1.
-class Listener {
- public:
-  Listener() : fd_(::socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    EXPECT_EQ(bind(fd_.get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-    EXPECT_EQ(listen(fd_.get(), 4), 0);
-    getsockname(fd_.get(), reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
-  }
-  [[nodiscard]] Fd accept() const { return Fd(::accept(fd_.get(), nullptr, nullptr)); }
-  void stop() { fd_.reset(); }
-
-  std::uint16_t port = 0;
-
- private:
-  Fd fd_;
-};
 
 class PosixPort : public testing::Test {
  protected:
@@ -96,6 +48,26 @@ TEST_F(PosixPort, CarriesAllByteValuesBothWays) {
   EXPECT_EQ(port.read(), "");
   port.setBreak(true);
   port.setBreak(false);
+}
+
+TEST_F(PosixPort, OneReadTakesAllThatHasCome) {
+  const Pty pty;
+  port.open(Pty::number, {});
+  const Bytes noise(6000, 'n');
+  std::thread far([&] { EXPECT_EQ(::write(pty.far(), noise.data(), noise.size()), 6000); });
+  far.join();
+  std::this_thread::sleep_for(50ms);
+  EXPECT_EQ(port.read().size(), noise.size());
+  EXPECT_TRUE(port.read().empty());
+}
+
+TEST_F(PosixPort, ADeviceThatTakesNothingIsBusy) {
+  const Pty pty;
+  port.open(Pty::number, {});
+  const auto start = host.steady();
+  EXPECT_EQ(errorOf([&] { port.write(Bytes(1 << 20, 'x')); }), 8019);
+  EXPECT_GE(host.steady() - start, 1s);
+  EXPECT_LE(host.steady() - start, 5s);
 }
 
 TEST_F(PosixPort, ErrorsByNumber) {
@@ -218,6 +190,50 @@ TEST_F(PosixSocket, RefusedConnectionEndsOpenTcpAtOnce) {
   Serial serial;
   const auto start = host.steady();
   EXPECT_EQ(serial.OpenTCP("127.0.0.1", static_cast<std::int16_t>(listener.port)), 252);
+  EXPECT_LE(host.steady() - start, 1s);
+}
+
+/// The time-out of a receiving call on the socket that is connected to a port of this machine.
+std::chrono::microseconds receiveTimeOut(std::uint16_t port) {
+  constexpr int highest = 1024;
+  for (int fd = 0; fd < highest; ++fd) {
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    if (getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &size) != 0 || ntohs(peer.sin_port) != port) {
+      continue;
+    }
+    timeval limit{};
+    size = sizeof limit;
+    getsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, &size);
+    return std::chrono::seconds(limit.tv_sec) + std::chrono::microseconds(limit.tv_usec);
+  }
+  return {};
+}
+
+/// The system ends a receiving call late by up to an eighth of its time-out. A wait for midnight that began
+/// in the evening would miss it.
+TEST_F(PosixSocket, LongWaitsLeaveRoomForALateTimeOut) {
+  const Listener listener;
+  socket.connect("127.0.0.1", listener.port);
+  const Fd peer = listener.accept();
+  goOn([&] { return !socket.isDead() && errorOf([&] { socket.receive(); }) == 0; });
+  for (const std::chrono::nanoseconds longest :
+       {std::chrono::nanoseconds(101ms), std::chrono::nanoseconds(2s), std::chrono::nanoseconds(1500ms),
+        std::chrono::nanoseconds(10h)}) {
+    ASSERT_EQ(::write(peer.get(), "x", 1), 1);
+    host.block(Source::socket, longest, Messages::held);
+    EXPECT_EQ(socket.receive(), "x");
+    const auto timeOut = receiveTimeOut(listener.port);
+    EXPECT_GT(timeOut, 0s) << "0 would be without end";
+    EXPECT_LE(timeOut * 9 / 8, longest) << longest.count();
+  }
+}
+
+TEST_F(PosixSocket, NothingToWaitForEndsAWaitAtOnce) {
+  const auto start = host.steady();
+  host.block(Source::socket, 10s, Messages::held);
+  Serial serial;
+  EXPECT_EQ(serial.OpenTCP("", 1), 252);
   EXPECT_LE(host.steady() - start, 1s);
 }
 

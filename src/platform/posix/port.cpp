@@ -19,6 +19,10 @@ namespace {
 /// How long a port may refuse to take anything.
 constexpr int writePatience = 1000;  // ms
 
+/// The system hands out a long backlog in pieces of some 4000 bytes, out of at most this many that it keeps.
+constexpr ssize_t longPiece = 1024;
+constexpr std::size_t mostKept = 65536;
+
 std::string devicePath(int number) {
   const auto mapped = mappedPort(number);
   return mapped ? *mapped : "/dev/ttyS" + std::to_string(number - 1);
@@ -88,8 +92,14 @@ void PosixSerialPort::close() {
 Bytes PosixSerialPort::read() {
   requireOpen();
   std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by read
-  const auto n = ::read(fd_.get(), buffer.data(), buffer.size());
-  if (n > 0) return {buffer.data(), static_cast<std::size_t>(n)};
+  Bytes all;
+  auto n = ::read(fd_.get(), buffer.data(), buffer.size());
+  while (n > 0) {
+    all.append(buffer.data(), static_cast<std::size_t>(n));
+    if (n < longPiece || all.size() >= mostKept) break;
+    n = ::read(fd_.get(), buffer.data(), buffer.size());
+  }
+  if (!all.empty()) return all;
   // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
   if (n < 0 && (errno == EAGAIN || errno == EINTR)) return {};
   throw RuntimeError(RuntimeError::deviceFailed);

@@ -20,10 +20,10 @@ constexpr std::chrono::seconds sendPatience(2);
 /// More than any reply; it grows when a peer has sent more.
 constexpr std::size_t bufferSize = 1024;
 
-/// A receiving call may block this much shorter than a wait, and does not block for waits shorter than that.
-/// So the time-out of the socket can stay as it is from one transaction to the next, and what is left of a
-/// wait is left to a poll, whose clock is finer.
-constexpr std::chrono::milliseconds receiveTolerance(20);
+/// A receiving call blocks for three quarters of a wait at most, and not at all in a short one: the system
+/// ends it late, by up to an eighth of its time-out. What is left of the wait is left to a poll, whose clock
+/// is exact.
+constexpr std::chrono::milliseconds shortWait(100);
 
 }  // namespace
 
@@ -63,7 +63,7 @@ void PosixSocket::send(std::string_view bytes) {
     }
     pollfd ready{.fd = fd_.get(), .events = POLLOUT, .revents = 0};
     const bool busy = n < 0 && (errno == EAGAIN || errno == EINTR);
-    if (!busy || !poll(ready, sendPatience)) {
+    if (!busy || poll(ready, sendPatience) == 0) {
       die();
       throw RuntimeError(RuntimeError::badSocketState);
     }
@@ -71,13 +71,14 @@ void PosixSocket::send(std::string_view bytes) {
 }
 
 void PosixSocket::wait(std::chrono::nanoseconds longest) {
-  if (state_ == State::connected && longest > receiveTolerance) {
+  if (isDead()) return;
+  if (state_ == State::connected && longest > shortWait) {
     // The usual case, in one call: polling first would be a second one.
     setReceiveTime(longest);
     take(0);
   } else {
     pollfd watched = interest();
-    if (poll(watched, longest)) advance(watched.revents);
+    if (poll(watched, longest) > 0) advance(watched.revents);
   }
 }
 
@@ -145,9 +146,10 @@ void PosixSocket::connected() {
   buffer_.resize(bufferSize);
 }
 
+/// A time-out between a half and three quarters of the wait stays, mostly from one transaction to the next.
 void PosixSocket::setReceiveTime(std::chrono::nanoseconds longest) {
-  if (receiveTime_ <= longest && receiveTime_ + receiveTolerance >= longest) return;
-  receiveTime_ = longest - receiveTolerance / 2;
+  if (receiveTime_ >= longest / 2 && receiveTime_ <= longest / 4 * 3) return;
+  receiveTime_ = longest / 8 * 5;
   const auto time = std::chrono::duration_cast<std::chrono::microseconds>(receiveTime_).count();
   constexpr int million = 1'000'000;
   const timeval limit{.tv_sec = time / million, .tv_usec = time % million};
