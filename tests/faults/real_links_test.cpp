@@ -196,24 +196,17 @@ class Signals {
   Signals() {
     struct sigaction action {};
     action.sa_handler = [](int) {};
-    sigaction(SIGUSR1, &action, &before_);
+    sigaction(SIGUSR1, &action, nullptr);  // and stays: a signal may come late
+    sender_ = std::jthread([to = pthread_self()](const std::stop_token& stop) {
+      while (!stop.stop_requested()) {
+        pthread_kill(to, SIGUSR1);
+        std::this_thread::sleep_for(5ms);
+      }
+    });
   }
-  ~Signals() {
-    sender_.request_stop();
-    sender_.join();
-    sigaction(SIGUSR1, &before_, nullptr);
-  }
-  Signals(const Signals&) = delete;
-  Signals& operator=(const Signals&) = delete;
 
  private:
-  struct sigaction before_ {};
-  std::jthread sender_{[to = pthread_self()](const std::stop_token& stop) {
-    while (!stop.stop_requested()) {
-      pthread_kill(to, SIGUSR1);
-      std::this_thread::sleep_for(5ms);
-    }
-  }};
+  std::jthread sender_;
 };
 
 TEST_F(RealTcp, SignalsNeitherEndNorShortenAWait) {

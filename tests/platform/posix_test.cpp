@@ -77,6 +77,7 @@ TEST_F(PosixPort, ErrorsByNumber) {
   EXPECT_EQ(errorOf([&] { port.write("x"); }), 8018);
   EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 8018);
   EXPECT_EQ(errorOf([&] { port.open(0, {}); }), 8002);
+  EXPECT_EQ(errorOf([&] { port.open(255, {}); }), 8002) << "by its own name, which no machine has";
   mapPort(201, "/nowhere");
   EXPECT_EQ(errorOf([&] { port.open(201, {}); }), 8002);
   mapPort(201, "/dev/null");
@@ -98,7 +99,16 @@ TEST_F(PosixPort, VanishedDeviceIsAnErrorNotAHang) {
   host.block(Source::port, 5s, Messages::held);
   EXPECT_EQ(errorOf([&] { port.read(); }), 8020);
   EXPECT_EQ(errorOf([&] { port.write("x"); }), 8020);
+  EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 8020);
   port.close();
+}
+
+TEST_F(PosixPort, OpensWithEverySettingThatCanBeNamed) {
+  const Pty pty;
+  for (const char* settings : {"300,N,5,1", "1200,E,6,1.5", "19200,O,7,2", "9600,M,8,1", "115200,S,8,1"}) {
+    EXPECT_EQ(errorOf([&] { port.open(Pty::number, parseSettings(settings)); }), 0) << settings;
+    port.close();
+  }
 }
 
 TEST_F(PosixPort, AnswerIsTakenUpAtOnceAndWaitingCostsNothing) {

@@ -85,8 +85,41 @@ TEST(Numbers, ConversionsRoundHalfToEvenAndKeepTheirRange) {
   EXPECT_EQ(errorOf([] { convert(255.5, Type::byte); }), 6);
   EXPECT_EQ(errorOf([] { convert(-1.0, Type::byte); }), 6);
   EXPECT_EQ(errorOf([] { convert(std::nan(""), Type::integer); }), 6);
-  for (const char* text : {"", "1x", "&H", "1 2", "--1"}) {
+  for (const char* text : {"", "1x", "&H", "&O8", "&O", "1 2", "--1", "\t \n"}) {
     EXPECT_EQ(errorOf([&] { convert(std::string(text), Type::byte); }), 13) << text;
+  }
+}
+
+TEST(Numbers, TextsOfAnySizeAndBase) {
+  const std::vector<std::pair<const char*, double>> table{
+      {"&o17", 15},
+      {"&hFF", 255},
+      {"+2.5", 2.5},
+      {"1e-999", 0},
+      {"-1e-999", 0},
+      {" 1E2 ", 100},
+      {"&HFFFFFFFF", 4294967295.0},
+      {".5", 0.5},
+  };
+  for (const auto& [text, number] : table) EXPECT_EQ(toNumber(std::string(text)), number) << text;
+  for (const char* text : {"1e999", "-1e999"}) {
+    EXPECT_EQ(errorOf([&] { convert(std::string(text), Type::integer); }), 6) << text;
+  }
+}
+
+TEST(Numbers, EveryKindOfValueAsTextAndNumber) {
+  const std::vector<std::tuple<Value, std::string, double>> table{
+      {Value(), "", 0},        {true, "True", -1},           {false, "False", 0},
+      {Byte{200}, "200", 200}, {std::int16_t{-3}, "-3", -3}, {std::int32_t{70000}, "70000", 70000},
+      {0.5, "0.5", 0.5},       {1e30, "1E+30", 1e30},        {std::string("12"), "12", 12},
+  };
+  for (const auto& [value, text, number] : table) {
+    EXPECT_EQ(toText(value), text);
+    EXPECT_EQ(toNumber(value), number) << text;
+    EXPECT_EQ(convert(value, Type::boolean), Value(number != 0)) << text;
+    EXPECT_EQ(convert(value, Type::variant), value) << text;
+    EXPECT_TRUE(holds(convert(value, Type::text), Type::text)) << text;
+    EXPECT_FALSE(holds(value, Type::none) && value != Value());
   }
 }
 

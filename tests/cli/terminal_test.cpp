@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "cli/tool.h"
+#include "platform/devices.h"
+#include "support/real_peers.h"
+
+/// What people see: texts, questions and progress on a terminal.
+namespace velk::cli {
+namespace {
+
+using Json = nlohmann::json;
+
+/// Runs velk on a terminal of its own, where `answer` is typed at a question. Returns what the terminal
+/// shows.
+Ended onTerminal(Words words, const std::string& answer = {}) {
+  int terminal = -1;
+  const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (pid == 0) {
+    words.insert(words.begin(), std::string(VELK_BIN_DIR) + "/velk");
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    execv(arguments[0], arguments.data());
+    _exit(127);
+  }
+  const platform::Fd fd(terminal);
+  std::string text;
+  std::array<char, 4096> buffer{};
+  pollfd watched{.fd = terminal, .events = POLLIN, .revents = 0};
+  bool asked = false;
+  while (poll(&watched, 1, 30'000) > 0) {
+    const auto n = read(terminal, buffer.data(), buffer.size());
+    if (n <= 0) break;
+    text.append(buffer.data(), static_cast<std::size_t>(n));
+    if (!asked && text.find("[y/N] ") != std::string::npos) {
+      asked = true;
+      EXPECT_EQ(write(terminal, answer.data(), answer.size()), static_cast<ssize_t>(answer.size()));
+    }
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1, .text = text};
+}
+
+bool shows(const Ended& ended, const std::string& part) {
+  return ended.text.find(part) != std::string::npos;
+}
+
+class Terminal : public testing::Test {
+ protected:
+  ~Terminal() override {
+    std::filesystem::remove(empty_);
+    std::filesystem::remove(backup());
+  }
+
+  [[nodiscard]] std::string backup() const { return empty_ + ".json"; }
+
+ private:
+  static std::string emptyImage() {
+    std::string name = testing::TempDir() + "velk-terminal-" + std::to_string(getpid());
+    std::ofstream(name) << "velk-memory 1\nend\n";
+    return name;
+  }
+
+  std::string empty_ = emptyImage();
+
+ protected:
+  Tool simulator{"velk-sim", {"--tcp", "0", "--image", empty_, "--for", "100"}};
+  std::string link = behind(simulator.line(), "tcp Q ");
+};
+
+TEST_F(Terminal, ARestorationAsksBeforeItWrites) {
+  ASSERT_EQ(velk({"backup", "--simulate", backup()}).status, 0);
+  const Words restore{"restore", "--tcp", link, "--only", "presets", backup()};
+  for (const char* const no : {"n\n", "\n", "yesterday\n"}) {
+    EXPECT_EQ(onTerminal(restore, no).status, 1) << no;
+  }
+  EXPECT_EQ(velk({"preset", "--tcp", link, "2", "--json"}).text.find("Evening"), std::string::npos)
+      << "nothing was written";
+  const Ended written = onTerminal(restore, "y\n");
+  EXPECT_EQ(written.status, 0);
+  EXPECT_TRUE(shows(written, "things written and read back")) << written.text;
+  EXPECT_NE(velk({"preset", "--tcp", link, "2", "--json"}).text.find("Evening"), std::string::npos);
+}
+
+TEST_F(Terminal, ABackupShowsHowFarItIs) {
+  const Ended ended = onTerminal({"backup", "--tcp", link, backup()});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_TRUE(shows(ended, " % ")) << ended.text;
+  EXPECT_TRUE(shows(ended, " s left")) << ended.text;
+  EXPECT_EQ(velk({"backup", "--tcp", link, backup()}).text, "") << "but not in a file or a pipe";
+}
+
+TEST_F(Terminal, HeadingsAreBoldUnlessUnwanted) {
+  EXPECT_TRUE(shows(onTerminal({"presets", "--simulate"}), "\x1b[1mPreset"));
+  setenv("NO_COLOR", "1", 1);
+  EXPECT_FALSE(shows(onTerminal({"presets", "--simulate"}), "\x1b"));
+  unsetenv("NO_COLOR");
+  EXPECT_EQ(velk({"presets", "--simulate"}).text.find('\x1b'), std::string::npos);
+}
+
+TEST_F(Terminal, AnEmptyControllerHasNothingToList) {
+  const std::vector<std::pair<std::string, std::string>> rows{{"outputs", "no output has a mode\n"},
+                                                              {"links", "there are no links\n"},
+                                                              {"presets", "there are no presets\n"}};
+  for (const auto& [command, text] : rows) {
+    EXPECT_EQ(velk({command, "--tcp", link}).text, text);
+    EXPECT_EQ(Json::parse(velk({command, "--tcp", link, "--json"}).text), Json::array()) << command;
+  }
+  EXPECT_EQ(velk({"preset", "--tcp", link, "2"}).text.substr(0, 9), "preset 2:");
+}
+
+TEST_F(Terminal, ClockDeviationsInWords) {
+  // Seconds to years from their addresses on, as the controller keeps them: packed decimals.
+  const auto set = [&](const std::string& clock) {
+    return call({"--tcp", link, "WriteCom", "7", "255", "249", "V", clock}).status;
+  };
+  const std::vector<std::pair<std::string, std::string>> rows{
+      {"\\x00\\x00\\x12\\x01\\x01\\x01\\x99", " s ahead"},
+      {"\\x00\\x00\\x12\\x01\\x01\\x01\\x01", " s behind"},
+      {"\\x00\\x00\\x12\\x01\\x31\\x02\\x25", "unknown: the controller's date does not exist"},
+  };
+  for (const auto& [clock, words] : rows) {
+    ASSERT_EQ(set(clock), 0);
+    const Ended shown = velk({"clock", "--tcp", link});
+    EXPECT_TRUE(shows(shown, words)) << shown.text;
+    const Json json = Json::parse(velk({"clock", "--tcp", link, "--json"}).text);
+    EXPECT_EQ(json["seconds_ahead"].is_null(), words.front() == 'u') << clock;
+  }
+  ASSERT_EQ(set("\\x00\\x00\\x12\\x00\\x31\\x02\\x25"), 0);
+  EXPECT_TRUE(shows(velk({"clock", "--tcp", link}), "day -1")) << "a weekday that is none";
+  const Ended now = velk({"clock", "set", "--tcp", link});
+  EXPECT_TRUE(shows(now, "set; deviation now: ")) << now.text;
+  EXPECT_FALSE(shows(velk({"clock", "--tcp", link}), " d ")) << "it is today's date";
+}
+
+TEST_F(Terminal, StatusAndLanguage) {
+  const Ended status = velk({"status", "--tcp", link});
+  for (const char* const part :
+       {"interface   Ethernet, kind Q\n", "round trip  min ", "kind 0, further 0 0 0"}) {
+    EXPECT_TRUE(shows(status, part)) << status.text;
+  }
+  EXPECT_EQ(velk({"language", "--tcp", link, "E", "--json"}).text, "{\"language\":\"E\"}\n");
+  EXPECT_EQ(velk({"language", "--tcp", link, "X"}).status, 2);
+}
+
+/// A serial device that velk-sim is given, not one that it makes.
+TEST(SimulatorLine, AnswersOnADevice) {
+  for (const bool fast : {false, true}) {
+    test::Pty line;
+    const auto device = platform::mappedPort(test::Pty::number);
+    Tool simulator("velk-sim", {fast ? "--fast" : "--echo", *device, "--baud", "19200", "--for", "60"});
+    simulator.line();
+    ASSERT_EQ(simulator.line(), "ready");
+    const Bytes request = fast ? Bytes("*\x02\x02\x20\x05\x01#") : Bytes("*\x20\x05\x01");
+    Bytes received;
+    std::array<char, 64> buffer{};
+    pollfd watched{.fd = line.far(), .events = POLLIN, .revents = 0};
+    for (const char byte : request) {
+      ASSERT_EQ(write(line.far(), &byte, 1), 1);
+      if (!fast) {
+        ASSERT_EQ(poll(&watched, 1, 5000), 1);
+        ASSERT_GE(read(line.far(), buffer.data(), 1), 1);
+        EXPECT_EQ(buffer[0], byte) << "its echo";
+      }
+    }
+    const std::size_t length = fast ? 9 : 2;
+    while (received.size() < length && poll(&watched, 1, 5000) == 1) {
+      const auto n = read(line.far(), buffer.data(), buffer.size());
+      if (n <= 0) break;
+      received.append(buffer.data(), static_cast<std::size_t>(n));
+    }
+    EXPECT_EQ(received, fast ? request.substr(0, 6) + Bytes("\0\x05#", 3) : Bytes("\0\x05", 2));
+    EXPECT_EQ(simulator.finish(), 0);
+  }
+}
+
+}  // namespace
+}  // namespace velk::cli
