@@ -151,6 +151,7 @@ TEST_F(RealTcp, MoreThanTheBufferHoldsComesWhole) {
 
 class RealLine : public RealLink, public testing::WithParamInterface<bool> {
  protected:
+  /// Once the near end is open: until then there is nothing to read at the far one.
   std::jthread serveLine(Pty& pty, Ending ending) {
     return GetParam() ? serve<simulator::FastSession>(pty.take(), ending)
                       : serve<simulator::EchoSession>(pty.take(), ending);
@@ -170,9 +171,9 @@ TEST_P(RealLine, AnUnpluggedDeviceEndsATransactionAndTheNextOneWorks) {
     Pty pty;
     // In echo mode each byte has an answer: the line goes behind the second echo, else behind a piece of the
     // reply.
+    ASSERT_EQ(open(), 0);
     const std::jthread far =
         serveLine(pty, {.how = Ending::closed, .answers = GetParam() ? 0 : 2, .length = 3});
-    ASSERT_EQ(open(), 0);
     EXPECT_LE(timeOf([&] { EXPECT_EQ(errorOf([&] { read(); }), 8020); }), 1s);
     Bytes items;
     EXPECT_EQ(serial.Ctl_Init("R", items), 100) << "methods tell it by their result";
@@ -181,8 +182,8 @@ TEST_P(RealLine, AnUnpluggedDeviceEndsATransactionAndTheNextOneWorks) {
     EXPECT_EQ(serial.CloseCom(), 84);
   }
   Pty pty;
-  const std::jthread far = serveLine(pty, {});
   ASSERT_EQ(open(), 0);
+  const std::jthread far = serveLine(pty, {});
   EXPECT_EQ(read(), held());
   EXPECT_EQ(serial.CloseCom(), 0);
 }
@@ -245,9 +246,9 @@ TEST_F(RealTcp, SignalsDoNotBreakASendThatHasToWait) {
 
 TEST_P(RealLine, SignalsNeitherEndNorShortenAWait) {
   Pty pty;
-  const std::jthread far = serveLine(pty, {});
   const Signals signals;
   EXPECT_GE(timeOf([&] { ASSERT_EQ(open(), 0); }), 500ms - step);
+  const std::jthread far = serveLine(pty, {});
   EXPECT_EQ(read(), held());
   serial.CloseCom();
 }

@@ -113,6 +113,12 @@ TEST_F(FastMode, OnlyForeignFramesEndAfterASecond) {
   EXPECT_EQ(spent(), 1000ms);
 }
 
+TEST_F(FastMode, AHashAmongTheFirstSixBytesEndsNoFrame) {
+  script.answer(read2, "ab#" + good);
+  EXPECT_EQ(serial.ReadCom(2, 5, 16, "V", 1), bytes({251})) << "the reply went with what stood before it";
+  EXPECT_EQ(spent(), 1000ms);
+}
+
 TEST_F(FastMode, ShortRequestSucceedsAsASingleZero) {
   const Bytes frame = "*" + bytes({0}) + "ab#";
   script.answer(frame, frame);
