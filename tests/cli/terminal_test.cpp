@@ -149,6 +149,77 @@ TEST_F(Terminal, StatusAndLanguage) {
   EXPECT_EQ(velk({"language", "--tcp", link, "X"}).status, 2);
 }
 
+TEST_F(Terminal, ThingsThatTheHouseDoesNotHave) {
+  const auto write = [&](Words words) {
+    words.insert(words.begin(), {"--tcp", link});
+    return call(std::move(words)).status;
+  };
+  EXPECT_EQ(velk({"output", "--tcp", link, "5"}).text, "output 5: no mode\n");
+  ASSERT_EQ(write({"WriteCom", "16", "5", "64", "V", "<Bath & \\x22Spa\\x22>\\x00\\x00"}), 0);
+  ASSERT_EQ(write({"Ctl_Param", "W", "5", "T1", "Aantal=0"}), 0);
+  EXPECT_EQ(velk({"output", "--tcp", link, "5"}).text.substr(0, 47),
+            "output 5 <Bath & \"Spa\">: T1 timer 1\nItem  Place");
+
+  ASSERT_EQ(write({"Ctl_Soft", "W", "30", "1", "105", "I", "0", "0", "False", "False"}), 0);
+  ASSERT_EQ(write({"Ctl_Soft", "W", "30", "2", "5", "O", "0", "0", "True", "True"}), 0);
+  const std::string links = velk({"links", "--tcp", link}).text;
+  EXPECT_NE(links.find("\n30.1    input 105"), std::string::npos) << links;
+  EXPECT_EQ(Json::parse(velk({"links", "--tcp", link, "--json"}).text)[0].size(), 4U) << "without edges";
+
+  ASSERT_EQ(write({"SwitchTime", "W", "5", "127", "6", "5", "\\x05\\x01\\x02"}), 0);
+  ASSERT_EQ(write({"SwitchTime", "W", "6", "0", "7", "6", ""}), 0);
+  ASSERT_EQ(write({"SwitchTime", "W", "7", "43", "8", "7", "\\x05\\x01\\x02"}), 0);
+  const std::string times = velk({"switch-times", "--tcp", link}).text;
+  for (const char* const row : {"\n5      06:05  every day           output 5: 1 2\n",
+                                "\n6      07:06  no day              nothing\n",
+                                "\n7      08:07  Mon, Tue, Thu, Sat  output 5: 1 2\n"}) {
+    EXPECT_NE(times.find(row), std::string::npos) << row << times;
+  }
+
+  EXPECT_EQ(velk({"week", "--tcp", link, "--svg", backup()}).text, "");
+  std::ifstream in(backup());
+  const std::string picture((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_NE(picture.find("output 5 &lt;Bath &amp; &quot;Spa&quot;>"), std::string::npos)
+      << "names are no markup";
+}
+
+TEST_F(Terminal, InfraredTextsAndModules) {
+  EXPECT_EQ(velk({"ir-text", "--tcp", link, "3", "a\\xe9", "--json"}).text,
+            "{\"text\":3,\"value\":\"a\u00e9\"}\n");
+  EXPECT_EQ(velk({"ir-text", "--tcp", link, "3", "seventeen letters"}).status, 2);
+  EXPECT_EQ(velk({"modules", "--simulate", "090500"}).text.substr(0, 35),
+            "Serial  Model        CPU  Firmware ");
+}
+
+TEST_F(Terminal, BackupsThatAreDamagedOrOfAnotherLink) {
+  const Ended made = velk({"backup", "--simulate", backup(), "--json"});
+  EXPECT_GT(Json::parse(made.text)["lines"], 4000);
+  std::ifstream in(backup());
+  const Json good = Json::parse(in);
+  const auto damaged = [&](const char* key, const Json& value) {
+    Json json = good;
+    json[key] = value;
+    std::ofstream(backup()) << json;
+    return velk({"restore", "--tcp", link, "--yes", backup()}).status;
+  };
+  EXPECT_EQ(damaged("complete", false), 5) << "an unfinished one";
+  EXPECT_EQ(damaged("memory", 1), 5);
+  EXPECT_EQ(damaged("version", 99), 5);
+  EXPECT_EQ(damaged("format", "x"), 5);
+
+  // The part of another link is not continued.
+  Json part = good;
+  part["complete"] = false;
+  std::ofstream(backup() + ".part") << part;
+  EXPECT_GT(Json::parse(velk({"backup", "--tcp", link, backup(), "--json"}).text)["lines"], 4000);
+  EXPECT_FALSE(std::filesystem::exists(backup() + ".part"));
+}
+
+TEST_F(Terminal, APortIsServedOnce) {
+  const std::string port = link.substr(link.rfind(':') + 1);
+  EXPECT_EQ(Tool("velk-sim", {"--tcp", port}).wait(), 4);
+}
+
 /// A serial device that velk-sim is given, not one that it makes.
 TEST(SimulatorLine, AnswersOnADevice) {
   for (const bool fast : {false, true}) {

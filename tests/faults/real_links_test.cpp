@@ -163,6 +163,16 @@ class RealLine : public RealLink, public testing::WithParamInterface<bool> {
     return result;
   }
 
+  /// In echo mode a busy machine may take longer than the tenth of a second that each byte has.
+  Bytes readOnABusyMachine() {
+    Bytes reply = read();
+    for (int tries = 1; tries < 5 && reply == bytes({254}); ++tries) {
+      std::this_thread::sleep_for(2 * simulator::frameGap);
+      reply = read();
+    }
+    return reply;
+  }
+
   void TearDown() override { serial.CloseCom(); }
 };
 
@@ -184,7 +194,7 @@ TEST_P(RealLine, AnUnpluggedDeviceEndsATransactionAndTheNextOneWorks) {
   Pty pty;
   ASSERT_EQ(open(), 0);
   const std::jthread far = serveLine(pty, {});
-  EXPECT_EQ(read(), held());
+  EXPECT_EQ(readOnABusyMachine(), held());
   EXPECT_EQ(serial.CloseCom(), 0);
 }
 
@@ -249,7 +259,7 @@ TEST_P(RealLine, SignalsNeitherEndNorShortenAWait) {
   const Signals signals;
   EXPECT_GE(timeOf([&] { ASSERT_EQ(open(), 0); }), 500ms - step);
   const std::jthread far = serveLine(pty, {});
-  EXPECT_EQ(read(), held());
+  EXPECT_EQ(readOnABusyMachine(), held());
   serial.CloseCom();
 }
 

@@ -89,7 +89,10 @@ inline void play(Fd fd, simulator::Peer& peer, const Ending& ending) {
 
   send(peer.connected(), Bytes::npos);
   int left = ending.how == Ending::never ? -1 : ending.answers;
+  auto last = std::chrono::steady_clock::now();
   for (auto n = receive(); n > 0; n = receive()) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - std::exchange(last, now) >= simulator::frameGap) peer.quiet();
     const auto deliveries = peer.received({buffer.data(), static_cast<std::size_t>(n)});
     send(deliveries, left == 0 ? ending.length : Bytes::npos);
     if (left == 0) break;
