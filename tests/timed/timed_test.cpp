@@ -60,9 +60,9 @@ TEST_F(Presets, WriteAndReadEveryGroup) {
 TEST_F(Presets, TransactionsInOrder) {
   setMemory(102, 18, bytes({0x0F}));
   requests.clear();
-  EXPECT_EQ(write(3, {.data = bytes({9, 9, 9, 9, 2, 1, 2, 2, 8, 8, 8, 8})}, 5), 0);
+  EXPECT_EQ(write(3, {.data = bytes({9, 2, 9, 9, 0, 1, 9, 9, 8, 8, 8, 8})}, 5), 0);
   EXPECT_EQ(requests, (Requests{"write 16 V 2528 73 69 78 74 65 65 6E 20 6C 65 74 74 65 72 73 2E",
-                                "write 4 H 183A 09 09 09 09", "write 4 H 183C 08 08 08 08",
+                                "write 4 H 183A 09 02 09 09", "write 4 H 183C 08 08 08 08",
                                 "write 2 V 660C 05 FF", "read  1 V 6612", "write 1 V 6612 0B"}));
   Scene scene;
   requests.clear();
