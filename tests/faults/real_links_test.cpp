@@ -129,6 +129,32 @@ TEST_F(RealTcp, ASilentPeerCostsTheTimeOutAndNoMore) {
   expectItWorksAfterReopening(true);
 }
 
+TEST_F(RealTcp, ASendThatNobodyTakesEndsTheConnection) {
+  platform::Socket& socket = host.socket();
+  const auto connect = [&] {
+    socket.connect("127.0.0.1", listener.port);
+    Fd fd = listener.accept();
+    host.block(platform::Source::socket, 10ms, platform::Messages::held);
+    return fd;
+  };
+  {
+    const Fd full = connect();
+    const auto time =
+        timeOf([&] { EXPECT_EQ(errorOf([&] { socket.send(Bytes(64'000'000, 'm')); }), 40006); });
+    EXPECT_GE(time, 2s) << "a peer that reads nothing has time";
+    EXPECT_TRUE(socket.isDead());
+    socket.close();
+  }
+  {
+    Fd gone = connect();
+    const linger atOnce{.l_onoff = 1, .l_linger = 0};
+    setsockopt(gone.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    gone.reset();
+    EXPECT_EQ(errorOf([&] { socket.send("x"); }), 40006) << "nobody has waited for news since the reset";
+    EXPECT_TRUE(socket.isDead());
+  }
+}
+
 TEST_F(RealTcp, MoreThanTheBufferHoldsComesWhole) {
   std::jthread peer([&] {
     const Fd fd = listener.accept();

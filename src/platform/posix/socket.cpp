@@ -83,18 +83,9 @@ void PosixSocket::wait(std::chrono::nanoseconds longest) {
 }
 
 pollfd PosixSocket::interest() const {
-  switch (state_) {
-    case State::resolving:
-      return {.fd = lookup_->descriptor(), .events = POLLIN, .revents = 0};
-    case State::connecting:
-      return {.fd = fd_.get(), .events = POLLOUT, .revents = 0};
-    case State::connected:
-      return {.fd = fd_.get(), .events = POLLIN, .revents = 0};
-    case State::closed:
-    case State::dead:
-      break;
-  }
-  return {.fd = -1, .events = 0, .revents = 0};
+  if (state_ == State::resolving) return {.fd = lookup_->descriptor(), .events = POLLIN, .revents = 0};
+  const short events = state_ == State::connecting ? POLLOUT : POLLIN;
+  return {.fd = fd_.get(), .events = events, .revents = 0};
 }
 
 void PosixSocket::advance(short events) {
