@@ -135,10 +135,6 @@ const RecordRow* rowFor(const Subject& subject, Byte offset) {
   return found == rows.end() ? nullptr : found;
 }
 
-std::span<const RecordRow> recordRows() {
-  return rows;
-}
-
 Byte readLength(const Subject& subject, Byte offset) {
   const RecordRow* const row = rowFor(subject, offset);
   if (row == nullptr) return 0;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <span>
 #include <string_view>
 
 #include "modules/model.h"
@@ -64,9 +63,6 @@ constexpr bool asksVersion(const RecordRow& row, Byte offset) {
 
 /// The row for a module at an `Offset`; none for a type without records.
 const RecordRow* rowFor(const Subject& subject, Byte offset);
-
-/// The table itself.
-std::span<const RecordRow> recordRows();
 
 /// The length of the record to read; 0 for a type without records.
 Byte readLength(const Subject& subject, Byte offset);
