@@ -27,8 +27,8 @@ void Progress::show(std::size_t done, std::size_t total) {
   const double rate = static_cast<double>(done - first_) / seconds;
   const std::size_t filled = width * done / total;
   // A narrow terminal cuts the line off; broken in two it could not be overwritten.
-  std::cerr << "\r\x1b[?7l" << what_ << " [" << std::string(filled, '#') << std::string(width - filled, '.') << "] "
-            << done * 100 / total << " %  " << static_cast<long>(rate) << "/s";
+  std::cerr << "\r\x1b[?7l" << what_ << " [" << std::string(filled, '#') << std::string(width - filled, '.')
+            << "] " << done * 100 / total << " %  " << static_cast<long>(rate) << "/s";
   if (rate > 0) std::cerr << "  " << static_cast<long>(static_cast<double>(total - done) / rate) << " s left";
   std::cerr << "\x1b[K\x1b[?7h" << std::flush;
 }
