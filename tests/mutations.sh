@@ -38,10 +38,9 @@ log=build/mutations/log
 run_tests() { timeout "$limit" "$build/bin/velk_tests" --gtest_brief=1 --gtest_fail_fast >"$log" 2>&1; }
 compile() { nice cmake --build "$build" --target velk_tests >"$log" 2>&1; }
 
-# The tools are not built, so that their tests stay out.
 rm -rf "$copy"
 mkdir -p "$copy"
-git ls-files -z -co --exclude-standard -- CMakeLists.txt cmake fuzz packaging src tests ':!tests/cli' |
+git ls-files -z -co --exclude-standard -- CMakeLists.txt cmake fuzz packaging src tests |
   xargs -0 cp -p --parents -t "$copy"
 # What an earlier run has left broken in the build folder is built again.
 cut -d' ' -f1 <<<"$table" | sort -u | sed "s|^|$copy/src/|" | xargs touch

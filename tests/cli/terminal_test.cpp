@@ -141,8 +141,8 @@ TEST_F(Terminal, ClockDeviationsInWords) {
 
 TEST_F(Terminal, StatusAndLanguage) {
   const Ended status = velk({"status", "--tcp", link});
-  for (const char* const part :
-       {"interface   Ethernet, kind Q\n", "round trip  min ", "kind 0, further 0 0 0"}) {
+  for (const char* const part : {"interface   Ethernet, kind Q, which takes a password\n", "round trip  min ",
+                                 "kind 0, further 0 0 0"}) {
     EXPECT_TRUE(shows(status, part)) << status.text;
   }
   EXPECT_EQ(velk({"language", "--tcp", link, "E", "--json"}).text, "{\"language\":\"E\"}\n");
