@@ -18,7 +18,7 @@ class DeviceStream final : public Stream {
   std::optional<Bytes> receive(std::chrono::milliseconds longest) override {
     host_.block(platform::Source::port, longest, platform::Messages::held);
     try {
-      return host_.port().read();
+      return Bytes(host_.port().read());
     } catch (const RuntimeError&) {
       return std::nullopt;
     }

@@ -56,7 +56,8 @@ class SerialTransaction {
     }
     const std::size_t length = expectedReply(request_, false);
     Bytes reply = received.substr(std::min<std::size_t>(1, received.size()));
-    collect(reply, length, Deadline(host_, replyTime));
+    const Deadline deadline(host_, replyTime);
+    collect(reply, length, deadline, deadline.whole());
     if (reply.size() != length) return failed(hasShortReply(request_.command) ? wrongWriteReply : noReply);
     // The last reply is the result even when its status is bad: callers look at its first byte.
     const bool good = reply.front() == '\0';
@@ -81,7 +82,8 @@ class SerialTransaction {
     const std::size_t length = expectedReply(request_, true);
     Bytes reply;
     host_.yield();
-    collect(reply, length, Deadline(host_, replyTime));
+    const Deadline deadline(host_, replyTime);
+    collect(reply, length, deadline, deadline.whole());
     const bool ours = sameHeader(frame_, reply);
     if (reply.size() != length && (reply.empty() || ours)) return failed(noReply);
     if (reply.size() != length || !ours) return resynchronise(std::move(reply), length);
@@ -102,7 +104,7 @@ class SerialTransaction {
       const std::size_t next = endOfFrame(reply);
       if (next == 0 && deadline.passed()) break;
       reply.erase(0, next != 0 && next < reply.size() ? next : reply.size());
-      collect(reply, wanted, deadline);
+      collect(reply, wanted, deadline, deadline.remaining());
       found = sameHeader(frame_, reply);
     } while (!found);
     return found ? Outcome{Outcome::sendAgain, {}} : failed(noMatchingReply);
@@ -115,9 +117,9 @@ class SerialTransaction {
   }
 
   /// Appends what arrives until the reply holds `length` bytes or the deadline has passed.
-  void collect(Bytes& reply, std::size_t length, const Deadline& deadline) {
+  void collect(Bytes& reply, std::size_t length, const Deadline& deadline, std::chrono::nanoseconds rest) {
     if (reply.size() < length) {
-      await(host_, deadline, Source::port, Messages::held, [&] {
+      await(host_, deadline, rest, Source::port, Messages::held, [&] {
         reply += host_.port().read();
         return reply.size() >= length;
       });

@@ -36,7 +36,7 @@ class Deadline {
 };
 
 /// Waits until done() holds. It is asked each time the source may have news, and once more when the deadline
-/// has passed.
+/// has passed. `rest` is what remains of the deadline.
 template <class Done>
 void await(platform::Host& host, const Deadline& deadline, std::chrono::nanoseconds rest,
            platform::Source source, platform::Messages messages, Done done) {
@@ -44,13 +44,6 @@ void await(platform::Host& host, const Deadline& deadline, std::chrono::nanoseco
     host.block(source, rest, messages);
     if (done() || rest.count() == 0) return;
   }
-}
-
-/// The same for a deadline that has been running for a while.
-template <class Done>
-void await(platform::Host& host, const Deadline& deadline, platform::Source source,
-           platform::Messages messages, Done done) {
-  await(host, deadline, deadline.remaining(), source, messages, done);
 }
 
 /// The same for a delay that starts now.

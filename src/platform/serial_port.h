@@ -33,9 +33,9 @@ class SerialPort {
 
   [[nodiscard]] virtual bool isOpen() const = 0;
 
-  /// Everything received and not read yet; empty when nothing is waiting. Errors: 8018 not open, 8020 the
-  /// device failed or is gone.
-  virtual Bytes read() = 0;
+  /// Everything received and not read yet; empty when nothing is waiting. The bytes stay until the next call.
+  /// Errors: 8018 not open, 8020 the device failed or is gone.
+  virtual std::string_view read() = 0;
 
   /// Sends the bytes. Errors: 8018 not open, 8019 the device takes nothing, 8020 the device failed.
   virtual void write(std::string_view bytes) = 0;

@@ -87,11 +87,11 @@ class LoopbackHost::Port final : public platform::SerialPort {
 
   [[nodiscard]] bool isOpen() const override { return line_ != nullptr; }
 
-  Bytes read() override {
+  std::string_view read() override {
     requireWorking();
-    Bytes bytes = line_->take();
-    if (bytes.empty() && line_->hasEnded()) throw RuntimeError(RuntimeError::deviceFailed);
-    return bytes;
+    received_ = line_->take();
+    if (received_.empty() && line_->hasEnded()) throw RuntimeError(RuntimeError::deviceFailed);
+    return received_;
   }
 
   void write(std::string_view bytes) override {
@@ -115,6 +115,7 @@ class LoopbackHost::Port final : public platform::SerialPort {
 
   LoopbackHost& host_;
   std::unique_ptr<Line> line_;
+  Bytes received_;
   bool failed_ = false;
 };
 

@@ -20,7 +20,8 @@ namespace {
 constexpr int writePatience = 1000;  // ms
 
 /// The system hands out a long backlog in pieces of some 4000 bytes, out of at most this many that it keeps.
-constexpr ssize_t longPiece = 1024;
+constexpr std::size_t pieceSize = 4096;
+constexpr std::size_t longPiece = 1024;
 constexpr std::size_t mostKept = 65536;
 
 std::string devicePath(int number) {
@@ -89,20 +90,20 @@ void PosixSerialPort::close() {
   deviceClosed();
 }
 
-Bytes PosixSerialPort::read() {
+std::string_view PosixSerialPort::read() {
   requireOpen();
-  std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by read
-  Bytes all;
-  auto n = ::read(fd_.get(), buffer.data(), buffer.size());
-  while (n > 0) {
-    all.append(buffer.data(), static_cast<std::size_t>(n));
-    if (n < longPiece || all.size() >= mostKept) break;
-    n = ::read(fd_.get(), buffer.data(), buffer.size());
-  }
-  if (!all.empty()) return all;
-  // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
-  if (n < 0 && (errno == EAGAIN || errno == EINTR)) return {};
-  throw RuntimeError(RuntimeError::deviceFailed);
+  std::size_t held = 0;
+  std::size_t piece = 0;
+  do {
+    if (buffer_.size() < held + pieceSize) buffer_.resize(held + pieceSize);
+    const auto n = ::read(fd_.get(), buffer_.data() + held, pieceSize);
+    // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
+    const bool live = n > 0 || (n < 0 && (errno == EAGAIN || errno == EINTR));
+    if (!live && held == 0) throw RuntimeError(RuntimeError::deviceFailed);
+    piece = n > 0 ? static_cast<std::size_t>(n) : 0;
+    held += piece;
+  } while (piece >= longPiece && held < mostKept);
+  return {buffer_.data(), held};
 }
 
 void PosixSerialPort::write(std::string_view bytes) {

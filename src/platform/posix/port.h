@@ -16,7 +16,7 @@ class PosixSerialPort final : public SerialPort {
   void open(int number, const SerialSettings& settings) override;
   void close() override;
   [[nodiscard]] bool isOpen() const override { return static_cast<bool>(fd_); }
-  Bytes read() override;
+  std::string_view read() override;
   void write(std::string_view bytes) override;
   void setBreak(bool on) override;
 
@@ -27,6 +27,7 @@ class PosixSerialPort final : public SerialPort {
   void requireOpen() const;
 
   Fd fd_;
+  Bytes buffer_;
 };
 
 }  // namespace velk::platform

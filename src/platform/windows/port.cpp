@@ -93,19 +93,19 @@ void WindowsSerialPort::close() {
 
 /// The running read asks for one byte, so that it ends as soon as anything comes; a longer one would wait for
 /// all of its bytes or for a time-out. What else has come by then is fetched by its number.
-Bytes WindowsSerialPort::read() {
+std::string_view WindowsSerialPort::read() {
   requireOpen();
-  Bytes all;
+  received_.clear();
   while (reading_.state() != Transfer::State::running) {
     if (reading_.state() != Transfer::State::done || reading_.bytes().empty()) {
       throw RuntimeError(RuntimeError::deviceFailed);
     }
-    all += reading_.bytes();
+    received_ += reading_.bytes();
     const std::size_t rest = waiting();
     reading_.read(port_.get(), std::max<std::size_t>(rest, 1));
     if (rest > 0) reading_.wait(handOverPatience);
   }
-  return all;
+  return received_;
 }
 
 void WindowsSerialPort::write(std::string_view bytes) {

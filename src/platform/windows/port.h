@@ -16,7 +16,7 @@ class WindowsSerialPort final : public SerialPort {
   void open(int number, const SerialSettings& settings) override;
   void close() override;
   [[nodiscard]] bool isOpen() const override { return static_cast<bool>(port_); }
-  Bytes read() override;
+  std::string_view read() override;
   void write(std::string_view bytes) override;
   void setBreak(bool on) override;
 
@@ -29,6 +29,7 @@ class WindowsSerialPort final : public SerialPort {
   [[nodiscard]] std::size_t waiting() const;
 
   Handle port_;
+  Bytes received_;
   Transfer reading_;  ///< always running while the port is open; ends with the first byte that comes
   Transfer writing_;
   DWORD byteTime_ = 0;  ///< ms that one byte takes on the line, rounded up
