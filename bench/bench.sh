@@ -42,7 +42,7 @@ keep_other_core_busy() {
 }
 
 serve() { # serve KIND: a server on the same core; its port goes to $port
-  taskset -c $core "$bench" serve "$1" </dev/zero >"$work/port" &
+  taskset -c $core "$bench" serve "$1" >"$work/port" &
   children="$children $!"
   for _ in $(seq 100); do
     port=$(cat "$work/port")
@@ -56,8 +56,8 @@ cpu_of() { # cpu_of PROCESS: the CPU time of all its threads, in nanoseconds
   cat /proc/"$1"/task/*/schedstat | awk '{ sum += $1 } END { printf "%.0f", sum }'
 }
 
-wine_wait() { # what the process uses during a wait of two seconds, as a part of that time
-  wine "$windows/bin/velk_bench.exe" wait "$port" >"$work/wait.out" 2>/dev/null &
+wine_wait() { # what the process uses during three waits of two seconds, as a part of that time
+  taskset -c $core wine "$windows/bin/velk_bench.exe" wait "$port" >"$work/wait.out" 2>/dev/null &
   process=$!
   children="$children $process"
   for _ in $(seq 200); do
@@ -66,14 +66,20 @@ wine_wait() { # what the process uses during a wait of two seconds, as a part of
   done
   sleep 0.5
   before=$(cpu_of $process)
-  sleep 3
+  sleep 7
   after=$(cpu_of $process)
   wait $process
   grep -q waited "$work/wait.out" || return 1
-  awk "BEGIN { printf \"{\\\"wait.wine\\\": %.9f}\\n\", ($after - $before) / 2e9 }"
+  awk "BEGIN { printf \"{\\\"wait.wine\\\": %.9f}\\n\", ($after - $before) / 6e9 }"
 }
 
 wine_script() { (cd "$here" && pinned wine cscript.exe //nologo calls.vbs | tr -d "\r"); }
+
+register_idle() { # the object that does nothing, so that a script can create it
+  id='{875152BF-F6DD-40FD-AE2A-9C84FF5C6705}'
+  wine reg add 'HKCR\VelkBench.Idle\CLSID' /ve /d "$id" /f
+  wine reg add "HKCR\\CLSID\\$id\\InprocServer32" /ve /d "$(winepath -w "$windows/bin/velk_idle.dll")" /f
+}
 
 run_wine() {
   export WINEPREFIX="$build/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
@@ -81,6 +87,7 @@ run_wine() {
   [ -e "$WINEPREFIX/system.reg" ] || timeout -k 5 120 wineboot -i >/dev/null 2>&1
   wineserver -k 2>/dev/null # one that was started here is pinned, too
   pinned wine regsvr32 /s "$windows/bin/VelkCom.dll"
+  register_idle >/dev/null 2>&1
   for start in $(seq "$starts"); do
     measure "wine-tcp-$start" pinned wine "$windows/bin/velk_bench.exe" tcp "$port"
     measure "wine-calls-$start" pinned wine "$windows/bin/velk_bench.exe" calls

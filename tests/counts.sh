@@ -20,7 +20,7 @@ end() {
 trap end EXIT
 
 serve() { # serve KIND: starts a server; its port goes to $port
-  "$bench" serve "$1" </dev/zero >"$work/$1.port" &
+  "$bench" serve "$1" >"$work/$1.port" &
   servers="$servers $!"
   for _ in $(seq 100); do
     port=$(cat "$work/$1.port" 2>/dev/null)

@@ -1,6 +1,8 @@
 // Usage: velk_bench SECTION...                   measures and prints the figures as JSON
-//        velk_bench serve velk|modbus            a server that prints its port and ends with its input
+//        velk_bench serve velk|modbus            a server that prints its port and runs until it is killed
 //        velk_bench count CLIENT PORT COUNT      COUNT transactions, for tools that count what they cost
+#include <unistd.h>
+
 #include <cstdlib>
 #include <functional>
 #include <iostream>
@@ -35,8 +37,7 @@ const std::map<std::string, std::function<std::unique_ptr<Client>(std::uint16_t)
 void serve(const std::string& name) {
   const TcpServer server = servers.at(name)();
   std::cout << server.port << std::endl;
-  while (std::cin.get() != EOF) {
-  }
+  while (true) pause();
 }
 
 void count(const std::string& name, int port, int transactions) {

@@ -1,7 +1,7 @@
 // Usage: velk_bench.exe tcp PORT     a read against the bare Winsock client
 //        velk_bench.exe calls        calls through the dispatch interface of VelkCom.dll beside this program
-//        velk_bench.exe wait PORT    says "waiting", waits two seconds for a reply that never comes, says
-//                                    "waited" and stays for a while
+//        velk_bench.exe wait PORT    says "waiting", waits three times two seconds for a reply that never
+//                                    comes, says "waited" and stays for a while
 #include <windows.h>
 
 #include <cstdlib>
@@ -18,7 +18,9 @@ namespace {
 
 constexpr Length tcpLength{.rounds = 60, .turn = 50};
 
-/// How long somebody has to look at the process before and after the wait.
+constexpr int waits = 3;
+
+/// How long somebody has to look at the process before and after the waits.
 constexpr DWORD lookTime = 1000;  // ms
 
 void measureTcp(std::uint16_t port) {
@@ -34,7 +36,7 @@ void wait(std::uint16_t port) {
   velk.transact();
   std::cout << "waiting" << std::endl;
   Sleep(lookTime);
-  velk.serial().ReadCom(16, byteValue(silentPage), 0, "V");
+  for (int i = 0; i < waits; ++i) velk.serial().ReadCom(16, byteValue(silentPage), 0, "V");
   Sleep(lookTime);
   std::cout << "waited" << std::endl;
   Sleep(lookTime);
