@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   simulator::LoopbackHost host;
   host.transferTime = std::chrono::milliseconds(1);
   Serial serial(host);
-  const auto kind = static_cast<LinkKind>(input.below(linkKinds));
+  const auto kind = allLinks.at(input.below(allLinks.size()));
   open(serial, host, kind, [&] { return makeSession(kind, controller); });
   for (int i = 0; i < mostCalls && !input.isEmpty(); ++i) call(serial, input, true);
   return 0;

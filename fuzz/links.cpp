@@ -38,7 +38,7 @@ void run(Input input) {
   simulator::LoopbackHost host;
   host.transferTime = std::chrono::milliseconds(1);
   Serial serial(host);
-  const auto kind = static_cast<LinkKind>(input.below(linkKinds));
+  const auto kind = allLinks.at(input.below(allLinks.size()));
 
   // The calls come first in the input, so that a fault does not change what is called.
   Input calls = input;

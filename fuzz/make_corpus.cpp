@@ -116,17 +116,17 @@ Bytes withLength(const Bytes& text) {
 void addCalls(Corpus& corpus) {
   for (const Sample& sample : samples()) {
     const Bytes bytes = recipe(*findMethod(sample.method), sample.arguments);
-    for (std::size_t kind = 0; kind < linkKinds; ++kind) {
+    for (const LinkKind kind : allLinks) {
       const Bytes first(1, character(static_cast<int>(kind)));
       corpus.add("dispatch", first + bytes);
       corpus.add("links", first + '\0' + withLength(bytes) + Bytes(8, '\0'));
-      corpus.add("sessions", trafficOf(static_cast<LinkKind>(kind), bytes));
+      corpus.add("sessions", trafficOf(kind, bytes));
     }
   }
 }
 
 void addReplies(Corpus& corpus) {
-  for (std::size_t kind = 0; kind < linkKinds; ++kind) {
+  for (const LinkKind kind : allLinks) {
     for (Byte fault = 0; fault < 8; ++fault) {
       corpus.add("recovery", Bytes{character(static_cast<int>(kind)), '\20', '\5', '\20', '\0',
                                    character(fault), '\2', '\3', 'a', 'b', 'c'});

@@ -29,7 +29,7 @@ void run(Input input, std::size_t size) {
   simulator::LoopbackHost host;
   host.transferTime = 1ms;
   Serial serial(host);
-  const auto kind = static_cast<LinkKind>(input.below(linkKinds));
+  const auto kind = allLinks.at(input.below(allLinks.size()));
   serial.FlgBreak = false;
 
   Input faults(nullptr, 0);

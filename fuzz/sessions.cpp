@@ -25,7 +25,7 @@ Bytes goodRequest(LinkKind kind) {
 void run(Input input) {
   simulator::Controller controller(simulator::house());
   simulator::attachModules(controller);
-  const auto kind = static_cast<LinkKind>(input.below(linkKinds));
+  const auto kind = allLinks.at(input.below(allLinks.size()));
   const auto session = makeSession(kind, controller);
   session->connected();
   while (!input.isEmpty()) {

@@ -151,10 +151,6 @@ constexpr std::array faultRows{
     FaultRow{"disconnect", {{{100, 100}, {100, 100}, {252, 252}, {252, 252}}}, true},
 };
 
-bool isSerial(LinkKind kind) {
-  return kind == LinkKind::echo || kind == LinkKind::fast;
-}
-
 /// One connection to a house of its own.
 class Rig {
  public:
@@ -165,20 +161,9 @@ class Rig {
   }
 
   void open(const simulator::Faults& faults) {
-    const simulator::SessionOptions options{.faults = faults,
-                                            .trace = [this](const std::string& line) { note(line); }};
-    const auto makePeer = [this, options]() -> std::unique_ptr<simulator::Peer> {
-      switch (kind_) {
-        case LinkKind::echo:
-          return std::make_unique<simulator::EchoSession>(controller, options);
-        case LinkKind::fast:
-          return std::make_unique<simulator::FastSession>(controller, options);
-        case LinkKind::ethernetQ:
-          return std::make_unique<simulator::EthernetQSession>(controller, options);
-        case LinkKind::ethernetS:
-          break;
-      }
-      return std::make_unique<simulator::EthernetSSession>(controller, options);
+    const auto makePeer = [this, faults] {
+      return makeSession(kind_, controller,
+                         {.faults = faults, .trace = [this](const std::string& line) { note(line); }});
     };
     host.plugIn(1, makePeer);
     host.listen("house", 1000, makePeer);

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "component/serial.h"
-#include "simulator/ethernet_sessions.h"
-#include "simulator/serial_sessions.h"
+#include "simulator/link_kind.h"
+#include "simulator/loopback_host.h"
 #include "support/scripted_peer.h"
 #include "values/runtime_error.h"
 
@@ -11,23 +11,17 @@ namespace {
 
 using test::bytes;
 
-enum class Kind { echo, fast, q, s };
-
 /// A `Serial` on a simulated controller with 0x11 and 0x22 at 0x0510 and 0x0511.
 class Rehearsal {
  public:
-  Rehearsal(Kind kind, Faults faults) {
+  Rehearsal(LinkKind kind, const Faults& faults) {
     Store store;
     store.write(place, bytes({0x11, 0x22}));
     controller = std::make_unique<Controller>(store);
-    const SessionOptions options{.faults = std::move(faults)};
-    host.plugIn(1, maker<EchoSession>(options));
-    host.plugIn(2, maker<FastSession>(options));
-    host.listen("q", 1, maker<EthernetQSession>(options));
-    host.listen("s", 1, maker<EthernetSSession>(options));
-    opened = kind == Kind::echo   ? serial.OpenCom(1)
-             : kind == Kind::fast ? serial.OpenCom(2, 9600, true)
-                                  : serial.OpenTCP(kind == Kind::q ? "q" : "s", 1);
+    const auto makePeer = [this, kind, faults] { return makeSession(kind, *controller, {.faults = faults}); };
+    host.plugIn(1, makePeer);
+    host.listen("house", 1, makePeer);
+    opened = isSerial(kind) ? serial.OpenCom(1, 9600, kind == LinkKind::fast) : serial.OpenTCP("house", 1);
     serial.FlgBreak = false;
   }
 
@@ -40,19 +34,13 @@ class Rehearsal {
   LoopbackHost host;
   Serial serial{host};
   Byte opened = 99;
-
- private:
-  template <class S>
-  LoopbackHost::MakePeer maker(const SessionOptions& options) {
-    return [this, options] { return std::make_unique<S>(*controller, options); };
-  }
 };
 
 const Bytes goodRead = bytes({0, 0x11, 0x22});
 const Bytes refusedRead = bytes({5, 0, 0});
 
 struct Case {
-  Kind kind;
+  LinkKind kind;
   std::string_view fault;
   Bytes read;   ///< the result of a read with one attempt
   Bytes write;  ///< of a write with one attempt
@@ -64,43 +52,39 @@ void PrintTo(const Case& c, std::ostream* out) {
 }
 
 const Case cases[] = {
-    {Kind::echo, "status=5@1", refusedRead, "\x05"},
-    {Kind::echo, "silent@1", "\xfc", "\xfd"},
-    {Kind::echo, "late=900@1", goodRead, Bytes(1, '\0')},
-    {Kind::echo, "late=1100@1", "\xfc", "\xfd"},
-    {Kind::echo, "short=0@1", "\xfc", "\xfd"},
-    {Kind::echo, "foreign=2@1", "\xfc", "\xfd"},
-    {Kind::echo, "header@1", goodRead, Bytes(1, '\0')},
-    {Kind::echo, "no-echo@1", "\xfe", "\xfe"},
-    {Kind::echo, "wrong-echo=4@1", "\xfe", "\xfe"},
-    {Kind::fast, "status=5@1", "\xfe", "\xfe"},
-    {Kind::fast, "silent@1", "\xfc", "\xfc"},
-    {Kind::fast, "late=900@1", goodRead, bytes({0, '#'})},
-    {Kind::fast, "late=1100@1", "\xfc", "\xfc"},
-    {Kind::fast, "short=7@1", "\xfc", "\xfc"},
-    {Kind::fast, "short=3@1", "\xfb", "\xfb"},
-    {Kind::fast, "header@1", "\xfb", "\xfb"},
+    {LinkKind::echo, "status=5@1", refusedRead, "\x05"},
+    {LinkKind::echo, "silent@1", "\xfc", "\xfd"},
+    {LinkKind::echo, "late=900@1", goodRead, Bytes(1, '\0')},
+    {LinkKind::echo, "late=1100@1", "\xfc", "\xfd"},
+    {LinkKind::echo, "short=0@1", "\xfc", "\xfd"},
+    {LinkKind::echo, "foreign=2@1", "\xfc", "\xfd"},
+    {LinkKind::echo, "header@1", goodRead, Bytes(1, '\0')},
+    {LinkKind::echo, "no-echo@1", "\xfe", "\xfe"},
+    {LinkKind::echo, "wrong-echo=4@1", "\xfe", "\xfe"},
+    {LinkKind::fast, "status=5@1", "\xfe", "\xfe"},
+    {LinkKind::fast, "silent@1", "\xfc", "\xfc"},
+    {LinkKind::fast, "late=900@1", goodRead, bytes({0, '#'})},
+    {LinkKind::fast, "late=1100@1", "\xfc", "\xfc"},
+    {LinkKind::fast, "short=7@1", "\xfc", "\xfc"},
+    {LinkKind::fast, "short=3@1", "\xfb", "\xfb"},
+    {LinkKind::fast, "header@1", "\xfb", "\xfb"},
     // Found behind the foreign frames, the frame is sent again without spending the attempt.
-    {Kind::fast, "foreign=2@1", goodRead, bytes({0, '#'})},
-    {Kind::q, "status=5@1", refusedRead, "\x05"},
-    {Kind::q, "silent@1", "\xfc", "\xfc"},
-    {Kind::q, "short=6@1", "\xfe", "\xfe"},
-    {Kind::q, "header@1", "\xfe", "\xfe"},
-    {Kind::q, "foreign@1", "\xfe", "\xfe"},
-    {Kind::q, "disconnect@1", "\xfc", "\xfc"},
-    {Kind::s, "status=5@1", refusedRead, "\x05"},
-    {Kind::s, "silent@1", "\xfc", "\xfc"},
-    {Kind::s, "short=12@1", "\xfe", "\xfe"},
-    {Kind::s, "header@1", "\xfc", "\xfc"},
-    {Kind::s, "foreign@1", "\xfe", "\xfe"},
-    {Kind::s, "disconnect@1", "\xfc", "\xfc"},
+    {LinkKind::fast, "foreign=2@1", goodRead, bytes({0, '#'})},
+    {LinkKind::ethernetQ, "status=5@1", refusedRead, "\x05"},
+    {LinkKind::ethernetQ, "silent@1", "\xfc", "\xfc"},
+    {LinkKind::ethernetQ, "short=6@1", "\xfe", "\xfe"},
+    {LinkKind::ethernetQ, "header@1", "\xfe", "\xfe"},
+    {LinkKind::ethernetQ, "foreign@1", "\xfe", "\xfe"},
+    {LinkKind::ethernetQ, "disconnect@1", "\xfc", "\xfc"},
+    {LinkKind::ethernetS, "status=5@1", refusedRead, "\x05"},
+    {LinkKind::ethernetS, "silent@1", "\xfc", "\xfc"},
+    {LinkKind::ethernetS, "short=12@1", "\xfe", "\xfe"},
+    {LinkKind::ethernetS, "header@1", "\xfc", "\xfc"},
+    {LinkKind::ethernetS, "foreign@1", "\xfe", "\xfe"},
+    {LinkKind::ethernetS, "disconnect@1", "\xfc", "\xfc"},
 };
 
 class FaultTest : public testing::TestWithParam<Case> {};
-
-bool isSerial(Kind kind) {
-  return kind == Kind::echo || kind == Kind::fast;
-}
 
 TEST_P(FaultTest, OneAttemptShowsTheFault) {
   // Over TCP a count of attempts lengthens the wait almost for ever; 0 is the wait of two seconds.
@@ -131,38 +115,38 @@ std::string nameOf(const testing::TestParamInfo<Case>& test) {
 INSTANTIATE_TEST_SUITE_P(Kinds, FaultTest, testing::ValuesIn(cases), nameOf);
 
 TEST(FaultsTest, ARefusedWriteChangesNothingAndALostReplyDoes) {
-  Rehearsal refused(Kind::fast, {"status=5@*"});
+  Rehearsal refused(LinkKind::fast, {"status=5@*"});
   EXPECT_EQ(refused.write(0), "\xfe");
   EXPECT_EQ(refused.stored(), "\x11\x22");
-  Rehearsal silent(Kind::fast, {"silent@*"});
+  Rehearsal silent(LinkKind::fast, {"silent@*"});
   EXPECT_EQ(silent.write(1), "\xfc");
   EXPECT_EQ(silent.stored(), "\x33\x44");
 }
 
 TEST(FaultsTest, LateOverTcpWithinAndBeyondTheWait) {
-  Rehearsal within(Kind::q, {"late=1900@1"});
+  Rehearsal within(LinkKind::ethernetQ, {"late=1900@1"});
   EXPECT_EQ(within.read(0), goodRead);
-  Rehearsal beyond(Kind::q, {"late=2100@1"});
+  Rehearsal beyond(LinkKind::ethernetQ, {"late=2100@1"});
   EXPECT_EQ(beyond.read(0), "\xfc");
-  Rehearsal patient(Kind::s, {"late=60000@1"});
+  Rehearsal patient(LinkKind::ethernetS, {"late=60000@1"});
   EXPECT_EQ(patient.read(1), goodRead);
 }
 
 TEST(FaultsTest, TheLoginIsRequestZero) {
-  EXPECT_EQ(Rehearsal(Kind::q, {"status=9@0"}).opened, 9);
-  EXPECT_EQ(Rehearsal(Kind::q, {"silent@0"}).opened, 252);
-  EXPECT_EQ(Rehearsal(Kind::q, {"silent@*"}).opened, 0);
+  EXPECT_EQ(Rehearsal(LinkKind::ethernetQ, {"status=9@0"}).opened, 9);
+  EXPECT_EQ(Rehearsal(LinkKind::ethernetQ, {"silent@0"}).opened, 252);
+  EXPECT_EQ(Rehearsal(LinkKind::ethernetQ, {"silent@*"}).opened, 0);
 }
 
 TEST(FaultsTest, ASerialLineThatIsPulledRaisesAnError) {
-  for (const Kind kind : {Kind::echo, Kind::fast}) {
+  for (const LinkKind kind : {LinkKind::echo, LinkKind::fast}) {
     Rehearsal r(kind, {"disconnect@1"});
     EXPECT_THROW(r.read(1), RuntimeError);
   }
 }
 
 TEST(FaultsTest, ARequestWithTooFewDataDoesNotSpoilTheNextOne) {
-  Rehearsal r(Kind::echo, {});
+  Rehearsal r(LinkKind::echo, {});
   EXPECT_EQ(r.serial.WriteCom(4, 5, 0x10, "V", "ab", 2), "\xfd");
   EXPECT_EQ(r.read(1), goodRead);
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "simulator/ethernet_sessions.h"
+#include "simulator/link_kind.h"
 #include "simulator/serial_sessions.h"
 #include "support/scripted_peer.h"
 
@@ -160,10 +161,7 @@ TEST_F(EthernetSTest, CarriesFastFramesBehindItsHeader) {
 TEST(SessionsTest, SurviveGarbage) {
   Controller controller;
   std::vector<std::unique_ptr<Session>> sessions;
-  sessions.push_back(std::make_unique<EchoSession>(controller, SessionOptions{}));
-  sessions.push_back(std::make_unique<FastSession>(controller, SessionOptions{}));
-  sessions.push_back(std::make_unique<EthernetQSession>(controller, SessionOptions{}));
-  sessions.push_back(std::make_unique<EthernetSSession>(controller, SessionOptions{}));
+  for (const LinkKind kind : allLinks) sessions.push_back(makeSession(kind, controller));
   const Bytes pool = bytes({'*', '#', '/', 'V', 'E', 'L', 'K', 0, 1, 2, 13, 14, 0x20, 0x61, 240, 255});
   std::uint32_t seed = 1;
   for (int round = 0; round < 20000; ++round) {

@@ -8,18 +8,16 @@
 
 #include "component/serial.h"
 #include "simulator/controller.h"
-#include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
+#include "simulator/link_kind.h"
 #include "simulator/loopback_host.h"
-#include "simulator/serial_sessions.h"
 #include "support/bytes.h"
 
 namespace velk::test {
 
-enum class LinkKind { echo, fast, ethernetQ, ethernetS };
-
-inline constexpr std::array allLinks{LinkKind::echo, LinkKind::fast, LinkKind::ethernetQ,
-                                     LinkKind::ethernetS};
+using simulator::allLinks;
+using simulator::isSerial;
+using simulator::LinkKind;
 
 inline std::string nameOf(LinkKind kind) {
   constexpr std::array names{"echo", "fast", "ethernetQ", "ethernetS"};
@@ -31,24 +29,13 @@ class SimulatedHouse : public testing::Test {
  protected:
   void open(LinkKind kind, simulator::Faults faults = {}) {
     host.transferTime = std::chrono::milliseconds(1);
-    const auto makePeer = [this, kind, faults]() -> std::unique_ptr<simulator::Peer> {
-      simulator::SessionOptions options{.faults = faults,
-                                        .trace = [this](const std::string& line) { note(line); }};
-      switch (kind) {
-        case LinkKind::echo:
-          return std::make_unique<simulator::EchoSession>(controller, options);
-        case LinkKind::fast:
-          return std::make_unique<simulator::FastSession>(controller, options);
-        case LinkKind::ethernetQ:
-          return std::make_unique<simulator::EthernetQSession>(controller, options);
-        case LinkKind::ethernetS:
-          return std::make_unique<simulator::EthernetSSession>(controller, options);
-      }
-      return nullptr;
+    const auto makePeer = [this, kind, faults] {
+      return makeSession(kind, controller,
+                         {.faults = faults, .trace = [this](const std::string& line) { note(line); }});
     };
     serial.CloseTCP();
     serial.CloseCom();
-    if (kind == LinkKind::echo || kind == LinkKind::fast) {
+    if (isSerial(kind)) {
       host.plugIn(1, makePeer);
       ASSERT_EQ(serial.OpenCom(1, 9600, kind == LinkKind::fast), 0);
       serial.FlgBreak = false;
