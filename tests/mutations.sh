@@ -28,24 +28,23 @@ platform/posix/socket.cpp ; late time-outs of the system ; s/longest . 8 \* 5/lo
 platform/posix/socket.cpp ; signals during a wait ; s/(errno != EAGAIN && errno != EINTR)/errno != EAGAIN/
 TEXT
 )
-table=$(grep -F -e "${1:-}" <<<"$table")
+rows=$(grep -F -e "${1:-}" <<<"$table")
 
 limit=180 # s for all tests
 copy=build/mutations/tree
 build=build/mutations/build
 log=build/mutations/log
 
+configure() { cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_CXX_FLAGS="-O0 -g0" >"$log" 2>&1; }
 run_tests() { timeout "$limit" "$build/bin/velk_tests" --gtest_brief=1 --gtest_fail_fast >"$log" 2>&1; }
 compile() { nice cmake --build "$build" --target velk_tests >"$log" 2>&1; }
 
 rm -rf "$copy"
 mkdir -p "$copy"
-git ls-files -z -co --exclude-standard -- CMakeLists.txt cmake fuzz packaging src tests |
-  xargs -0 cp -p --parents -t "$copy"
+git ls-files -z -co --exclude-standard | xargs -0 cp -p --parents -t "$copy"
 # What an earlier run has left broken in the build folder is built again.
 cut -d' ' -f1 <<<"$table" | sort -u | sed "s|^|$copy/src/|" | xargs touch
-cmake -S "$copy" -B "$build" -G Ninja -DCMAKE_CXX_FLAGS="-O0 -g0" >"$log" 2>&1
-if ! compile || ! run_tests; then
+if ! configure || ! compile || ! run_tests; then
   tail -n 20 "$log"
   echo "mutations: the tests fail without any" >&2
   exit 1
@@ -68,5 +67,5 @@ while IFS= read -r row; do
   fi
   printf '%-60s %s\n' "${file%.cpp}: $what" "$verdict"
   cp "src/$file" "$copy/src/$file"
-done <<<"$table"
+done <<<"$rows"
 exit "$survived"

@@ -206,6 +206,11 @@ TEST_F(CtlParam, WholeBlocksAreWrittenInFewTransactions) {
   EXPECT_EQ(requests[3].substr(0, 15), "write 11 V 3210");
   EXPECT_EQ(requests[4].substr(0, 14), "write 1 V 3238");
   EXPECT_EQ(requests[5], "write 1 V 3201 01");
+
+  requests.clear();
+  EXPECT_EQ(write(50, "LO", Bytes(16, 'x')), 0);
+  ASSERT_EQ(requests.size(), 3U);
+  EXPECT_EQ(requests[1].substr(0, 11), "write 16 H ");
 }
 
 TEST_F(CtlParam, WrongItemsAreRefusedBeforeTheFirstByte) {
