@@ -19,7 +19,8 @@ constexpr Seconds resyncTime(1.0);
 /// What one attempt came to.
 struct Outcome {
   enum Next { done, failed, sendAgain } next;
-  Bytes result;  ///< unused with sendAgain, which leaves the result of the attempt before
+  Bytes result;        ///< unused with sendAgain, which leaves the result of the attempt before
+  bool yields = true;  ///< whether messages are dispatched before the next attempt
 };
 
 Outcome failed(Byte code) {
@@ -56,6 +57,7 @@ class SerialTransaction {
     }
     const std::size_t length = expectedReply(request_, false);
     Bytes reply = received.substr(std::min<std::size_t>(1, received.size()));
+    host_.yield();
     const Deadline deadline(host_, replyTime);
     collect(reply, length, deadline, deadline.whole());
     if (reply.size() != length) return failed(hasShortReply(request_.command) ? wrongWriteReply : noReply);
@@ -85,7 +87,9 @@ class SerialTransaction {
     const Deadline deadline(host_, replyTime);
     collect(reply, length, deadline, deadline.whole());
     const bool ours = sameHeader(frame_, reply);
-    if (reply.size() != length && (reply.empty() || ours)) return failed(noReply);
+    if (reply.size() != length && (reply.empty() || ours)) {
+      return {Outcome::failed, Bytes(1, character(noReply)), false};
+    }
     if (reply.size() != length || !ours) return resynchronise(std::move(reply), length);
     if (request_.instruction == shortRequest) return {Outcome::done, Bytes(1, '\0')};
     if (byteAt(reply, headerLength) != 0) return failed(echoFault);
@@ -143,7 +147,7 @@ Bytes serialTransaction(Link link, const Request& request, std::string_view fram
     if (outcome.next != Outcome::sendAgain) result = std::move(outcome.result);
     if (outcome.next == Outcome::done) attempts = 0;
     if (outcome.next == Outcome::failed) --attempts;
-    link.host.yield();
+    if (outcome.yields) link.host.yield();
   }
   return result;
 }
