@@ -139,10 +139,12 @@ Byte kindValue(const Bytes& bytes) {
 /// The positions up to 6 that the range names.
 Bytes readHead(const Memory& memory, int offset, int end) {
   const Bytes bytes = memory.read(7, readSettings);
+  // Found out before it is known to be wanted: a reply without the bytes for it is a run-time error.
+  const Byte kindFound = kindValue(bytes);
   Bytes head;
   for (int p = offset + 1; p <= std::min(end, kind - 1); ++p)
     head += character(byteAt(bytes, static_cast<std::size_t>(p) + 1));
-  if (end >= kind) head += character(kindValue(bytes));
+  if (end >= kind) head += character(kindFound);
   return head;
 }
 

@@ -141,6 +141,8 @@ TEST_F(CtlInit, AFailedTransactionEndsTheCall) {
     openWith("silent@" + std::to_string(step));
     EXPECT_EQ(read(13, 0), 252) << step;
   }
+  openWith("short=18@1");
+  EXPECT_EQ(read(2, 0), 100) << "too short for the kind, which nobody asks for";
 }
 
 }  // namespace

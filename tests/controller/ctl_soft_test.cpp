@@ -109,6 +109,10 @@ TEST_F(CtlSoft, AFailureBetweenRecordAndFlanksLeavesTheOldFlanks) {
   Link link;
   EXPECT_EQ(call("R", 30, 2, link), 7);
   EXPECT_EQ(link, (Link{5, "O", 3, 10, true, true}));
+  openWith("short=14@1");
+  link = {};
+  EXPECT_EQ(call("R", 30, 2, link), 100);
+  EXPECT_EQ(link.destination, 5) << "a record cut in two leaves its first half";
 }
 
 class CtlLang : public SimulatedHouse {};
