@@ -26,8 +26,9 @@ Byte readBlocks(const Mailbox& mailbox, Bytes& data) {
 Byte readOnce(const Mailbox& mailbox, Bytes& data) {
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
   const Polled& trigger = exchange.trigger;
-  // A trigger byte of 0 behind a bad status must not pass for success.
-  if (!trigger.isZero()) return trigger.present && trigger.value != 0 ? trigger.value : trigger.status;
+  // Neither a trigger byte of 0 behind a bad status nor a good status without a byte may pass for success.
+  if (trigger.present && trigger.value != 0) return trigger.value;
+  if (!trigger.isZero()) return trigger.status != 0 ? trigger.status : Byte{100};
   const Byte result = resultOf(exchange.reply);
   return result != 0 ? result : readBlocks(mailbox, data);
 }

@@ -59,11 +59,6 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
   access.offset = checkedByte(access.offset + 1);
 }
 
-bool isSentAsItIs(const Subject& subject, Byte offset) {
-  constexpr SerialRange serials{230000, 839999};
-  return subject.type() == 7 && serials.contains(subject.serial()) && offset >= 2;
-}
-
 }  // namespace
 
 void writeModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {

@@ -106,7 +106,8 @@ void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std:
     case Check::none:
       break;
     case Check::lengthOnly:
-      return checkSelections(subject, data);
+      if (!isSentAsItIs(subject, offset)) checkSelections(subject, data);
+      break;
     case Check::address:
       return checkAddress(data);
     case Check::pairs4:
@@ -149,6 +150,11 @@ void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
   if (!accepts(*row, data.size())) throw Stop{104};
   if (data.size() == pieceSize && offset >= row->fullPieces) throw Stop{103};
   checkFields(*row, subject, offset, data);
+}
+
+bool isSentAsItIs(const Subject& subject, Byte offset) {
+  constexpr SerialRange serials{230000, 839999};
+  return subject.type() == 7 && serials.contains(subject.serial()) && offset >= 2;
 }
 
 bool readsLongRecord(const Subject& subject) {

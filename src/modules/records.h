@@ -40,8 +40,8 @@ struct RecordRow {
   Check check = Check::lengthOnly;
   Special special = Special::none;
   Byte fromOffset = 0;
-  Byte readLengthKnown = 0;  ///< for known models, where it differs
-  Byte fullPieces = 255;     ///< writes of 16 bytes are taken below this `Offset` only (103)
+  Byte readLengthKnown = 0;       ///< for known models, where it differs
+  std::int16_t fullPieces = 256;  ///< writes of 16 bytes are taken below this `Offset` only (103)
 };
 
 /// A module as far as its records go.
@@ -69,6 +69,9 @@ Byte readLength(const Subject& subject, Byte offset);
 
 /// Checks the data of a write; throws `Stop` with 103, 104, 105, 111 or 112. May complete the data.
 void checkWrite(const Subject& subject, Byte offset, Bytes& data);
+
+/// Modules whose data are written as they are, without a translation.
+bool isSentAsItIs(const Subject& subject, Byte offset);
 
 /// Modules whose record travels through the long-record buffer instead of in pieces.
 bool readsLongRecord(const Subject& subject);

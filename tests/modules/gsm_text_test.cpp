@@ -40,6 +40,7 @@ TEST(GsmTextTest, ReadTriesThreeTimes) {
       {{"pending=2000@1"}, 0, 2}, {{"pending=500@1"}, 0, 1}, {{"status=7@1"}, 7, 0},
       {{"status=7@2"}, 7, 1},     {{"status=7@3"}, 0, 1},    {{"status=7@5"}, 7, 1},
       {{"status=7@6"}, 0, 2},     {{"status=7@8"}, 0, 2},    {{"status=7@6-8"}, 7, 2},
+      {{"short=13@3-"}, 100, 3},
   };
   int number = 0;
   for (const auto& row : rows) {

@@ -128,6 +128,9 @@ TEST(RecordsTest, OffsetOfType98AndSelections) {
     EXPECT_EQ(check("960000", bad, 1, false), 0) << "no masks";
   }
   EXPECT_EQ(check("960000", record, 1, true), 0);
+  EXPECT_EQ(check("300000", Bytes(32, '\x09'), 1, true), 112);
+  EXPECT_EQ(check("300000", Bytes(32, '\x09'), 2, true), 0) << "sent as it is: nothing becomes a mask";
+  EXPECT_EQ(check("080300", Bytes(16, '\x04'), 255), 0) << "no bound but that of type 98";
 }
 
 TEST(RecordsTest, LongRecords) {
