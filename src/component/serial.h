@@ -137,8 +137,9 @@ class Serial : public link::Settings {
   /// @param Aantal number of items, 255 for all from `Offset` on; on reading set to the number meant. 0: the
   ///   mode only.
   /// @param Offset number of the first item.
-  /// @return 0; 101 bad `ReadOrWrite`; 102 `Aantal`, 103 `Offset` too large; 104 wrong length, 105 wrong
-  ///   value in `Parameters`; 111 bad mode; 112 bad `Address`; else the status of the failed transaction.
+  /// @return 0; 99 part of a mode's code with items; 101 bad `ReadOrWrite`; 102 `Aantal`, 103 `Offset` too
+  ///   large; 104 wrong length, 105 wrong value in `Parameters`; 111 bad mode; 112 bad `Address`; else the
+  ///   status of the failed transaction.
   Byte Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::string> Mode,
                  InOut<Bytes> Parameters = "", InOut<std::int16_t> Aantal = std::int16_t{255},
                  Byte Offset = 0);
