@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,8 +30,8 @@ struct ComponentState {
   std::uint32_t result = 0;                 ///< of creating the component here; 0, or the system's error
 };
 
-/// Looks at the registry and creates the component once; nothing where there are no components.
-std::optional<ComponentState> inspectComponent();
+/// Looks at the registry and creates the component once. Windows only.
+ComponentState inspectComponent();
 
 /// What is wrong with a registered library; empty for nothing.
 std::string_view faultOf(const Registration& registration);

@@ -90,7 +90,7 @@ std::uint32_t tryIt() {
 
 }  // namespace
 
-std::optional<ComponentState> inspectComponent() {
+ComponentState inspectComponent() {
   ComponentState state{
       .registrations = {}, .program = thisProgram(), .narrowFolder = narrowFolder(), .result = tryIt()};
   for (const Place& place : places) {
