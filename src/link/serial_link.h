@@ -5,7 +5,7 @@
 namespace velk::link {
 
 /// Opens the serial port and waits 0.5 s for the interface to settle. Run-time errors of the port are raised.
-void openCom(Link link, Byte port, std::int16_t baudrate, bool fastMode);
+void openCom(Link link, Byte number, std::int16_t baudrate, bool fastMode);
 
 /// Closes the serial port.
 void closeCom(Link link);
