@@ -130,7 +130,11 @@ time.sleep(600)' >"$work/silent.log" &
 
 export_classes() { # export_classes NAME: what is registered for everybody and for this user
   for hive in HKLM HKCU; do
-    wine_run reg export "$hive\\Software\\Classes" "$work/$1-$hive.reg" /y >/dev/null
+    rm -f "$work/$1-$hive.reg"
+    for _ in 1 2 3; do # a program that starts while Wine's server is ending may fail
+      wine_run reg export "$hive\\Software\\Classes" "$work/$1-$hive.reg" /y >/dev/null
+      [ -s "$work/$1-$hive.reg" ] && break
+    done
   done
 }
 
