@@ -233,5 +233,12 @@ TEST_F(SerialLink, MessagesAreDispatchedBetweenTheStepsOfATransactionOnly) {
   EXPECT_EQ(host.yields() - before, 3 + 4);
 }
 
+TEST_F(EchoMode, MessagesAreDispatchedAroundEachByteAndTheReply) {
+  const int before = host.yields();
+  script.on(bytes({'*', 0x20, 0, 0}));
+  serial.ReadCom(1, 0, 0, "V", 1);
+  EXPECT_EQ(host.yields() - before, 1 + 4 * 2 + 2 + 1);
+}
+
 }  // namespace
 }  // namespace velk::test
