@@ -97,7 +97,7 @@ def main(folder, json_path, markdown_path):
         ("tcp.velk", "tcp.bare", "tcp.modbus", "fast.velk", "fast.bare", "fast.modbus", "echo.velk", "echo.bare")
         if name + ".p50" in medians)
     replace_figures(pathlib.Path(markdown_path), f"""
-Written by `./run bench` on {datetime.date.today()}, Linux {platform.release()}, {os.cpu_count()} cores.
+Written by `./run bench` on {datetime.date.today()}, Linux {platform.release().split('-')[0]}, {os.cpu_count()} cores.
 
 {chr(10).join(table)}
 
