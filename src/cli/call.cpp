@@ -1,17 +1,15 @@
 #include "cli/call.h"
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "cli/escapes.h"
+#include "cli/json.h"
 #include "component/methods.h"
 #include "component/result_codes.h"
 #include "values/runtime_error.h"
 
 namespace velk::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 const Method& methodNamed(const std::string& name) {
   const Method* const method = findMethod(name);

@@ -10,30 +10,30 @@
 
 namespace velk::cli {
 
-void LinkChoice::declare(CLI::App& app) {
+void LinkChoice::declare(const CommandLine& line) {
   constexpr const char* group = "Link";
-  auto* const tcp = app.add_option("--tcp", options_.tcp, "A TCP link")->type_name("HOST:PORT");
-  auto* const serial = app.add_option("--serial", options_.serial, "A serial link")->type_name("DEVICE");
-  auto* const simulate =
-      app.add_flag("--simulate", options_.simulate, "A simulated controller of a small house");
-  auto* const text =
-      app.add_option("--link", text_, "A link as one text, as in VELK_LINK; see \"velk --help\"");
-  tcp->excludes(serial)->excludes(simulate)->excludes(text);
-  serial->excludes(simulate)->excludes(text);
-  simulate->excludes(text);
-  auto* const password = app.add_option("--password", password_, "Password of the TCP link")->needs(tcp);
-  auto* const address = app.add_option("--address", busAddress_, "Bus address of the controller")
-                            ->check(CLI::Range(0, highestAddress))
-                            ->capture_default_str()
-                            ->excludes(text);
-  auto* const baud = app.add_option("--baud", baud_, "Rate of the serial link in bit/s")
-                         ->check(CLI::Range(lowestBaud, highestBaud))
-                         ->needs(serial)
-                         ->capture_default_str();
-  auto* const fast =
-      app.add_flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode")->needs(serial);
-  for (auto* const option : {tcp, serial, simulate, text, password, address, baud, fast})
-    option->group(group);
+  const Option tcp = line.option("--tcp", options_.tcp, "A TCP link").typeName("HOST:PORT");
+  const Option serial = line.option("--serial", options_.serial, "A serial link").typeName("DEVICE");
+  const Option simulate =
+      line.flag("--simulate", options_.simulate, "A simulated controller of a small house");
+  const Option text =
+      line.option("--link", text_, "A link as one text, as in VELK_LINK; see \"velk --help\"");
+  tcp.excludes(serial).excludes(simulate).excludes(text);
+  serial.excludes(simulate).excludes(text);
+  simulate.excludes(text);
+  const Option password = line.option("--password", password_, "Password of the TCP link").needs(tcp);
+  const Option address = line.option("--address", busAddress_, "Bus address of the controller")
+                             .range(0, highestAddress)
+                             .showDefault()
+                             .excludes(text);
+  const Option baud = line.option("--baud", baud_, "Rate of the serial link in bit/s")
+                          .range(lowestBaud, highestBaud)
+                          .needs(serial)
+                          .showDefault();
+  const Option fast =
+      line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
+  for (const Option& option : {tcp, serial, simulate, text, password, address, baud, fast})
+    option.group(group);
 }
 
 std::optional<LinkOptions> LinkChoice::find() const {

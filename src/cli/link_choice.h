@@ -1,10 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "cli/command_line.h"
 #include "cli/connection.h"
 
 namespace velk::cli {
@@ -13,7 +13,7 @@ namespace velk::cli {
 /// names it.
 class LinkChoice {
  public:
-  void declare(CLI::App& app);
+  void declare(const CommandLine& line);
 
   /// The link that is asked for, if one is. Throws std::invalid_argument with a sentence.
   [[nodiscard]] std::optional<LinkOptions> find() const;

@@ -1,6 +1,4 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "cli/commands/command.h"
 #include "values/runtime_error.h"
@@ -33,11 +31,11 @@ constexpr const char* notes =
     "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
     "  velk call --help\n";
 
-void addCommands(CLI::App& app, Run& run) {
+void addCommands(const CommandLine& line, Run& run) {
   for (const auto add : {addStatus, addOutputs, addOutput, addClock, addLinks, addPresets, addSwitchTimes,
                          addSimulation, addModules, addInfraredText, addLanguage, addBackup, addDiff,
                          addRestore, addWeek, addDoctor, addCompletion, addCall, addMethods}) {
-    add(app, run);
+    add(line, run);
   }
 }
 
@@ -59,27 +57,21 @@ int guarded(const Run& run) {
 }
 
 /// The parser would only say that a command is missing.
-bool namesUnknownCommand(const CLI::App& app, int argc, char** argv) {
+bool namesUnknownCommand(const CommandLine& line, int argc, char** argv) {
   const std::string first = argc > 1 ? argv[1] : "-";
-  const auto named = app.get_subcommands([&](const CLI::App* command) { return command->check_name(first); });
-  if (first.starts_with('-') || !named.empty()) return false;
+  if (first.starts_with('-') || line.hasCommand(first)) return false;
   std::cerr << "velk: there is no command \"" << first << "\"; \"velk --help\" lists them\n";
   return true;
 }
 
 int main(int argc, char** argv) {
-  CLI::App app(description, "velk");
-  app.require_subcommand(1);
-  app.set_version_flag("--version", "velk " VELK_VERSION, "Print the version and exit");
-  app.footer(notes);
+  const CommandLine line("velk", description);
+  line.version("velk " VELK_VERSION);
+  line.footer(notes);
   Run run;
-  addCommands(app, run);
-  if (namesUnknownCommand(app, argc, argv)) return wrongUsage;
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? success : wrongUsage;
-  }
+  addCommands(line, run);
+  if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
+  if (const auto status = line.parse(argc, argv)) return *status;
   return guarded(run);
 }
 

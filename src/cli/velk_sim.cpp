@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <atomic>
 #include <csignal>
 #include <iostream>
 #include <mutex>
 
+#include "cli/command_line.h"
 #include "cli/exit_status.h"
 #include "cli/serve.h"
 #include "cli/server.h"
@@ -65,34 +65,31 @@ std::string describeFaults() {
   return text;
 }
 
-void declare(CLI::App& app, Options& options) {
-  app.add_option("--tcp,--tcp-q", options.portsQ, "Serve kind Q on a TCP port (0: any free one); repeatable")
-      ->type_name("PORT")
-      ->allow_extra_args(false);
-  app.add_option("--tcp-s", options.portsS, "Serve kind S on a TCP port; repeatable")
-      ->type_name("PORT")
-      ->allow_extra_args(false);
-  app.add_option("--bind", options.address, "Address of the TCP ports, in digits")->capture_default_str();
-  app.add_option("--password", options.password,
-                 "Password of kind Q, four characters (none: four zero bytes)");
-  app.add_option("--echo", options.echo, "Serve echo mode on a serial device, or on a new pseudo terminal")
-      ->type_name("[DEVICE]")
-      ->expected(0, 1);
-  app.add_option("--fast", options.fast, "Serve fast mode likewise")->type_name("[DEVICE]")->expected(0, 1);
-  app.add_option("--baud", options.baud, "Rate of serial devices in bit/s")->capture_default_str();
-  app.add_option("--address", options.busAddress, "Bus address of the controller")
-      ->capture_default_str()
-      ->check(CLI::Range(0, 255));
-  app.add_option("--image", options.image, "Start from a memory image, else from a small house")
-      ->type_name("FILE");
-  app.add_option("--save", options.save, "Save the memory image at the end")->type_name("FILE");
-  app.add_flag("--trace", options.trace, "Print each request and its reply");
-  app.add_option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
-      ->type_name("KIND[=N]@WHICH")
-      ->allow_extra_args(false);
-  app.add_option("--for", options.seconds, "End after so many seconds")->type_name("SECONDS");
-  app.set_version_flag("--version", "velk-sim " VELK_VERSION, "Print the version and exit");
-  app.footer(examples + describeFaults());
+void declare(const CommandLine& line, Options& options) {
+  line.option("--tcp,--tcp-q", options.portsQ, "Serve kind Q on a TCP port (0: any free one); repeatable")
+      .typeName("PORT")
+      .oneValueEach();
+  line.option("--tcp-s", options.portsS, "Serve kind S on a TCP port; repeatable")
+      .typeName("PORT")
+      .oneValueEach();
+  line.option("--bind", options.address, "Address of the TCP ports, in digits").showDefault();
+  line.option("--password", options.password, "Password of kind Q, four characters (none: four zero bytes)");
+  line.option("--echo", options.echo, "Serve echo mode on a serial device, or on a new pseudo terminal")
+      .typeName("[DEVICE]")
+      .valueOptional();
+  line.option("--fast", options.fast, "Serve fast mode likewise").typeName("[DEVICE]").valueOptional();
+  line.option("--baud", options.baud, "Rate of serial devices in bit/s").showDefault();
+  line.option("--address", options.busAddress, "Bus address of the controller").showDefault().range(0, 255);
+  line.option("--image", options.image, "Start from a memory image, else from a small house")
+      .typeName("FILE");
+  line.option("--save", options.save, "Save the memory image at the end").typeName("FILE");
+  line.flag("--trace", options.trace, "Print each request and its reply");
+  line.option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
+      .typeName("KIND[=N]@WHICH")
+      .oneValueEach();
+  line.option("--for", options.seconds, "End after so many seconds").typeName("SECONDS");
+  line.version("velk-sim " VELK_VERSION);
+  line.footer(examples + describeFaults());
 }
 
 std::atomic<bool> interrupted{false};
@@ -180,17 +177,15 @@ void run(Options& options) {
 }
 
 int main(int argc, char** argv) {
-  CLI::App app(description, "velk-sim");
+  const CommandLine line("velk-sim", description);
   Options options;
-  declare(app, options);
+  declare(line, options);
+  if (const auto status = line.parse(argc, argv)) return *status;
   try {
-    app.parse(argc, argv);
     std::signal(SIGINT, interrupt);
     std::signal(SIGTERM, interrupt);
     run(options);
     return 0;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : wrongUsage;
   } catch (const std::invalid_argument& error) {
     std::cerr << "velk-sim: " << error.what() << '\n';
     return wrongUsage;

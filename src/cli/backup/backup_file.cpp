@@ -51,11 +51,11 @@ Lines linesOf(const Json& json) {
 }
 
 Backup backupOf(const Json& json) {
-  if (json.value("format", "") != format) throw std::invalid_argument("it is no backup");
-  if (json.at("version") != version) throw std::invalid_argument("its version is not known here");
-  Backup backup{.begun = json.at("begun"),
-                .link = json.at("link"),
-                .complete = json.at("complete"),
+  if (json.value("format", std::string()) != format) throw std::invalid_argument("it is no backup");
+  if (json.at("version").get<int>() != version) throw std::invalid_argument("its version is not known here");
+  Backup backup{.begun = json.at("begun").get<std::string>(),
+                .link = json.at("link").get<std::string>(),
+                .complete = json.at("complete").get<bool>(),
                 .lines = linesOf(json.at("memory")),
                 .modules = {}};
   for (const Json& module : json.at("modules")) backup.modules.push_back(moduleOfJson(module));
@@ -69,8 +69,6 @@ Backup loadBackup(const std::string& path) {
   if (!in) fail(path, "it cannot be read");
   try {
     return backupOf(Json::parse(in));
-  } catch (const nlohmann::json::exception& error) {
-    fail(path, error.what());
   } catch (const std::invalid_argument& error) {
     fail(path, error.what());
   }
@@ -98,7 +96,7 @@ void saveBackup(const std::string& path, const Backup& backup) {
             {"memory", jsonOf(backup.lines, !backup.complete)},
             {"modules", Json::array()}};
   for (const Module& module : backup.modules) json["modules"].push_back(jsonOf(module));
-  saveText(path, json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+  saveText(path, json.dump(1) + "\n");
 }
 
 std::string partOf(const std::string& path) {

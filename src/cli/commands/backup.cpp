@@ -16,14 +16,14 @@ struct BackupOptions : LinkedOptions {
   std::vector<std::string> modules;
   bool fresh = false;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("FILE", file, "The file to write")->required();
-    app.add_option("--modules", modules, "Serial numbers of modules to back up as well")
-        ->delimiter(',')
-        ->type_name("SERIAL,...")
-        ->allow_extra_args(false);
-    app.add_flag("--fresh", fresh, "Do not continue an unfinished backup");
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("FILE", file, "The file to write").required();
+    line.option("--modules", modules, "Serial numbers of modules to back up as well")
+        .delimiter(',')
+        .typeName("SERIAL,...")
+        .oneValueEach();
+    line.flag("--fresh", fresh, "Do not continue an unfinished backup");
   }
 };
 
@@ -99,7 +99,7 @@ int carryOutBackup(const BackupOptions& options) {
 
 }  // namespace
 
-void addBackup(CLI::App& velk, Run& run) {
+void addBackup(const CommandLine& velk, Run& run) {
   addCommand<BackupOptions>(velk, run, "backup", "Save the whole configuration in a file",
                             "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
                             "  velk backup house.json --modules 090500,100100\n"

@@ -29,13 +29,13 @@ struct CallOptions : LinkedOptions {
   std::string method;
   std::vector<std::string> arguments;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("--set", properties, "Set a property before the call; repeatable")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false);
-    app.add_option("METHOD", method, "A method or property, see \"velk methods\"")->required();
-    app.add_option("ARGUMENTS", arguments, "Its arguments");
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("--set", properties, "Set a property before the call; repeatable")
+        .typeName("NAME=VALUE")
+        .oneValueEach();
+    line.option("METHOD", method, "A method or property, see \"velk methods\"").required();
+    line.option("ARGUMENTS", arguments, "Its arguments");
   }
 };
 
@@ -56,9 +56,9 @@ int carryOutCall(const CallOptions& options) {
 
 }  // namespace
 
-void addCall(CLI::App& velk, Run& run) {
-  addCommand<CallOptions>(velk, run, "call", "Call a method, or read a property", "", carryOutCall);
-  velk.get_subcommand("call")->footer(notes);
+void addCall(const CommandLine& velk, Run& run) {
+  addCommand<CallOptions>(velk, run, "call", "Call a method, or read a property", "", carryOutCall)
+      .footer(notes);
 }
 
 }  // namespace velk::cli

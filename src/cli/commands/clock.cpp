@@ -8,11 +8,9 @@ namespace {
 struct ClockOptions : LinkedOptions {
   std::string action;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("set", action, "Set the clock to the PC's local time")
-        ->type_name("[set]")
-        ->check(CLI::IsMember({"set"}));
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("set", action, "Set the clock to the PC's local time").typeName("[set]").oneOf({"set"});
   }
 };
 
@@ -38,7 +36,7 @@ int carryOutClock(const ClockOptions& options) {
 
 }  // namespace
 
-void addClock(CLI::App& velk, Run& run) {
+void addClock(const CommandLine& velk, Run& run) {
   addCommand<ClockOptions>(velk, run, "clock", "Show the controller's clock beside the PC's, or set it",
                            "  velk clock --simulate\n  velk clock set\n", carryOutClock);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <string>
 
+#include "cli/command_line.h"
 #include "cli/failure.h"
 #include "cli/json.h"
 #include "cli/link_choice.h"
@@ -24,41 +24,42 @@ struct LinkedOptions {
   LinkChoice link;
   bool json = false;
 
-  void declare(CLI::App& app) {
-    link.declare(app);
-    app.add_flag("--json", json, "Print JSON");
+  void declare(const CommandLine& line) {
+    link.declare(line);
+    line.flag("--json", json, "Print JSON");
   }
 };
 
 /// Adds a command. `carryOut` is called with its options, which `declare` has put on the command line.
 template <class Options, class CarryOut>
-void addCommand(CLI::App& velk, Run& run, const std::string& name, const std::string& help,
-                const std::string& examples, CarryOut carryOut) {
+CommandLine addCommand(const CommandLine& velk, Run& run, const std::string& name, const std::string& help,
+                       const std::string& examples, CarryOut carryOut) {
   const auto options = std::make_shared<Options>();
-  CLI::App* const app = velk.add_subcommand(name, help);
-  options->declare(*app);
-  app->footer("\nExamples:\n" + examples);
-  app->callback([&run, options, carryOut] { run = [options, carryOut] { return carryOut(*options); }; });
+  CommandLine line = velk.addCommand(
+      name, help, [&run, options, carryOut] { run = [options, carryOut] { return carryOut(*options); }; });
+  options->declare(line);
+  line.footer("\nExamples:\n" + examples);
+  return line;
 }
 
-void addCall(CLI::App& velk, Run& run);
-void addMethods(CLI::App& velk, Run& run);
-void addStatus(CLI::App& velk, Run& run);
-void addOutputs(CLI::App& velk, Run& run);
-void addOutput(CLI::App& velk, Run& run);
-void addClock(CLI::App& velk, Run& run);
-void addLinks(CLI::App& velk, Run& run);
-void addPresets(CLI::App& velk, Run& run);
-void addSwitchTimes(CLI::App& velk, Run& run);
-void addSimulation(CLI::App& velk, Run& run);
-void addModules(CLI::App& velk, Run& run);
-void addInfraredText(CLI::App& velk, Run& run);
-void addLanguage(CLI::App& velk, Run& run);
-void addBackup(CLI::App& velk, Run& run);
-void addDiff(CLI::App& velk, Run& run);
-void addRestore(CLI::App& velk, Run& run);
-void addWeek(CLI::App& velk, Run& run);
-void addDoctor(CLI::App& velk, Run& run);
-void addCompletion(CLI::App& velk, Run& run);
+void addCall(const CommandLine& velk, Run& run);
+void addMethods(const CommandLine& velk, Run& run);
+void addStatus(const CommandLine& velk, Run& run);
+void addOutputs(const CommandLine& velk, Run& run);
+void addOutput(const CommandLine& velk, Run& run);
+void addClock(const CommandLine& velk, Run& run);
+void addLinks(const CommandLine& velk, Run& run);
+void addPresets(const CommandLine& velk, Run& run);
+void addSwitchTimes(const CommandLine& velk, Run& run);
+void addSimulation(const CommandLine& velk, Run& run);
+void addModules(const CommandLine& velk, Run& run);
+void addInfraredText(const CommandLine& velk, Run& run);
+void addLanguage(const CommandLine& velk, Run& run);
+void addBackup(const CommandLine& velk, Run& run);
+void addDiff(const CommandLine& velk, Run& run);
+void addRestore(const CommandLine& velk, Run& run);
+void addWeek(const CommandLine& velk, Run& run);
+void addDoctor(const CommandLine& velk, Run& run);
+void addCompletion(const CommandLine& velk, Run& run);
 
 }  // namespace velk::cli

@@ -6,26 +6,19 @@ namespace {
 struct CompletionOptions {
   std::string shell;
 
-  void declare(CLI::App& app) {
-    app.add_option("SHELL", shell, "The shell")->required()->check(CLI::IsMember({"bash"}));
+  void declare(const CommandLine& line) {
+    line.option("SHELL", shell, "The shell").required().oneOf({"bash"});
   }
 };
 
-/// The words that may follow a command: its long options.
-std::string optionsOf(const CLI::App& command) {
-  std::string words;
-  for (const CLI::Option* const option : command.get_options()) {
-    for (const std::string& name : option->get_lnames()) words += " --" + name;
-  }
-  return words;
-}
-
-std::string bashScript(const CLI::App& velk) {
+std::string bashScript(const CommandLine& velk) {
   std::string commands;
   std::string cases;
-  for (const CLI::App* const command : velk.get_subcommands([](const CLI::App*) { return true; })) {
-    commands += " " + command->get_name();
-    cases += "    " + command->get_name() + ") words=\"" + optionsOf(*command) + "\" ;;\n";
+  for (const CommandNames& command : velk.commands()) {
+    std::string words;
+    for (const std::string& option : command.options) words += " --" + option;
+    commands += " " + command.name;
+    cases += "    " + command.name + ") words=\"" + words + "\" ;;\n";
   }
   // Where no option begins, bash offers files.
   return "_velk() {\n  local current=${COMP_WORDS[COMP_CWORD]} words=\n  case ${COMP_WORDS[1]} in\n" + cases +
@@ -36,7 +29,7 @@ std::string bashScript(const CLI::App& velk) {
 
 }  // namespace
 
-void addCompletion(CLI::App& velk, Run& run) {
+void addCompletion(const CommandLine& velk, Run& run) {
   addCommand<CompletionOptions>(velk, run, "completion", "Print a completion script for a shell",
                                 "  source <(velk completion bash)\n",
                                 [&velk](const CompletionOptions& /*options*/) {

@@ -10,14 +10,14 @@ struct DiffOptions : LinkedOptions {
   std::string b;
   std::vector<std::string> only;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("A", a, "A backup")->required();
-    app.add_option("B", b, "Another one; without it the controller");
-    app.add_option("--only", only, "Compare these sections alone")
-        ->delimiter(',')
-        ->type_name("SECTION,...")
-        ->allow_extra_args(false);
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("A", a, "A backup").required();
+    line.option("B", b, "Another one; without it the controller");
+    line.option("--only", only, "Compare these sections alone")
+        .delimiter(',')
+        .typeName("SECTION,...")
+        .oneValueEach();
   }
 };
 
@@ -42,7 +42,7 @@ int carryOutDiff(const DiffOptions& options) {
 
 }  // namespace
 
-void addDiff(CLI::App& velk, Run& run) {
+void addDiff(const CommandLine& velk, Run& run) {
   addCommand<DiffOptions>(velk, run, "diff",
                           "Tell what differs between two backups, or a backup and the controller",
                           "  velk diff before.json after.json\n"

@@ -7,12 +7,12 @@ namespace {
 struct DoctorOptions {
   bool json = false;
 
-  void declare(CLI::App& app) { app.add_flag("--json", json, "Print JSON"); }
+  void declare(const CommandLine& line) { line.flag("--json", json, "Print JSON"); }
 };
 
 }  // namespace
 
-void addDoctor(CLI::App& velk, Run& run) {
+void addDoctor(const CommandLine& velk, Run& run) {
   addCommand<DoctorOptions>(
       velk, run, "doctor", "Windows: tell how the component is registered, and what to mend",
       "  velk doctor\n  velk doctor --json\n"

@@ -8,10 +8,10 @@ struct InfraredTextOptions : LinkedOptions {
   int number = 0;
   std::string text;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("N", number, "Number of the text")->required()->check(CLI::Range(0, 63));
-    app.add_option("TEXT", text, "Up to 16 characters, with \\xNN for a byte")->required();
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("N", number, "Number of the text").required().range(0, 63);
+    line.option("TEXT", text, "Up to 16 characters, with \\xNN for a byte").required();
   }
 };
 
@@ -28,7 +28,7 @@ int carryOutInfraredText(const InfraredTextOptions& options) {
 
 }  // namespace
 
-void addInfraredText(CLI::App& velk, Run& run) {
+void addInfraredText(const CommandLine& velk, Run& run) {
   addCommand<InfraredTextOptions>(velk, run, "ir-text", "Store an infrared text",
                                   "  velk ir-text --simulate 3 \"Television\"\n", carryOutInfraredText);
 }

@@ -30,11 +30,9 @@ std::string listOfLanguages() {
 struct LanguageOptions : LinkedOptions {
   std::string code;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("CODE", code, "The language's letter")
-        ->required()
-        ->check(CLI::IsMember({"N", "E", "F", "D", "B", "P", "S"}));
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("CODE", code, "The language's letter").required().oneOf({"N", "E", "F", "D", "B", "P", "S"});
   }
 };
 
@@ -48,7 +46,7 @@ int carryOutLanguage(const LanguageOptions& options) {
 
 }  // namespace
 
-void addLanguage(CLI::App& velk, Run& run) {
+void addLanguage(const CommandLine& velk, Run& run) {
   addCommand<LanguageOptions>(velk, run, "language", "Write the display texts of a language",
                               "  velk language --simulate E\n" + listOfLanguages(), carryOutLanguage);
 }

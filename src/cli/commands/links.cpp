@@ -30,7 +30,7 @@ int carryOutLinks(const LinkedOptions& options) {
 
 }  // namespace
 
-void addLinks(CLI::App& velk, Run& run) {
+void addLinks(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "links", "List the links of sources to outputs and inputs",
                             "  velk links --simulate\n  velk links --serial /dev/ttyUSB0 --json\n",
                             carryOutLinks);

@@ -7,7 +7,7 @@ namespace {
 struct MethodsOptions {
   bool json = false;
 
-  void declare(CLI::App& app) { app.add_flag("--json", json, "Print JSON"); }
+  void declare(const CommandLine& line) { line.flag("--json", json, "Print JSON"); }
 };
 
 int printMethods(const MethodsOptions& options) {
@@ -17,7 +17,7 @@ int printMethods(const MethodsOptions& options) {
 
 }  // namespace
 
-void addMethods(CLI::App& velk, Run& run) {
+void addMethods(const CommandLine& velk, Run& run) {
   addCommand<MethodsOptions>(velk, run, "methods", "List all methods and properties",
                              "  velk methods\n  velk methods --json\n", printMethods);
 }

@@ -7,9 +7,9 @@ namespace {
 struct ModulesOptions : LinkedOptions {
   std::vector<std::string> serials;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("SERIAL", serials, "Serial numbers, six digits each")->required();
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("SERIAL", serials, "Serial numbers, six digits each").required();
   }
 };
 
@@ -33,7 +33,7 @@ int carryOutModules(const ModulesOptions& options) {
 
 }  // namespace
 
-void addModules(CLI::App& velk, Run& run) {
+void addModules(const CommandLine& velk, Run& run) {
   addCommand<ModulesOptions>(velk, run, "modules", "Show modules by their serial numbers",
                              "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n",
                              carryOutModules);

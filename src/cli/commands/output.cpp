@@ -17,11 +17,11 @@ struct OutputOptions : LinkedOptions {
   int number = 0;
   std::vector<std::string> words;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("N", number, "The output")->required()->check(CLI::Range(1, int{lastOutput}));
-    app.add_option("set", words, "set MODE ITEM=VALUE...: change the mode and items, by their numbers")
-        ->type_name("[set MODE ITEM=VALUE...]");
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("N", number, "The output").required().range(1, lastOutput);
+    line.option("set", words, "set MODE ITEM=VALUE...: change the mode and items, by their numbers")
+        .typeName("[set MODE ITEM=VALUE...]");
   }
 };
 
@@ -113,7 +113,7 @@ int carryOutOutput(const OutputOptions& options) {
 
 }  // namespace
 
-void addOutput(CLI::App& velk, Run& run) {
+void addOutput(const CommandLine& velk, Run& run) {
   addCommand<OutputOptions>(
       velk, run, "output", "Show an output, or set its mode and items",
       "  velk output --simulate 5\n"

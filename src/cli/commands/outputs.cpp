@@ -24,7 +24,7 @@ int carryOutOutputs(const LinkedOptions& options) {
 
 }  // namespace
 
-void addOutputs(CLI::App& velk, Run& run) {
+void addOutputs(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(
       velk, run, "outputs", "List the outputs that have a mode or a name",
       "  velk outputs --simulate\n  VELK_LINK=tcp://192.168.1.20:8445 velk outputs --json\n",

@@ -34,9 +34,9 @@ int printAll(const LinkedOptions& options) {
 struct PresetsOptions : LinkedOptions {
   int number = 0;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("N", number, "The preset")->required()->check(CLI::Range(1, int{lastPresetNumber}));
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("N", number, "The preset").required().range(1, lastPresetNumber);
   }
 };
 
@@ -60,7 +60,7 @@ int printOne(const PresetsOptions& options) {
 
 }  // namespace
 
-void addPresets(CLI::App& velk, Run& run) {
+void addPresets(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "presets", "List the presets in use",
                             "  velk presets --simulate\n  velk presets --json\n", printAll);
   addCommand<PresetsOptions>(velk, run, "preset", "Show a preset with its records",

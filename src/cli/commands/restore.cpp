@@ -17,15 +17,15 @@ struct RestoreOptions : LinkedOptions {
   bool dryRun = false;
   bool yes = false;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("FILE", file, "A backup")->required();
-    app.add_option("--only", only, "Restore these sections alone")
-        ->delimiter(',')
-        ->type_name("SECTION,...")
-        ->allow_extra_args(false);
-    app.add_flag("--dry-run", dryRun, "Show what would change and write nothing");
-    app.add_flag("--yes", yes, "Do not ask");
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("FILE", file, "A backup").required();
+    line.option("--only", only, "Restore these sections alone")
+        .delimiter(',')
+        .typeName("SECTION,...")
+        .oneValueEach();
+    line.flag("--dry-run", dryRun, "Show what would change and write nothing");
+    line.flag("--yes", yes, "Do not ask");
   }
 };
 
@@ -204,7 +204,7 @@ int carryOutRestore(const RestoreOptions& options) {
 
 }  // namespace
 
-void addRestore(CLI::App& velk, Run& run) {
+void addRestore(const CommandLine& velk, Run& run) {
   addCommand<RestoreOptions>(
       velk, run, "restore", "Write a backup to the controller, where it differs",
       "  velk restore house.json --dry-run\n"

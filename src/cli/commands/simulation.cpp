@@ -22,7 +22,7 @@ int carryOutSimulation(const LinkedOptions& options) {
 
 }  // namespace
 
-void addSimulation(CLI::App& velk, Run& run) {
+void addSimulation(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "simulation", "List the recorded events of the simulation",
                             "  velk simulation --simulate\n  velk simulation --json\n", carryOutSimulation);
 }

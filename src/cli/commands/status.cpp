@@ -107,7 +107,7 @@ int carryOutStatus(const LinkedOptions& options) {
 
 }  // namespace
 
-void addStatus(CLI::App& velk, Run& run) {
+void addStatus(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(
       velk, run, "status", "Show link, round-trip times, clock and firmware",
       "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n"

@@ -24,7 +24,7 @@ int carryOutSwitchTimes(const LinkedOptions& options) {
 
 }  // namespace
 
-void addSwitchTimes(CLI::App& velk, Run& run) {
+void addSwitchTimes(const CommandLine& velk, Run& run) {
   addCommand<LinkedOptions>(velk, run, "switch-times", "List the switch times",
                             "  velk switch-times --simulate\n  velk switch-times --json\n",
                             carryOutSwitchTimes);

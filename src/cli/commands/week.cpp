@@ -10,10 +10,10 @@ struct WeekOptions : LinkedOptions {
   std::string svg;
   std::string html;
 
-  void declare(CLI::App& app) {
-    LinkedOptions::declare(app);
-    app.add_option("--svg", svg, "Write a picture, with the links below it")->type_name("FILE");
-    app.add_option("--html", html, "Write a page that needs no other file")->type_name("FILE");
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("--svg", svg, "Write a picture, with the links below it").typeName("FILE");
+    line.option("--html", html, "Write a page that needs no other file").typeName("FILE");
   }
 };
 
@@ -32,7 +32,7 @@ int carryOutWeek(const WeekOptions& options) {
 
 }  // namespace
 
-void addWeek(CLI::App& velk, Run& run) {
+void addWeek(const CommandLine& velk, Run& run) {
   addCommand<WeekOptions>(velk, run, "week", "Show the week: switch times and simulation",
                           "  velk week --simulate\n  velk week --html week.html\n", carryOutWeek);
 }

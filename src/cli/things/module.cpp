@@ -23,10 +23,10 @@ Json jsonOf(const Module& module) {
 }
 
 Module moduleOfJson(const Json& json) {
-  return {.serial = json.at("serial"),
-          .model = json.at("model"),
-          .cpuType = json.at("cpu"),
-          .firmware = json.at("firmware"),
+  return {.serial = json.at("serial").get<std::string>(),
+          .model = json.at("model").get<std::string>(),
+          .cpuType = json.at("cpu").get<Byte>(),
+          .firmware = json.at("firmware").get<std::string>(),
           .record = bytesOfHex(json.at("record").get<std::string>())};
 }
 

@@ -1,0 +1,181 @@
+#include "cli/json.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+namespace velk::cli {
+namespace {
+
+using Library = nlohmann::ordered_json;
+
+template <class... Functions>
+struct Overload : Functions... {
+  using Functions::operator()...;
+};
+template <class... Functions>
+Overload(Functions...) -> Overload<Functions...>;
+
+template <class T>
+constexpr const char* kindName = "";
+template <>
+constexpr const char* kindName<bool> = "true or false";
+template <>
+constexpr const char* kindName<std::string> = "text";
+template <>
+constexpr const char* kindName<Json::Array> = "array";
+template <>
+constexpr const char* kindName<Json::Object> = "object";
+
+/// Without the library's own code for the error.
+std::string reasonOf(const Library::exception& error) {
+  const std::string text = error.what();
+  const auto codeEnd = text.find("] ");
+  return codeEnd == std::string::npos ? text : text.substr(codeEnd + 2);
+}
+
+}  // namespace
+
+/// The same value as the library holds it.
+struct JsonLibrary {
+  static Library to(const Json& json) {
+    return std::visit(Overload{[](const Json::Array& array) {
+                                 Library::array_t result;
+                                 for (const Json& element : array) result.push_back(to(element));
+                                 return Library(std::move(result));
+                               },
+                               [](const Json::Object& object) {
+                                 Library::object_t result;
+                                 for (const auto& [name, value] : object)
+                                   result.emplace_back(name, to(value));
+                                 return Library(std::move(result));
+                               },
+                               [](const auto& value) { return Library(value); }},
+                      json.value_);
+  }
+
+  static Json from(const Library& library) {
+    switch (library.type()) {
+      case Library::value_t::boolean:
+        return library.get<bool>();
+      case Library::value_t::number_integer:
+        return library.get<std::int64_t>();
+      case Library::value_t::number_unsigned:
+        return fromUnsigned(library.get<std::uint64_t>());
+      case Library::value_t::number_float:
+        return library.get<double>();
+      case Library::value_t::string:
+        return library.get_ref<const std::string&>();
+      case Library::value_t::array:
+        return fromArray(library);
+      case Library::value_t::object:
+        return fromObject(library);
+      default:
+        return nullptr;
+    }
+  }
+
+ private:
+  static Json fromUnsigned(std::uint64_t number) {
+    if (std::in_range<std::int64_t>(number)) return static_cast<std::int64_t>(number);
+    return static_cast<double>(number);
+  }
+
+  static Json fromArray(const Library& library) {
+    Json::Array array;
+    for (const Library& element : library) array.push_back(from(element));
+    Json json;
+    json.value_ = std::move(array);
+    return json;
+  }
+
+  static Json fromObject(const Library& library) {
+    Json::Object object;
+    for (const auto& [name, value] : library.items()) object.emplace_back(name, from(value));
+    Json json;
+    json.value_ = std::move(object);
+    return json;
+  }
+};
+
+Json::Json(std::initializer_list<Json> values) {
+  const bool isObject = std::all_of(values.begin(), values.end(), [](const Json& value) {
+    const auto* const pair = std::get_if<Array>(&value.value_);
+    return pair != nullptr && pair->size() == 2 && std::holds_alternative<std::string>(pair->front().value_);
+  });
+  if (!isObject) {
+    value_ = Array(values);
+    return;
+  }
+  Object object;
+  for (const Json& value : values)
+    object.emplace_back(value.elements()[0].get<std::string>(), value.elements()[1]);
+  value_ = std::move(object);
+}
+
+Json Json::object() {
+  Json json;
+  json.value_ = Object();
+  return json;
+}
+
+Json Json::parse(std::istream& in) {
+  try {
+    return JsonLibrary::from(Library::parse(in));
+  } catch (const Library::exception& error) {
+    throw JsonError(reasonOf(error));
+  }
+}
+
+std::string Json::dump(int indentation) const {
+  return JsonLibrary::to(*this).dump(indentation, ' ', false, Library::error_handler_t::replace);
+}
+
+void Json::push_back(Json element) {
+  if (std::holds_alternative<std::nullptr_t>(value_)) value_ = Array();
+  std::get<Array>(value_).push_back(std::move(element));
+}
+
+Json& Json::operator[](std::string_view name) {
+  if (std::holds_alternative<std::nullptr_t>(value_)) value_ = Object();
+  auto& members = std::get<Object>(value_);
+  const auto found = std::find_if(members.begin(), members.end(),
+                                  [&](const Member& member) { return member.first == name; });
+  return found != members.end() ? found->second : members.emplace_back(name, Json()).second;
+}
+
+const Json* Json::find(std::string_view name) const {
+  const Object& members = items();
+  const auto found = std::find_if(members.begin(), members.end(),
+                                  [&](const Member& member) { return member.first == name; });
+  return found == members.end() ? nullptr : &found->second;
+}
+
+const Json& Json::at(std::string_view name) const {
+  if (const Json* const member = find(name)) return *member;
+  throw JsonError("there is no \"" + std::string(name) + "\"");
+}
+
+template <class T>
+const T& Json::held() const {
+  if (const T* const value = std::get_if<T>(&value_)) return *value;
+  throw JsonError("\"" + dump().substr(0, 40) + "\" stands where a " + kindName<T> + " should");
+}
+
+std::int64_t Json::integer(std::int64_t least, std::int64_t most) const {
+  const auto* const value = std::get_if<std::int64_t>(&value_);
+  if (value != nullptr && *value >= least && *value <= most) return *value;
+  throw JsonError(dump() + " stands where a number from " + std::to_string(least) + " to " +
+                  std::to_string(most) + " should");
+}
+
+template const bool& Json::held() const;
+template const std::string& Json::held() const;
+template const Json::Array& Json::held() const;
+template const Json::Object& Json::held() const;
+
+std::ostream& operator<<(std::ostream& out, const Json& json) {
+  return out << json.dump();
+}
+
+}  // namespace velk::cli
