@@ -25,7 +25,7 @@ class BackupTest : public testing::Test {
   static std::string linkOf(Tool& simulator) { return behind(simulator.line(), "tcp Q "); }
 
   [[nodiscard]] Tool emptyController(Words faults = {}) const {
-    faults.insert(faults.end(), {"--image", file("empty"), "--for", "60"});
+    faults.insert(faults.end(), {"--image", file("empty"), "--for", "600"});
     return {"velk-sim", std::move(faults)};
   }
 
@@ -39,7 +39,7 @@ bool has(const std::string& text, const std::string& line) {
 }
 
 TEST_F(BackupTest, SurvivesABrokenLinkAndRestoresToAnEmptyController) {
-  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@2000", "--for", "60"});
+  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@2000", "--for", "600"});
   const std::string from = linkOf(source);
   const Words backup{"backup", "--tcp", from, file("a"), "--modules", "090500"};
   EXPECT_NE(velk(backup).status, 0);
@@ -64,7 +64,7 @@ TEST_F(BackupTest, SurvivesABrokenLinkAndRestoresToAnEmptyController) {
 }
 
 TEST_F(BackupTest, TellsDifferencesInWords) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = linkOf(simulator);
   ASSERT_EQ(velk({"backup", "--tcp", link, file("a")}).status, 0);
   EXPECT_EQ(velk({"output", "--tcp", link, "5", "set", "DI"}).status, 0);
@@ -101,7 +101,7 @@ TEST_F(BackupTest, TellsDifferencesInWords) {
 }
 
 TEST_F(BackupTest, RestoresModules) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = linkOf(simulator);
   ASSERT_EQ(velk({"backup", "--modules", "090500", "--tcp", link, file("a")}).status, 0);
   ASSERT_EQ(call({"--tcp", link, "Module", "W", "090500",
@@ -128,7 +128,7 @@ TEST_F(BackupTest, RestoresModules) {
 TEST_F(BackupTest, ReadsOnlyWhatIsAskedFor) {
   ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
   // 64 infrared texts; the whole configuration takes thousands of requests.
-  Tool simulator("velk-sim", {"--tcp", "0", "--fault", "disconnect@65-", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--fault", "disconnect@65-", "--for", "600"});
   const std::string link = linkOf(simulator);
   EXPECT_EQ(velk({"diff", "--tcp", link, "--only", "infrared", file("a")}).status, 0);
   EXPECT_EQ(velk({"restore", "--tcp", link, "--only", "modules", "--dry-run", file("a")}).status, 0);
@@ -137,7 +137,8 @@ TEST_F(BackupTest, ReadsOnlyWhatIsAskedFor) {
 
 TEST_F(BackupTest, AnInterruptedRestorationGoesOn) {
   ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
-  Tool simulator = emptyController({"--trace"});
+  // The first write is request 4015. What follows takes some twenty seconds, so that the signal comes in time.
+  Tool simulator = emptyController({"--trace", "--fault", "late=100@4016-"});
   const std::string link = linkOf(simulator);
   Tool restore("velk", {"restore", "--tcp", link, "--yes", "--only", "outputs,presets", "--json", file("a")});
   while (simulator.line().substr(0, 5) != "write") {

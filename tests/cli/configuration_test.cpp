@@ -20,7 +20,7 @@ Json json(Words words) {
 }
 
 TEST(ConfigurationTest, TakesTheLinkFromTheEnvironment) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--fast", "--password", "a&b", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--fast", "--password", "a&b", "--for", "600"});
   const std::string tcp = behind(simulator.line(), "tcp Q ");
   const std::string fast = behind(simulator.line(), "fast ");
   EXPECT_EQ(velk({"outputs"}).status, 2) << "there is no link";
@@ -74,7 +74,7 @@ TEST(ConfigurationTest, PrintsJson) {
 }
 
 TEST(ConfigurationTest, SetsOutputs) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   const auto set = [&](Words words) {
     words.insert(words.begin(), {"output", "--tcp", link, "--json"});

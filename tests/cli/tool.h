@@ -16,6 +16,9 @@ namespace velk::cli {
 
 using Words = std::vector<std::string>;
 
+/// How long a test waits for a tool to say something, which it mostly does at once: longer than any machine takes.
+constexpr int patience = 120'000;  // ms
+
 /// One of the tools, running; what it prints on standard output can be read line by line.
 class Tool {
  public:
@@ -46,7 +49,7 @@ class Tool {
   Tool(const Tool&) = delete;
   Tool& operator=(const Tool&) = delete;
 
-  /// The next line; empty at the end, or when none comes within ten seconds.
+  /// The next line; empty at the end, or when none comes.
   std::string line() {
     while (text_.find('\n') == std::string::npos && more()) {
     }
@@ -78,7 +81,7 @@ class Tool {
   bool more() {
     pollfd watched{.fd = out_, .events = POLLIN, .revents = 0};
     std::array<char, 4096> buffer{};
-    if (poll(&watched, 1, 10'000) <= 0) return false;
+    if (poll(&watched, 1, patience) <= 0) return false;
     const auto n = read(out_, buffer.data(), buffer.size());
     if (n > 0) text_.append(buffer.data(), static_cast<std::size_t>(n));
     return n > 0;

@@ -84,17 +84,17 @@ TEST(VelkTest, TellsOfAnUnknownCommand) {
 
 TEST(VelkTest, TakesIpv6AddressesInBrackets) {
   if (!fs::exists("/proc/net/if_inet6")) GTEST_SKIP() << "there is no IPv6 here";
-  Tool simulator("velk-sim", {"--tcp", "0", "--bind", "::1", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--bind", "::1", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   EXPECT_EQ(link.substr(0, 6), "[::1]:");
   EXPECT_EQ(call({"--tcp", link, "ReadCom", "1", "5", "1", "V"}).text, "\\x00\\x05  (done)\n");
 }
 
 TEST(VelkTest, TellsWhyALinkDoesNotOpen) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--password", "ab", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--password", "ab", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   const std::string port = link.substr(link.find(':') + 1);
-  Tool mute("velk-sim", {"--tcp", "0", "--fault", "silent@0", "--for", "60"});
+  Tool mute("velk-sim", {"--tcp", "0", "--fault", "silent@0", "--for", "600"});
   const std::string muteLink = behind(mute.line(), "tcp Q ");
   const auto complaint = [](Words words) {
     words.emplace_back("SoortETH");
@@ -131,7 +131,7 @@ TEST(VelkTest, ListsMethods) {
 TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {
   const std::string image = testing::TempDir() + "velk-sim-test-" + std::to_string(getpid());
   Tool simulator("velk-sim", {"--tcp", "0", "--tcp-s", "0", "--echo", "--fast", "--password", "ab", "--trace",
-                              "--save", image, "--for", "60"});
+                              "--save", image, "--for", "600"});
   const std::string q = behind(simulator.line(), "tcp Q ");
   const std::string s = behind(simulator.line(), "tcp S ");
   const std::string echo = behind(simulator.line(), "echo ");

@@ -5,6 +5,7 @@
 
 #include "component/serial.h"
 #include "platform/host.h"
+#include "platform/posix/backlog.h"
 #include "support/bytes.h"
 #include "support/real_peers.h"
 
@@ -16,6 +17,10 @@ using namespace std::chrono_literals;
 using test::errorOf;
 using test::Listener;
 using test::Pty;
+
+/// The longest wait for what comes at once. Only a fault makes a test wait for its end, so it is longer than
+/// any machine takes.
+constexpr auto longest = 60s;
 
 std::chrono::nanoseconds cpuTime() {
   rusage usage{};
@@ -43,7 +48,7 @@ TEST_F(PosixPort, CarriesAllByteValuesBothWays) {
   ASSERT_EQ(::read(pty.far(), received.data(), received.size()), 256);
   EXPECT_EQ(received, all);
   ASSERT_EQ(::write(pty.far(), all.data(), all.size()), 256);
-  host.block(Source::port, 1s, Messages::held);
+  host.block(Source::port, longest, Messages::held);
   EXPECT_EQ(port.read(), all);
   EXPECT_EQ(port.read(), "");
   port.setBreak(true);
@@ -54,11 +59,45 @@ TEST_F(PosixPort, OneReadTakesAllThatHasCome) {
   const Pty pty;
   port.open(Pty::number, {});
   const Bytes noise(6000, 'n');
-  std::thread far([&] { EXPECT_EQ(::write(pty.far(), noise.data(), noise.size()), 6000); });
-  far.join();
-  std::this_thread::sleep_for(50ms);
+  ASSERT_EQ(::write(pty.far(), noise.data(), noise.size()), 6000);
   EXPECT_EQ(port.read().size(), noise.size());
   EXPECT_TRUE(port.read().empty());
+}
+
+/// What a device hands out, a piece a call, and how many bytes are taken in how many calls.
+TEST(Backlog, IsTakenWholeAndCostsAReplyNothing) {
+  const struct {
+    const char* what;
+    std::vector<ssize_t> pieces;
+    ssize_t taken;
+    std::size_t calls;
+  } rows[] = {
+      {"the ring of the system ends in it", {4095, 1, 1904, -1}, 6000, 4},
+      {"the device is pulled out behind it", {4096, 0}, 4096, 2},
+      {"a reply of the longest kind", {1023, 500}, 1023, 1},
+      {"the shortest that may be more", {1024, 7, -1}, 1031, 3},
+      {"nothing", {-1, 5}, -1, 1},
+      {"a device that is gone", {0, 5}, 0, 1},
+      {"a flood", std::vector<ssize_t>(99, 4096), 65536, 16},
+  };
+  for (const auto& row : rows) {
+    Bytes buffer;
+    std::size_t calls = 0;
+    Bytes expected;
+    const ssize_t taken = takeAll(buffer, [&](char* place, std::size_t size) {
+      const ssize_t piece = row.pieces.at(calls);
+      EXPECT_LE(piece, static_cast<ssize_t>(size));
+      const Bytes text(static_cast<std::size_t>(std::max<ssize_t>(piece, 0)),
+                       character(static_cast<int>(calls)));
+      std::copy(text.begin(), text.end(), place);
+      expected += text;
+      ++calls;
+      return piece;
+    });
+    EXPECT_EQ(taken, row.taken) << row.what;
+    EXPECT_EQ(calls, row.calls) << row.what;
+    EXPECT_EQ(buffer.substr(0, expected.size()), expected) << row.what;
+  }
 }
 
 TEST_F(PosixPort, ADeviceThatTakesNothingIsBusy) {
@@ -67,7 +106,6 @@ TEST_F(PosixPort, ADeviceThatTakesNothingIsBusy) {
   const auto start = host.steady();
   EXPECT_EQ(errorOf([&] { port.write(Bytes(1 << 20, 'x')); }), 8019);
   EXPECT_GE(host.steady() - start, 1s);
-  EXPECT_LE(host.steady() - start, 5s);
 }
 
 TEST_F(PosixPort, ErrorsByNumber) {
@@ -96,7 +134,9 @@ TEST_F(PosixPort, VanishedDeviceIsAnErrorNotAHang) {
   Pty pty;
   port.open(Pty::number, {});
   pty.hangUp();
-  host.block(Source::port, 5s, Messages::held);
+  const auto start = host.steady();
+  host.block(Source::port, longest, Messages::held);
+  EXPECT_LT(host.steady() - start, longest);
   EXPECT_EQ(errorOf([&] { port.read(); }), 8020);
   EXPECT_EQ(errorOf([&] { port.write("x"); }), 8020);
   EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 8020);
@@ -118,14 +158,14 @@ TEST_F(PosixPort, AnswerIsTakenUpAtOnceAndWaitingCostsNothing) {
   const auto cpu = cpuTime();
   host.block(Source::port, 300ms, Messages::held);
   EXPECT_GE(host.steady() - start, 300ms);
-  EXPECT_LE(cpuTime() - cpu, 5ms);
+  EXPECT_LE(cpuTime() - cpu, 30ms) << "a loop takes all that other programs leave it";
   std::thread far([&] {
     std::this_thread::sleep_for(50ms);
     EXPECT_EQ(::write(pty.far(), "x", 1), 1);
   });
   const auto again = host.steady();
-  host.block(Source::port, 10s, Messages::held);
-  EXPECT_LE(host.steady() - again, 2s);
+  host.block(Source::port, longest, Messages::held);
+  EXPECT_LT(host.steady() - again, longest);
   far.join();
 }
 
@@ -141,16 +181,19 @@ TEST(SerialSettings, OnlyWhatAPortCanBeSetTo) {
   }
 }
 
+/// A wait for the greeting of an interface that went to its end would take as long.
+constexpr auto greetingTime = 1490ms;
+
 class PosixSocket : public testing::Test {
  protected:
   Host& host = threadHost();
   Socket& socket = host.socket();
   void TearDown() override { socket.close(); }
 
-  /// Lets the socket go on until `done` or two seconds have passed.
+  /// Lets the socket go on until `done`.
   template <class Done>
   void goOn(Done done) {
-    const auto end = host.steady() + 2s;
+    const auto end = host.steady() + longest;
     while (!done() && host.steady() < end) host.block(Source::socket, 100ms, Messages::dispatched);
   }
 };
@@ -200,7 +243,7 @@ TEST_F(PosixSocket, RefusedConnectionEndsOpenTcpAtOnce) {
   Serial serial;
   const auto start = host.steady();
   EXPECT_EQ(serial.OpenTCP("127.0.0.1", static_cast<std::int16_t>(listener.port)), 252);
-  EXPECT_LE(host.steady() - start, 1s);
+  EXPECT_LT(host.steady() - start, greetingTime);
 }
 
 /// The time-out of a receiving call on the socket that is connected to a port of this machine.
@@ -227,32 +270,40 @@ TEST_F(PosixSocket, LongWaitsLeaveRoomForALateTimeOut) {
   socket.connect("127.0.0.1", listener.port);
   const Fd peer = listener.accept();
   goOn([&] { return !socket.isDead() && errorOf([&] { socket.receive(); }) == 0; });
-  for (const std::chrono::nanoseconds longest :
+  for (const std::chrono::nanoseconds wait :
        {std::chrono::nanoseconds(101ms), std::chrono::nanoseconds(2s), std::chrono::nanoseconds(1500ms),
         std::chrono::nanoseconds(10h)}) {
     ASSERT_EQ(::write(peer.get(), "x", 1), 1);
-    host.block(Source::socket, longest, Messages::held);
+    host.block(Source::socket, wait, Messages::held);
     EXPECT_EQ(socket.receive(), "x");
     const auto timeOut = receiveTimeOut(listener.port);
     EXPECT_GT(timeOut, 0s) << "0 would be without end";
-    EXPECT_LE(timeOut * 9 / 8, longest) << longest.count();
+    EXPECT_LE(timeOut * 9 / 8, wait) << wait.count();
   }
 }
 
 TEST_F(PosixSocket, NothingToWaitForEndsAWaitAtOnce) {
   const auto start = host.steady();
-  host.block(Source::socket, 10s, Messages::held);
+  host.block(Source::socket, longest, Messages::held);
+  EXPECT_LT(host.steady() - start, longest);
+  const auto again = host.steady();
   Serial serial;
   EXPECT_EQ(serial.OpenTCP("", 1), 252);
-  EXPECT_LE(host.steady() - start, 1s);
+  EXPECT_LT(host.steady() - again, greetingTime);
 }
 
-TEST(PosixHost, ClockIsLocalTimeOfDay) {
+float secondsOfToday() {
   const time_t now = time(nullptr);
   tm local{};
   localtime_r(&now, &local);
-  const float expected = static_cast<float>(local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec);
-  EXPECT_NEAR(threadHost().clock(), expected, 2);
+  return static_cast<float>(local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec);
+}
+
+TEST(PosixHost, ClockIsLocalTimeOfDay) {
+  const float before = secondsOfToday();
+  const float clock = threadHost().clock();
+  EXPECT_GE(clock, before);
+  EXPECT_LE(clock, secondsOfToday() + 1.1F) << "the system's seconds change a tick late";
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <cerrno>
 
 #include "platform/devices.h"
+#include "platform/posix/backlog.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
@@ -18,11 +19,6 @@ namespace {
 
 /// How long a port may refuse to take anything.
 constexpr int writePatience = 1000;  // ms
-
-/// The system hands out a long backlog in pieces of some 4000 bytes, out of at most this many that it keeps.
-constexpr std::size_t pieceSize = 4096;
-constexpr std::size_t longPiece = 1024;
-constexpr std::size_t mostKept = 65536;
 
 std::string devicePath(int number) {
   const auto mapped = mappedPort(number);
@@ -92,18 +88,15 @@ void PosixSerialPort::close() {
 
 std::string_view PosixSerialPort::read() {
   requireOpen();
-  std::size_t held = 0;
-  std::size_t piece = 0;
-  do {
-    if (buffer_.size() < held + pieceSize) buffer_.resize(held + pieceSize);
-    const auto n = ::read(fd_.get(), buffer_.data() + held, pieceSize);
-    // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
-    const bool live = n > 0 || (n < 0 && (errno == EAGAIN || errno == EINTR));
-    if (!live && held == 0) throw RuntimeError(RuntimeError::deviceFailed);
-    piece = n > 0 ? static_cast<std::size_t>(n) : 0;
-    held += piece;
-  } while (piece >= longPiece && held < mostKept);
-  return {buffer_.data(), held};
+  const ssize_t taken = takeAll(buffer_, [this](char* place, std::size_t size) {
+    ssize_t n = 0;
+    do n = ::read(fd_.get(), place, size);
+    while (n < 0 && errno == EINTR);
+    return n;
+  });
+  // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
+  if (taken == 0 || (taken < 0 && errno != EAGAIN)) throw RuntimeError(RuntimeError::deviceFailed);
+  return {buffer_.data(), taken > 0 ? static_cast<std::size_t>(taken) : 0};
 }
 
 void PosixSerialPort::write(std::string_view bytes) {

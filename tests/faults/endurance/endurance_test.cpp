@@ -86,7 +86,7 @@ TEST(Endurance, ConnectingAndClosingLeaksNothing) {
     serial.CloseTCP();
   }
   // The server closes its ends a little later.
-  for (int i = 0; i < 100 && openDescriptors() > before; ++i)
+  for (int i = 0; i < 1200 && openDescriptors() > before; ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   EXPECT_LE(openDescriptors(), before);
 }
