@@ -8,6 +8,7 @@
 
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
+. "$here/../tests/support/noon.sh"
 build=$(cd "${1:?usage: bench.sh BUILD [WINDOWS_BUILD]}" && pwd) || exit 2
 windows=${2:+$(cd "$2" && pwd)}
 bench=$build/bin/velk_bench
@@ -44,7 +45,7 @@ keep_other_core_busy() {
 serve() { # serve KIND: a server on the same core; its port goes to $port
   taskset -c $core "$bench" serve "$1" >"$work/port" &
   children="$children $!"
-  for _ in $(seq 100); do
+  for _ in $(seq 600); do
     port=$(cat "$work/port")
     [ -n "$port" ] && return 0
     sleep 0.05
@@ -60,7 +61,7 @@ wine_wait() { # what the process uses during three waits of two seconds, as a pa
   taskset -c $core wine "$windows/bin/velk_bench.exe" wait "$port" >"$work/wait.out" 2>/dev/null &
   process=$!
   children="$children $process"
-  for _ in $(seq 200); do
+  for _ in $(seq 600); do
     grep -q waiting "$work/wait.out" && break
     sleep 0.05
   done

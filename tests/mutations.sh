@@ -30,7 +30,7 @@ TEXT
 )
 rows=$(grep -F -e "${1:-}" <<<"$table")
 
-limit=180 # s for all tests
+limit=600 # s for all tests
 copy=build/mutations/tree
 build=build/mutations/build
 log=build/mutations/log

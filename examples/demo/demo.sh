@@ -3,6 +3,7 @@
 # controller, over TCP with a password, over a serial line in echo mode, and in fast mode.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
+. tests/support/noon.sh
 
 say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
 
@@ -21,7 +22,7 @@ say "registering the component: regsvr32 VelkCom.dll"
 wine regsvr32 /s "$component"
 
 say "starting a simulated controller: TCP with password, serial lines in echo and fast mode"
-build/linux/bin/velk-sim --tcp 0 --password 1234 --echo --fast --for 120 >"$work/sim.log" &
+build/linux/bin/velk-sim --tcp 0 --password 1234 --echo --fast --for 600 >"$work/sim.log" &
 simulator=$!
 trap 'kill "$simulator" 2>/dev/null' EXIT
 until grep -q ready "$work/sim.log"; do

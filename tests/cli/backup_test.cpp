@@ -137,7 +137,8 @@ TEST_F(BackupTest, ReadsOnlyWhatIsAskedFor) {
 
 TEST_F(BackupTest, AnInterruptedRestorationGoesOn) {
   ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
-  // The first write is request 4015. What follows takes some twenty seconds, so that the signal comes in time.
+  // The first write is request 4015. What follows takes some twenty seconds, so that the signal comes in
+  // time.
   Tool simulator = emptyController({"--trace", "--fault", "late=100@4016-"});
   const std::string link = linkOf(simulator);
   Tool restore("velk", {"restore", "--tcp", link, "--yes", "--only", "outputs,presets", "--json", file("a")});

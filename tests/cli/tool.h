@@ -16,7 +16,8 @@ namespace velk::cli {
 
 using Words = std::vector<std::string>;
 
-/// How long a test waits for a tool to say something, which it mostly does at once: longer than any machine takes.
+/// How long a test waits for a tool to say something, which it mostly does at once: longer than any machine
+/// takes.
 constexpr int patience = 120'000;  // ms
 
 /// One of the tools, running; what it prints on standard output can be read line by line.

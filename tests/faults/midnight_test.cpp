@@ -5,8 +5,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// At midnight every wait ends early, and so does every one in the first second of the day: what takes time to answer
-/// fails, whatever the link, and works again behind it.
+/// At midnight every wait ends early, and so does every one in the first second of the day: what takes time
+/// to answer fails, whatever the link, and works again behind it.
 class Midnight : public SimulatedHouse {
  protected:
   static constexpr std::chrono::milliseconds day = 24h;
@@ -22,7 +22,8 @@ TEST_F(Midnight, FailsWhatIsAnsweredLateForASecondAndNoLonger) {
   const struct {
     LinkKind kind;
     int failed;
-  } rows[] = {{LinkKind::fast, 252}, {LinkKind::echo, 252}, {LinkKind::ethernetQ, 252}, {LinkKind::ethernetS, 252}};
+  } rows[] = {
+      {LinkKind::fast, 252}, {LinkKind::echo, 252}, {LinkKind::ethernetQ, 252}, {LinkKind::ethernetS, 252}};
   for (const auto& row : rows) {
     SCOPED_TRACE(nameOf(row.kind));
     open(row.kind, {"late=40@*"});

@@ -18,8 +18,8 @@ using namespace std::chrono_literals;
 /// The clock of seconds since midnight, which ends waits too, moves in steps of up to 8 ms.
 constexpr auto step = 8ms;
 
-/// How long the component waits for a reply over TCP and for a greeting. A test whose wait has to end at once asks
-/// for less than this, and no more: how much less depends on the machine.
+/// How long the component waits for a reply over TCP and for a greeting. A test whose wait has to end at once
+/// asks for less than this, and no more: how much less depends on the machine.
 constexpr auto replyTime = 2000ms;
 constexpr auto greetingTime = 1500ms;
 
@@ -109,7 +109,8 @@ TEST_F(RealTcp, APeerThatEndsInMidReply) {
         serveNext(row.kindQ, {.how = row.how, .answers = row.kindQ ? 1 : 0, .length = row.length});
     ASSERT_EQ(open(), 0);
     Bytes result;
-    EXPECT_LT(timeOf([&] { result = read(); }), replyTime - step) << "the end of the connection ends the wait";
+    EXPECT_LT(timeOf([&] { result = read(); }), replyTime - step)
+        << "the end of the connection ends the wait";
     EXPECT_EQ(result, row.result);
     peer.join();
     EXPECT_EQ(read(), bytes({58})) << "a connection that has ended stays so";

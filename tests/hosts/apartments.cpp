@@ -26,7 +26,7 @@ std::thread inApartment(Work work) {
 }
 
 void dispatchMessagesUntil(HANDLE event) {
-  const DWORD longest = 10'000;
+  const DWORD longest = 120'000;
   while (MsgWaitForMultipleObjects(1, &event, FALSE, longest, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) DispatchMessageW(&message);

@@ -7,6 +7,7 @@
 
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
+. "$here/../support/noon.sh"
 build=$(cd "${1:?usage: run_hosts.sh BUILD_DIR}" && pwd) || exit 2
 sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
 case $build in
@@ -18,7 +19,7 @@ mkdir -p "$work"
 
 export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
-longest=60 # seconds that any one host may take
+longest=600 # seconds that any one host may take, which needs some ten
 children=
 passed=0
 failed=0
@@ -96,7 +97,7 @@ trap end_children EXIT
 trap 'exit 130' INT TERM
 
 wait_for() { # wait_for FILE PATTERN: until a child has said so
-  for _ in $(seq 100); do
+  for _ in $(seq 600); do
     grep -q "$2" "$1" 2>/dev/null && return 0
     sleep 0.1
   done
@@ -106,7 +107,7 @@ wait_for() { # wait_for FILE PATTERN: until a child has said so
 
 start_controller() {
   rm -f "$work/sim.log"
-  "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 600 >"$work/sim.log" 2>&1 &
+  "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 7200 >"$work/sim.log" 2>&1 &
   children="$children $!"
   wait_for "$work/sim.log" '^ready'
   port_q=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
@@ -121,7 +122,7 @@ start_silent_peer() { # accepts connections and says nothing
 import socket, time
 s = socket.create_server(("127.0.0.1", 0))
 print(s.getsockname()[1], flush=True)
-time.sleep(600)' >"$work/silent.log" &
+time.sleep(7200)' >"$work/silent.log" &
   children="$children $!"
   wait_for "$work/silent.log" '[0-9]'
 }
@@ -201,8 +202,8 @@ typed_client() {
 
 [ -x "$sim" ] || { echo "$0: no simulated controller at $sim; build the preset linux first" >&2; exit 2; }
 if [ ! -e "$WINEPREFIX/system.reg" ]; then
-  timeout -k 5 120 wineboot -i >/dev/null 2>&1
-  timeout -k 5 120 wineserver -w # it goes on filling the registry behind our back
+  timeout -k 5 "$longest" wineboot -i >/dev/null 2>&1
+  timeout -k 5 "$longest" wineserver -w # it goes on filling the registry behind our back
 fi
 rm -f "$work/outcomes"
 registration

@@ -4,6 +4,7 @@
 # Usage: debian.sh PACKAGE
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
+. "$here/../support/noon.sh"
 package=$(realpath "${1:?usage: debian.sh PACKAGE}")
 example=$here/../../examples/linux
 
@@ -48,9 +49,9 @@ check "bash completes a command" completes "velk rest" restore
 check "  and its options" completes "velk restore --dr" --dry-run
 check "  and leaves files to the shell" completes "velk restore ho" ""
 
-"$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 120 >"$work/simulator.log" &
+"$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 3600 >"$work/simulator.log" &
 simulator=$!
-for _ in $(seq 100); do
+for _ in $(seq 600); do
   grep -q '^ready' "$work/simulator.log" && break
   sleep 0.1
 done
@@ -58,7 +59,7 @@ port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/simulator.log")
 line=$(sed -n 's/^echo //p' "$work/simulator.log")
 
 lists_presets() {
-  timeout 60 "$@" >"$work/presets.txt" && [ "$(wc -l <"$work/presets.txt")" -eq 4 ] &&
+  timeout 600 "$@" >"$work/presets.txt" && [ "$(wc -l <"$work/presets.txt")" -eq 4 ] &&
     grep -q '^ 2  Evening           delays 10, 40$' "$work/presets.txt"
 }
 check "the example lists the presets over TCP" lists_presets "$work/cmake/presets" 127.0.0.1 "$port" pass

@@ -6,6 +6,7 @@
 set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
+. "$here/../support/noon.sh"
 setup=$(realpath "${1:?usage: windows.sh SETUP ZIP}")
 zip=$(realpath "${2:?usage: windows.sh SETUP ZIP}")
 sim=${VELK_SIM:-$root/build/linux/bin/velk-sim}
@@ -17,6 +18,7 @@ rm -rf "${work:?}"/*
 export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 drive=$WINEPREFIX/drive_c
+longest=600 # seconds that any one program may take
 passed=0
 failed=0
 simulator=
@@ -24,7 +26,7 @@ clean_up() { [ -z "$simulator" ] || kill "$simulator" 2>/dev/null; }
 trap clean_up EXIT
 trap 'exit 130' INT TERM
 
-wine_run() { timeout -k 5 120 wine "$@" 2>/dev/null </dev/null | tr -d '\r'; }
+wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null | tr -d '\r'; }
 
 check() { # check NAME COMMAND...
   local name=$1
@@ -63,7 +65,7 @@ install() { wine_run "$setup" /S "$@"; }
 
 uninstall() { # uninstall FOLDER SWITCH: its uninstaller goes on as a copy of itself
   wine_run "$1/uninstall.exe" /S "$2"
-  for _ in $(seq 100); do
+  for _ in $(seq 600); do
     [ -e "$1" ] || return 0
     sleep 0.2
   done
@@ -82,9 +84,9 @@ key() { wine_run reg query "$1" "${@:2}" | grep . ; }
 # --- Examples
 
 start_controller() {
-  "$sim" --tcp 0 --password pass --for 900 >"$work/sim.log" 2>&1 &
+  "$sim" --tcp 0 --password pass --for 7200 >"$work/sim.log" 2>&1 &
   simulator=$!
-  for _ in $(seq 100); do
+  for _ in $(seq 600); do
     grep -q '^ready' "$work/sim.log" && break
     sleep 0.1
   done
@@ -173,7 +175,7 @@ without_registration() {
   program_examples " without registration"
 }
 
-timeout -k 5 120 wineboot -i >/dev/null 2>&1
+timeout -k 5 "$longest" wineboot -i >/dev/null 2>&1
 # Wine's script host writes keys of its own when it first runs.
 echo 'WScript.Quit(0)' >"$work/nothing.js"
 (cd "$work" && wine_run cscript.exe //nologo nothing.js)

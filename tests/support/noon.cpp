@@ -2,8 +2,8 @@
 #include <ctime>
 #include <string>
 
-/// At midnight waits end early, as they must. Programs with a real clock therefore run in a time zone in which it
-/// is noon now, and so do those that they start. tests/support/noon.sh does the same for scripts.
+/// At midnight waits end early, as they must. Programs with a real clock therefore run in a time zone in
+/// which it is noon now, and so do those that they start. tests/support/noon.sh does the same for scripts.
 namespace {
 
 [[maybe_unused]] const bool isNoon = [] {
