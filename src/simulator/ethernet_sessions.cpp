@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::string_view greeting = "Welcome to VELK TCP/IP";
 
-void append(Deliveries& out, Deliveries more) {
-  for (Delivery& delivery : more) out.push_back(std::move(delivery));
-}
-
 // --- Kind "Q": "VELK", protocol (2), id (2), attempts, function, length (2, high byte first), data.
 
 constexpr std::string_view mark = "VELK";

@@ -8,10 +8,6 @@ constexpr std::string_view echoForeign = "*foreign#";
 /// A short request ends at its "#"; nothing says how long it may be, but one that goes on is none.
 constexpr std::size_t longestShortRequest = 64;
 
-void append(Deliveries& out, Deliveries more) {
-  for (Delivery& delivery : more) out.push_back(std::move(delivery));
-}
-
 }  // namespace
 
 Deliveries EchoSession::received(std::string_view bytes) {

@@ -10,6 +10,10 @@ bool misbehaves(const Plan& plan) {
 
 }  // namespace
 
+void append(Deliveries& out, Deliveries more) {
+  for (Delivery& delivery : more) out.push_back(std::move(delivery));
+}
+
 Reply Session::answer(const link::Request& request, const Plan& plan) {
   Reply reply = plan.status ? refusal(request, *plan.status) : controller_.answer(request);
   if (options_.trace) {

@@ -19,6 +19,8 @@ struct SessionOptions {
 
 using Deliveries = std::vector<Delivery>;
 
+void append(Deliveries& out, Deliveries more);
+
 /// One connection to the controller. It takes a stream of bytes: requests may come in pieces or several at
 /// once, and what is no request is skipped.
 class Session : public Peer {

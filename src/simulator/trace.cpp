@@ -9,7 +9,7 @@ namespace {
 /// A number of a name, from the page and the position in it.
 using Number = int (*)(int page, int position);
 
-int page(int p, int /*position*/) {
+int samePage(int p, int /*position*/) {
   return p;
 }
 
@@ -49,11 +49,11 @@ int linkAt(int /*page*/, int position) {
 }
 
 /// A page for each weekday and hour: weekday times 36, plus the hour in packed BCD.
-int weekday(int p, int /*position*/) {
+int weekdayOf(int p, int /*position*/) {
   return p / 36;
 }
 
-int hour(int p, int /*position*/) {
+int hourOf(int p, int /*position*/) {
   return p % 36 / 16 * 10 + p % 36 % 16;
 }
 
@@ -87,24 +87,24 @@ constexpr std::array regions{
     Region{external, 255, 255, 253, 253, "clock, day"},
     Region{external, 255, 255, 254, 254, "clock, month"},
     Region{external, 255, 255, 255, 255, "clock, year"},
-    Region{external, 0, 124, 31, 38, "soft link %/%", {page, linkAt}},
-    Region{external, 0, 124, 254, 254, "soft links of %, flanks", {page}},
-    Region{external, 6, 34, 40, 55, "display text %", {page}},
+    Region{external, 0, 124, 31, 38, "soft link %/%", {samePage, linkAt}},
+    Region{external, 0, 124, 254, 254, "soft links of %, flanks", {samePage}},
+    Region{external, 6, 34, 40, 55, "display text %", {samePage}},
     Region{external, 35, 126, 40, 55, "preset %, text", {pageFrom<-34>}},
     Region{external, 102, 124, 8, 15, "preset %, delays", {presetInGroup}},
     Region{external, 102, 124, 18, 18, "presets % to %, simulation", {memberOfGroup<1>, memberOfGroup<4>}},
     Region{external, 128, 255, 200, 255, "switch time %", {pageFrom<-128>}},
-    Region{external, 1, 99, 1, 1, "output %, mode", {page}},
-    Region{external, 1, 99, 2, 30, "output %, parameters", {page}},
-    Region{external, 1, 99, 56, 56, "output %, further byte", {page}},
-    Region{external, 1, 99, 64, 79, "output %, name", {page}},
+    Region{external, 1, 99, 1, 1, "output %, mode", {samePage}},
+    Region{external, 1, 99, 2, 30, "output %, parameters", {samePage}},
+    Region{external, 1, 99, 56, 56, "output %, further byte", {samePage}},
+    Region{external, 1, 99, 64, 79, "output %, name", {samePage}},
     Region{block, 247, 253, 0, 255, "output %, block", {blockFrom<247>}},
     Region{block, 58, 154, 16, 127, "preset %, record %", {presetAt<-3>, pageFrom<-55>}},
-    Region{block, 3, 99, 128, 255, "preset %, record %", {presetAt<-3>, page}},
+    Region{block, 3, 99, 128, 255, "preset %, record %", {presetAt<-3>, samePage}},
     Region{block, 102, 198, 128, 255, "preset %, record %", {presetAt<29>, pageFrom<-99>}},
     Region{highBlock, 10, 13, 0, 255, "infrared text %", {blockFrom<10>}},
     Region{highBlock, 26, 26, 0, 127, "long-record buffer"},
-    Region{highBlock, 0, 251, 0, 255, "simulation, weekday %, hour %", {weekday, hour}},
+    Region{highBlock, 0, 251, 0, 255, "simulation, weekday %, hour %", {weekdayOf, hourOf}},
 };
 
 std::string hex(Byte value) {

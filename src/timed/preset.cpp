@@ -10,7 +10,7 @@ using link::Stop;
 
 constexpr Byte firstRecord = 3;
 constexpr Byte highestRecord = 99;
-constexpr Byte recordSize = 4;
+constexpr Byte presetRecordSize = 4;
 constexpr Byte textSize = 16;
 constexpr int shortestDelay = 5;
 constexpr int longestDelay = 200;
@@ -48,7 +48,7 @@ bool isDelay(int delay) {
 
 void checkWrite(const PresetAccess& p) {
   const std::size_t records = p.lastRecord - firstRecord + std::size_t{1};
-  if (p.data.size() != records * recordSize || p.text.size() != textSize) throw Stop{104};
+  if (p.data.size() != records * presetRecordSize || p.text.size() != textSize) throw Stop{104};
   if (!isDelay(p.delay1) || (p.delay2 != 0 && !isDelay(p.delay2)) || p.delay1 + p.delay2 > 255)
     throw Stop{105};
 }
@@ -57,7 +57,7 @@ void write(const Memory& memory, const PresetAccess& p) {
   checkWrite(p);
   memory.write(textOf(p.number), p.text);
   for (Byte i = firstRecord; i <= p.lastRecord; ++i) {
-    const std::string_view record = slice(p.data, std::size_t{recordSize} * (i - firstRecord), recordSize);
+    const std::string_view record = slice(p.data, std::size_t{presetRecordSize} * (i - firstRecord), presetRecordSize);
     // A byte of value 1 marks a record that is to stay as it is in the controller.
     if (record.find('\x01') != std::string_view::npos) continue;
     memory.write(recordOf(p.number, i), record, Area::block);
@@ -72,7 +72,7 @@ void read(const Memory& memory, const PresetAccess& p) {
   p.data.clear();
   p.text = memory.read(textSize, textOf(p.number));
   for (Byte i = firstRecord; i <= p.lastRecord; ++i)
-    p.data += memory.read(recordSize, recordOf(p.number, i), Area::block);
+    p.data += memory.read(presetRecordSize, recordOf(p.number, i), Area::block);
   const Bytes delays = memory.read(2, delaysOf(p.number));
   p.delay1 = byteAt(delays, 0);
   p.delay2 = byteAt(delays, 1);

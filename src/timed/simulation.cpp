@@ -10,7 +10,7 @@ using link::Address;
 using link::Area;
 using link::Memory;
 
-constexpr std::size_t recordSize = 5;
+constexpr std::size_t eventSize = 5;
 constexpr std::size_t blockSize = 16;
 constexpr Byte highBank = 128;
 constexpr std::size_t slotSize = 256;
@@ -22,7 +22,7 @@ Address blockOf(Byte slot, std::size_t offset) {
 
 void write(const Memory& memory, Byte slot, Bytes& data) {
   // The caller's own text is converted and closed: it comes back as it lies in the controller.
-  for (std::size_t start = 0; start < data.size(); start += recordSize) {
+  for (std::size_t start = 0; start < data.size(); start += eventSize) {
     for (const std::size_t i : {start, start + 1}) {
       const Byte bcd = values::DECtoBCD(byteAt(data, i));
       data[i] = character(bcd);
@@ -38,7 +38,7 @@ void write(const Memory& memory, Byte slot, Bytes& data) {
 /// The records in front of the end mark, which counts at the start of a record only; nothing while there is
 /// none.
 bool cutAtEndMark(Bytes& list) {
-  for (std::size_t start = 0; start + 1 < list.size(); start += recordSize) {
+  for (std::size_t start = 0; start + 1 < list.size(); start += eventSize) {
     if (list[start] != endMark) continue;
     list.resize(start);
     return true;

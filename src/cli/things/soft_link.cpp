@@ -6,7 +6,7 @@ namespace velk::cli {
 namespace {
 
 constexpr Byte recordOffset = 31;
-constexpr Byte recordSize = 2;
+constexpr Byte linkSize = 2;
 
 SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
   SoftLink link{.source = source, .sub = sub, .toOutput = true};
@@ -27,9 +27,9 @@ std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
   constexpr Byte outputBit = 128;
   std::vector<SoftLink> links;
   // All four records at once: most sources have none.
-  const Bytes records = readMemory(serial, linksOfSource * recordSize, source, recordOffset);
+  const Bytes records = readMemory(serial, linksOfSource * linkSize, source, recordOffset);
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
-    const Byte first = byteAt(records, std::size_t{sub} * recordSize);
+    const Byte first = byteAt(records, std::size_t{sub} * linkSize);
     if (first >= outputBit) links.push_back(readOutputLink(serial, source, sub));
     // `Ctl_Soft` reads an input link as nothing, so that its destination is taken from the record.
     else if (first != 0)
