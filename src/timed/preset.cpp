@@ -57,7 +57,8 @@ void write(const Memory& memory, const PresetAccess& p) {
   checkWrite(p);
   memory.write(textOf(p.number), p.text);
   for (Byte i = firstRecord; i <= p.lastRecord; ++i) {
-    const std::string_view record = slice(p.data, std::size_t{presetRecordSize} * (i - firstRecord), presetRecordSize);
+    const std::string_view record =
+        slice(p.data, std::size_t{presetRecordSize} * (i - firstRecord), presetRecordSize);
     // A byte of value 1 marks a record that is to stay as it is in the controller.
     if (record.find('\x01') != std::string_view::npos) continue;
     memory.write(recordOf(p.number, i), record, Area::block);
