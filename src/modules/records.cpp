@@ -32,11 +32,11 @@ constexpr std::array rows{
     RecordRow{0, 0,   all,              16,   {1, 16},         Check::address},
     RecordRow{1, 1,   all,              10,   {17},            Check::pairs4,     Special::masks, 0, 16},
     RecordRow{3, 3,   all,              2,    {2},             Check::pairs2},
-    RecordRow{4, 4,   all,              8,    {8, 9, 10}},
+    RecordRow{4, 4,   all,              8,    {8, 9, 10},      Check::length},
     RecordRow{5, 5,   all,              74,   {74},            Check::groups},
     RecordRow{7, 7,   {230000, 839999}, 32,   {11, 32}},
     RecordRow{7, 7,   all,              11,   {11, 32}},
-    RecordRow{10, 10, all,              22,   {22},            Check::lengthOnly, Special::versionFirstAndMasks},
+    RecordRow{10, 10, all,              22,   {22},            Check::selections, Special::versionFirstAndMasks},
     RecordRow{11, 11, all,              70,   {70}},
     RecordRow{24, 24, all,              70,   {70}},
     RecordRow{21, 21, all,              24,   {},              Check::none},
@@ -47,15 +47,15 @@ constexpr std::array rows{
     RecordRow{70, 71, all,              20,   {longRecord}},
     RecordRow{75, 75, all,              29,   {29}},
     RecordRow{76, 78, all,              29,   {},              Check::none},
-    RecordRow{83, 83, from(830200),     5,    {3},             Check::lengthOnly, Special::none, 1},
+    RecordRow{83, 83, from(830200),     5,    {3},             Check::selections, Special::none, 1},
     RecordRow{83, 83, all,              3,    {3}},
     RecordRow{88, 88, all,              22,   {22}},
-    RecordRow{91, 91, all,              11,   {11},            Check::lengthOnly, Special::none, 1},
+    RecordRow{91, 91, all,              11,   {11},            Check::selections, Special::none, 1},
     RecordRow{91, 91, all,              0,    {11}},
     RecordRow{93, 93, all,              3,    {3}},
-    RecordRow{95, 96, upTo(950999),     20,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
-    RecordRow{95, 96, all,              32,   {20, 32},        Check::lengthOnly, Special::versionReplyFirst},
-    RecordRow{98, 98, all,              16,   {4, 16},         Check::lengthOnly, Special::none, 0, 0, 4},
+    RecordRow{95, 96, upTo(950999),     20,   {20, 32},        Check::selections, Special::versionReplyFirst},
+    RecordRow{95, 96, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
+    RecordRow{98, 98, all,              16,   {4, 16},         Check::selections, Special::none, 0, 0, 4},
     RecordRow{99, 99, all,              4,    {4}},
 };
 // clang-format on
@@ -104,8 +104,9 @@ void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std:
   const std::size_t pairs = hasMasks(row, offset) && !subject.known ? 1 : 4;
   switch (row.check) {
     case Check::none:
+    case Check::length:
       break;
-    case Check::lengthOnly:
+    case Check::selections:
       if (!isSentAsItIs(subject, offset)) checkSelections(subject, data);
       break;
     case Check::address:

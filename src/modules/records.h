@@ -11,8 +11,9 @@ namespace velk::modules {
 
 /// How the data of a write are checked beyond their length.
 enum class Check : Byte {
-  none,
-  lengthOnly,  ///< the length, and fields that are to become masks hold 0 to 4 (112)
+  none,        ///< not even by it
+  length,      ///< type 4: no field; what cannot become a mask is a run-time error
+  selections,  ///< fields that are to become masks hold 0 to 4 (112)
   address,     ///< type 0
   pairs4,      ///< type 1: four pairs of bytes
   pairs2,      ///< type 3: two pairs of bytes
@@ -37,7 +38,7 @@ struct RecordRow {
   SerialRange serials;
   Byte readLength;
   std::array<Byte, mostLengths> writeLengths;  ///< 0: unused
-  Check check = Check::lengthOnly;
+  Check check = Check::selections;
   Special special = Special::none;
   Byte fromOffset = 0;
   Byte readLengthKnown = 0;       ///< for known models, where it differs

@@ -131,6 +131,9 @@ TEST(RecordsTest, OffsetOfType98AndSelections) {
   EXPECT_EQ(check("300000", Bytes(32, '\x09'), 1, true), 112);
   EXPECT_EQ(check("300000", Bytes(32, '\x09'), 2, true), 0) << "sent as it is: nothing becomes a mask";
   EXPECT_EQ(check("080300", Bytes(16, '\x04'), 255), 0) << "no bound but that of type 98";
+  for (const std::size_t size : {8U, 9U, 10U}) {
+    EXPECT_EQ(check("120001", Bytes(size, '\xFF'), 1, true), 0) << "type 4 has a length and no fields";
+  }
 }
 
 TEST(RecordsTest, LongRecords) {
