@@ -24,10 +24,10 @@ void check(const SampleAccess& sample) {
 
 Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
   if (sample.data.size() > longestSample) return 104;
-  // The header first: a number that it cannot hold must not cost the buffer its contents.
-  const Header header = headerFor(sample, 191);
   mailbox.putLong(sample.data, Mailbox::LastBlock::padded);
-  mailbox.address(header, false);
+  // Only now: a number or bank that no header can hold is found when the header is made, as a bad serial
+  // number is. Hosts see the blocks on the wire before the method ends with 99.
+  mailbox.address(headerFor(sample, 191), false);
   return mailbox.run({.triggerTime = Seconds(0)}).reply.result();
 }
 

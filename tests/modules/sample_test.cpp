@@ -64,9 +64,26 @@ TEST(SampleTest, ChecksInOrder) {
   EXPECT_TRUE(house.requests.empty());
   EXPECT_EQ(write(house, "980500", 239, 0, text(1)), 0);
   house.requests.clear();
-  EXPECT_EQ(write(house, "090500", 240, 0, text(1)), 99) << "its number does not fit the header";
-  EXPECT_TRUE(house.requests.empty());
+  EXPECT_EQ(read(house, "090500", 240, 0, data), 99) << "its number does not fit the header";
   EXPECT_EQ(read(house, "090500", 1, 4, data), 99) << "nor does this bank";
+  EXPECT_TRUE(house.requests.empty());
+}
+
+TEST(SampleTest, AWriteThatNoHeaderHoldsEndsBehindItsBlocks) {
+  const struct {
+    const char* serieNr;
+    int number, bank;
+  } rows[] = {{"090500", 240, 0}, {"090500", 253, 0}, {"090500", 1, 2}, {"090500", 1, 255}, {"0905-1", 1, 0}};
+  for (const auto& row : rows) {
+    ModuleHouse house;
+    EXPECT_EQ(write(house, row.serieNr, row.number, row.bank, text(17)), 99) << row.number;
+    EXPECT_EQ(house.requests, (Requests{"write 16 H+ 001A 78 78 78 78 78 78 78 78 78 78 78 78 78 78 78 78",
+                                        "write 16 H+ 101A 78 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"}))
+        << row.number << " bank " << row.bank;
+    ModuleHouse failing({"status=7@2"});
+    EXPECT_EQ(write(failing, row.serieNr, row.number, row.bank, text(17)), 7)
+        << "a block that fails comes first";
+  }
 }
 
 TEST(SampleTest, FailuresOfAWrite) {
