@@ -23,20 +23,27 @@ Byte readBlocks(const Mailbox& mailbox, Bytes& data) {
   return 0;
 }
 
-Byte readOnce(const Mailbox& mailbox, Bytes& data) {
+/// One attempt; true when it brought the text.
+bool readOnce(const Mailbox& mailbox, Bytes& data, Byte& result) {
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
   const Polled& trigger = exchange.trigger;
-  // Neither a trigger byte of 0 behind a bad status nor a good status without a byte may pass for success.
-  if (trigger.present && trigger.value != 0) return trigger.value;
-  if (!trigger.isZero()) return trigger.status != 0 ? trigger.status : Byte{100};
-  const Byte result = resultOf(exchange.reply);
-  return result != 0 ? result : readBlocks(mailbox, data);
+  if (!trigger.isZero()) {
+    // The byte as it was read, or the status when there is none: 0 too, behind a bad status or without a
+    // byte. Not to be mended into a code of its own: hosts know the results of this method so, and tell a
+    // text that came from one that did not by their data, which stay as they were.
+    result = trigger.present ? trigger.value : trigger.status;
+    return false;
+  }
+  result = resultOf(exchange.reply);
+  if (result == 0) result = readBlocks(mailbox, data);
+  return result == 0;
 }
 
 void read(const Mailbox& mailbox, const Header& header, Bytes& data, Byte& result) {
   // Only the trigger is repeated: the header stays, but for the reply code over its marker.
   mailbox.address(header, false);
-  for (int i = 0; i < attempts && result != 0; ++i) result = readOnce(mailbox, data);
+  for (int i = 0; i < attempts && !readOnce(mailbox, data, result); ++i) {
+  }
 }
 
 void write(const Mailbox& mailbox, const Header& header, std::string_view data, Byte& result) {
