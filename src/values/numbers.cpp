@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <cstdint>
 
 namespace velk {
 namespace {
@@ -38,7 +39,7 @@ std::string_view readDecimal(std::string_view text, double& number) {
 }
 
 double parseRadix(std::string_view digits, int base) {
-  unsigned long value = 0;
+  std::uint64_t value = 0;
   const auto* const last = digits.data() + digits.size();
   const auto [end, error] = std::from_chars(digits.data(), last, value, base);
   if (error != std::errc() || end != last) throw RuntimeError(RuntimeError::typeMismatch);

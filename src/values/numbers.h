@@ -16,7 +16,8 @@ std::string plainText(double number);
 /// A number as text with a sign position: a blank or a minus before the digits (" 5", "-7").
 std::string signedText(double number);
 
-/// A text that is a number as a whole (blanks around it allowed, "&H1F" too); run-time error 13 otherwise.
+/// A text that is a number as a whole: blanks around it are allowed, and so is "&H1F" with up to 64 bits. The
+/// fraction stands behind a point on every system. Run-time error 13 otherwise, for a decimal comma too.
 double parseNumber(std::string_view text);
 
 /// The number at the start of a text, read leniently: blanks are skipped, reading stops at the first

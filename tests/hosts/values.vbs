@@ -33,6 +33,7 @@ Check "a truth value", serial.IfSetBit(64, 6), True
 Check "true as a byte", serial.Minimum(True, 250), CByte(250)
 Check "a text result", serial.LdZr(-7, 3), "007"
 Check "a fraction", serial.LdZr(CSng(0.1), 5), "000.1"
+Check "a number of more than 32 bits", serial.LdZr("&H100000000", 10), "4294967296"
 Check "an empty result", IsEmpty(serial.WhatBit(0)), True
 Check "a variant result", serial.WhatBit(12), CByte(2)
 Check "a variable stays as it was", TypeName(text) & text, "String 59 "
@@ -79,6 +80,8 @@ number = serial.DECtoBCD(256)
 CheckError "too large an argument", 6
 number = serial.DECtoBCD("abc")
 CheckError "no number", 13
+number = serial.DECtoBCD("2,5")
+CheckError "a decimal comma", 13
 number = serial.DECtoBCD(1, 2)
 CheckError "too many arguments", 450
 number = serial.DECtoBCD()

@@ -85,7 +85,8 @@ TEST(Numbers, ConversionsRoundHalfToEvenAndKeepTheirRange) {
   EXPECT_EQ(errorOf([] { convert(255.5, Type::byte); }), 6);
   EXPECT_EQ(errorOf([] { convert(-1.0, Type::byte); }), 6);
   EXPECT_EQ(errorOf([] { convert(std::nan(""), Type::integer); }), 6);
-  for (const char* text : {"", "1x", "&H", "&O8", "&O", "1 2", "--1", "\t \n"}) {
+  for (const char* text :
+       {"", "1x", "&H", "&O8", "&O", "1 2", "--1", "\t \n", "2,5", "1.000,5", "&H10000000000000000"}) {
     EXPECT_EQ(errorOf([&] { convert(std::string(text), Type::byte); }), 13) << text;
   }
 }
@@ -99,6 +100,8 @@ TEST(Numbers, TextsOfAnySizeAndBase) {
       {"-1e-999", 0},
       {" 1E2 ", 100},
       {"&HFFFFFFFF", 4294967295.0},
+      {"&H100000000", 4294967296.0},
+      {"&H00FFFFFFFFFFFFFFFF", 18446744073709551616.0},
       {".5", 0.5},
   };
   for (const auto& [text, number] : table) EXPECT_EQ(toNumber(std::string(text)), number) << text;
