@@ -24,12 +24,12 @@ constexpr char lowByte(std::int16_t number) {
 }
 
 bool answeredByOneByte(Byte function) {
-  return function == tcpLogin || function == tcpLogout;
+  return function == tcpLogin || function == tcpOther;
 }
 
 Byte functionClass(Byte function) {
   if (function == tcpLogin) return 14;
-  return function == tcpLogout ? 15 : 13;
+  return function == tcpOther ? 15 : 13;
 }
 
 Bytes one(Byte value) {

@@ -10,7 +10,7 @@ namespace velk::link {
 /// Functions of TCP requests.
 enum TcpFunction : Byte {
   tcpLogin = 240,   ///< data: the four password bytes
-  tcpLogout = 241,  ///< the other function that is answered by one byte
+  tcpOther = 241,   ///< answered by one byte too; what it asks for is not known
   tcpMemory = 255,  ///< data: a controller frame
 };
 

@@ -47,7 +47,7 @@ constexpr std::size_t classAt = 4;
 constexpr std::string_view zeroPositions{"\2\3\5\6\7"};
 constexpr std::size_t longestS = 1024;
 
-enum ClassS : Byte { memoryClass = 13, loginClass = 14, logoutClass = 15 };
+enum ClassS : Byte { memoryClass = 13, loginClass = 14, otherClass = 15 };
 
 std::size_t lengthS(std::string_view header) {
   return byteValue(header[1]) * std::size_t{256} + byteValue(header[0]);
@@ -61,7 +61,7 @@ bool mayBeHeaderS(std::string_view text) {
   if (!zeros || (text.size() > 1 && lengthS(text) > longestS)) return false;
   if (text.size() <= classAt) return true;
   const Byte functionClass = byteValue(text[classAt]);
-  return functionClass >= memoryClass && functionClass <= logoutClass;
+  return functionClass >= memoryClass && functionClass <= otherClass;
 }
 
 Bytes replyS(std::string_view header, std::string_view payload) {
@@ -88,8 +88,7 @@ std::size_t EthernetQSession::take(std::string_view buffer, Deliveries& out) {
     case link::tcpLogin:
       append(out, logIn(header, data));
       break;
-    case link::tcpLogout:
-      loggedIn_ = false;
+    case link::tcpOther:
       append(out, deliver(loginPlan(), replyQ(header, carriedOut, {}, {}), foreignQ(header)));
       break;
     case link::tcpMemory:

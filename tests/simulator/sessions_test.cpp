@@ -127,7 +127,7 @@ TEST_F(EthernetQTest, ServesMemoryOnlyAfterTheLogin) {
   EXPECT_EQ(send(requestQ(255, bytes({'/', 2, 0x60, 5, 0x10, 9}))), replyQ(255, {0, 1, 0}));
   EXPECT_EQ(controller->snapshot()[(Place{.dph = 5, .dpl = 0x10})], 9);
   EXPECT_EQ(send(requestQ(241, {})), replyQ(241, {0, 0}));
-  EXPECT_EQ(send(read), replyQ(255, {0, 1, 1}));
+  EXPECT_EQ(send(read), replyQ(255, {0, 3, 0, 9, 0x22})) << "function 241 changes nothing";
 }
 
 TEST_F(EthernetQTest, RefusesWhatIsNoMemoryRequest) {
