@@ -238,6 +238,18 @@ TEST(ModuleTest, MasksAtOffset1) {
   EXPECT_EQ(house.write("090100", Bytes(17, '\x0F'), 0), 0) << "no masks at another offset";
 }
 
+TEST(ModuleTest, TypeFourHasNoFieldsToCheck) {
+  for (const int selection : {5, 15}) {
+    ModuleHouse house;
+    Record record{.data = bytes({9, 1, 9, selection, 9, 1, 9, 1}), .model = "MT001"};
+    EXPECT_EQ(house.write("120100", record), 99) << "not 112: no mask for " << selection;
+    EXPECT_EQ(house.countOf("write 1 V 0000 FF"), 1U) << "the identification alone";
+    record = {.data = bytes({255, 0x11, 255, 0x22, 255, 0x33, 255, 0x44}), .model = "MT001"};
+    EXPECT_EQ(house.write("120100", record), 0);
+    EXPECT_EQ(house.countOf("write 8 V 0010 FF EE FF DD FF BB FF 77"), 1U);
+  }
+}
+
 TEST(ModuleTest, AByteThatIsNoMask) {
   ModuleHouse house;
   Record known{.data = bytes({5, 1, 6, 2, 7, 3, 8, 4}) + Bytes(8, '\0'), .model = "MT001"};
@@ -337,6 +349,21 @@ TEST(ModuleTest, WhatIsWrittenIsReadBack) {
       for (const std::size_t position : {2U, 4U, 6U, 8U}) expected[position - 1] = '\x0C';
     }
     EXPECT_EQ(record.data, expected) << row.serieNr;
+  }
+}
+
+TEST(ModuleTest, TheHousesModulesAreWritableAsTheyAreRead) {
+  for (const char* const serieNr :
+       {"000001", "005000", "030010", "040100", "045500", "060001", "070001", "080100", "080300",
+        "090255", "090500", "100100", "110100", "120100", "210001", "270100", "300000", "830100",
+        "830300", "880000", "930100", "950010", "951500", "980050", "990000"}) {
+    ModuleHouse house;
+    Record first;
+    ASSERT_EQ(house.read(serieNr, first), 0) << serieNr;
+    EXPECT_EQ(house.write(serieNr, first.data), 0) << serieNr;
+    Record again;
+    EXPECT_EQ(house.read(serieNr, again), 0) << serieNr;
+    EXPECT_EQ(again, first) << serieNr;
   }
 }
 
