@@ -20,7 +20,8 @@ namespace velk {
 /// byte: 0 is success, 99 nothing done yet, 100 an unexpected or missing reply, 101 to 116 and 201 a fault
 /// that the method names, any other value the status of the transaction that failed (251 to 254: the link's
 /// own codes, see `TranCeiv`). They trap run-time errors and return `ConvertErr` of them. The value helpers,
-/// `ModeToStr`, `TranCeiv`, `ReadCom` and `WriteCom` let a run-time error reach the caller as `RuntimeError`.
+/// `ModeToStr`, `TranCeiv`, `ReadCom` and `WriteCom` let a run-time error reach the caller: a host as its own
+/// error, a C++ program as `velk::RuntimeError`, which "values/runtime_error.h" declares.
 ///
 /// Addresses of the controller's memory are 16 bits, named page (high byte) and offset (low byte). Arguments
 /// of type `InOut` are written back into the caller's variable, also when the method fails half-way.
@@ -65,7 +66,8 @@ class Serial : public link::Settings {
   /// One request to the Ethernet interface and its reply, in the frames of the kind in `SoortETH`.
   /// @param AtlPogingen sent to kind "Q"; here 0 means a wait of 2 s, any other value one until data come,
   ///   the connection ends or midnight passes.
-  /// @param Functie 255 a controller frame, 240 the login, 241 and others as the interface takes them.
+  /// @param Functie 255 a controller frame, 240 the login; 241, which is answered by one byte, and others as
+  ///   the interface takes them.
   /// @return what the reply carries, or one byte: 252 no reply, 254 a foreign header or length, 58 not
   ///   connected, 100 a reply too short for its fields.
   Bytes TranceivTcp(std::int16_t Protocol, std::int16_t ID, Byte AtlPogingen, Byte Functie,
@@ -138,8 +140,9 @@ class Serial : public link::Settings {
   ///   mode only.
   /// @param Offset number of the first item.
   /// @return 0; 99 part of a mode's code with items; 101 bad `ReadOrWrite`; 102 `Aantal`, 103 `Offset` too
-  ///   large; 104 wrong length, 105 wrong value in `Parameters`; 111 bad mode; 112 bad `Address`; else the
-  ///   status of the failed transaction.
+  ///   large; 104 wrong length, 105 wrong value in `Parameters`; 111 bad mode, on reading: the number stored
+  ///   is none of 1 to 21, as in an output that is not in use (`Mode` is then empty); 112 bad `Address`; else
+  ///   the status of the failed transaction.
   Byte Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::string> Mode,
                  InOut<Bytes> Parameters = "", InOut<std::int16_t> Aantal = std::int16_t{255},
                  Byte Offset = 0);
@@ -154,13 +157,15 @@ class Serial : public link::Settings {
   /// Reads or writes the positions `Offset` + 1 to `Offset` + `Aantal` of the initialisation block: 1 to 3
   /// settings (0x0004 to 0x0006), 4 and 5 controller bytes and 6 the kind derived from them (read only), 7 to
   /// 13 the clock as year, month, day, weekday, hours, minutes, seconds (0xFFFF down to 0xFFF9, BCD there and
-  /// plain here), 14 to 16 further bytes (0x0208 to 0x020A, read only). A write ends before the clock or
-  /// covers positions 8 to 13; the clock then takes the last seven characters. A read that reaches position
-  /// 13 appends the three further bytes. What was read before a failure stays in `Parameters`.
+  /// plain here; the weekday is 1 for Monday to 7 for Sunday, and 0 is taken too), 14 to 16 further bytes
+  /// (0x0208 to 0x020A, read only). A write ends before the clock or covers positions 8 to 13; the clock then
+  /// takes the last seven characters. A read that reaches position 13 appends the three further bytes. What
+  /// was read before a failure stays in `Parameters`. With an `Aantal` of 0 a write transfers nothing; a read
+  /// gives an empty text below `Offset` 6 and nothing at 6, but above that what the link takes a count of 0
+  /// for: 16 bytes.
   /// @param ReadOrWrite "R" reads; "W", "RW" and "" write.
   /// @param Parameters the bytes; on reading replaced by those read.
-  /// @return 0; 99 nothing transferred, also for a write without positions; 101 bad `ReadOrWrite`; 102
-  /// `Offset` + `Aantal` above 16; 103 `Offset`
+  /// @return 0; 99 nothing transferred; 101 bad `ReadOrWrite`; 102 `Offset` + `Aantal` above 16; 103 `Offset`
   ///   above 13; 104 wrong length, or a part of the clock; 105 a byte out of its range; else the status of
   ///   the failed transaction. A failure in the middle of setting the clock can leave it held.
   Byte Ctl_Init(const std::string& ReadOrWrite, InOut<Bytes> Parameters, Byte Aantal = 13, Byte Offset = 0);
@@ -208,8 +213,8 @@ class Serial : public link::Settings {
   /// Low address byte of record `adres` of a preset; 0 for preset 0 and above 92; run-time error 6 above 255.
   Byte DPLPreset(Byte PresetNr, Byte adres);
 
-  /// Reads or writes the recorded events of a weekday (0 to 6) and hour (0 to 23): five-byte records closed
-  /// by 255, in the high bank of the block area, page `Weekday` * 36 + the hour in BCD.
+  /// Reads or writes the recorded events of a weekday (0 Monday to 6 Sunday) and hour (0 to 23): five-byte
+  /// records closed by 255, in the high bank of the block area, page `Weekday` * 36 + the hour in BCD.
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Data the records. On a write their first two bytes are turned into BCD and the end mark is
   ///   appended in the caller's own text.
@@ -220,7 +225,8 @@ class Serial : public link::Settings {
   /// Reads or writes switch-time block `BlokNummer` (0 to 127), at page `BlokNummer` + 128 from offset 200
   /// on.
   /// @param ReadOrWrite "R" reads, anything else writes.
-  /// @param Dagen day selection, bits 0 to 6. @param Uur hour, taken modulo 24. @param Minuten minute, modulo
+  /// @param Dagen day selection, bit 0 Monday to bit 6 Sunday. @param Uur hour, taken modulo 24. @param
+  /// Minuten minute, modulo
   ///   60. All three 0 clear the block.
   /// @param Data two bytes (101 to 124, 1 to 4), or entries of three bytes whose first is 3 or more; empty
   ///   for a block without action, whose day selection is lost.
@@ -242,7 +248,9 @@ class Serial : public link::Settings {
   /// Reads or writes the configuration record of module `SerieNr` (six digits) through the mailbox at 0x0000,
   /// in pieces of at most 16 bytes. Lengths and checks by module type: docs/modules.md.
   /// @param ReadOrWrite "R" reads, anything else writes.
-  /// @param Data the record.
+  /// @param Data the record. A read that is refused before it gets to the record (an identification that
+  /// fails,
+  ///   106) leaves the former value; one that fails later leaves what it has read so far.
   /// @param Offset number of the first piece; grows by 1 for a known model and by 1 for each piece.
   /// @param ModType model name; on entry one that is known already is kept instead of the one that the module
   ///   reports.
@@ -277,7 +285,8 @@ class Serial : public link::Settings {
   Value ConvertTXSub(const Bytes& Data, Byte Positie);
 
   /// Reads or writes sample `SampleNr` (0 to 239; up to 253 is let through to end with 99, as no request can
-  /// name it) in bank `BankAofB` (0 or 1) of a module, through the long-record buffer.
+  /// name it, behind the blocks of a write) in bank `BankAofB` (0 or 1) of a module, through the long-record
+  /// buffer.
   /// @param Data up to 128 bytes; empty after a failed read.
   /// @return 0; 99 an error before any other code; 102, 104 bad `SampleNr` or length; 106 `SerieNr` is not
   ///   six characters; else the status of a transaction, the trigger or the module's reply code.
@@ -285,6 +294,8 @@ class Serial : public link::Settings {
               InOut<Bytes> Data);
 
   /// Reads (64 bytes) or writes text record `Offset` of a GSM module, through the long-record buffer.
+  /// @param Data the text. Keeps its former value when none was read, also with the result 0 that a trigger
+  ///   gives which reads 0 behind a bad status or comes without its byte: docs/modules.md.
   /// @return 0; 99 an error; 100 no or a strange reply; 127, 128, 255 the module's own code; else the status
   ///   of a transaction or the trigger.
   Byte GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset, InOut<Bytes> Data);

@@ -115,6 +115,7 @@ Byte write(const Memory& memory, const Positions& positions) {
   Byte result = nothingDone;
   const Bytes head =
       positions.bytes.substr(0, static_cast<std::size_t>(std::max(0, settings - positions.offset)));
+  // No positions, no transaction: a count of 0 would not mean none on the wire. Such a write ends with 99.
   if (!head.empty()) {
     memory.write({.dph = firstSetting.dph, .dpl = static_cast<Byte>(firstSetting.dpl + positions.offset)},
                  head);

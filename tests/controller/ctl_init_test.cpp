@@ -53,7 +53,11 @@ TEST_F(CtlInit, ReadsWhatTheRangeNames) {
     EXPECT_EQ(block, row.expected) << row.count << " " << row.offset;
     EXPECT_EQ(requests, row.requests) << row.count << " " << row.offset;
   }
+  requests.clear();
   EXPECT_EQ(read(0, 6), 99);
+  EXPECT_TRUE(requests.empty());
+  read(0, 9);
+  EXPECT_EQ(requests, (Requests{"read  16 V FFFD"})) << "a count of 0 on the wire";
 }
 
 TEST_F(CtlInit, KindIsDerived) {

@@ -41,7 +41,11 @@ constexpr std::string_view introduction =
     "argument\n"
     "marked *in/out* receives a value when the host passes a variable. An argument with a default may be "
     "left\n"
-    "out. What each result byte means, and what to do about it: [results.md](results.md).\n";
+    "out. A text stands for the number that it is (\"59\", \"2.5\", \"&H1F\"); the fraction follows a point "
+    "on every\n"
+    "system, so that a decimal comma (\"2,5\") is error 13. What each result byte means, and what to do "
+    "about it:\n"
+    "[results.md](results.md).\n";
 
 std::string nameOf(Type type) {
   const auto* const found =
