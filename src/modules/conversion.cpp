@@ -36,8 +36,7 @@ Positions knownModelFields(std::int16_t type, double serial) {
   return fields;
 }
 
-// The rules of the two directions are not mirror images of each other: hosts and modules rely on both as they
-// are.
+}  // namespace
 
 Positions positionsReceived(std::string_view serieNr, bool knownModel) {
   constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999}};
@@ -51,8 +50,6 @@ Positions positionsReceived(std::string_view serieNr, bool knownModel) {
   if (type == 29) return {2};
   return knownModelFields(type, serial);
 }
-
-}  // namespace
 
 Positions positionsSent(std::string_view serieNr, std::size_t size, bool knownModel) {
   constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999},

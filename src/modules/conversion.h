@@ -23,8 +23,10 @@ Bytes ConvertTXData(std::string_view serieNr, Bytes data, bool knownModel);
 /// A record as the host sees it.
 Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel);
 
-/// The positions that `ConvertTXData` converts.
+/// The positions that `ConvertTXData` converts, and those that `ConvertRXData` does. Hosts and modules rely
+/// on both as they are, and they are not mirror images of each other.
 std::vector<Byte> positionsSent(std::string_view serieNr, std::size_t size, bool knownModel);
+std::vector<Byte> positionsReceived(std::string_view serieNr, bool knownModel);
 
 /// Turns the first two bytes of each five-byte record from packed BCD into numbers, in `data` itself, and
 /// returns the result. Run-time error 13 for a byte that is not BCD.

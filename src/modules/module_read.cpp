@@ -1,9 +1,8 @@
 #include <algorithm>
 
-#include "modules/conversion.h"
-#include "modules/masks.h"
 #include "modules/module_directions.h"
 #include "modules/records.h"
+#include "modules/translation.h"
 #include "values/helpers.h"
 
 namespace velk::modules {
@@ -82,8 +81,7 @@ void readModule(const Mailbox& mailbox, const ModuleAccess& access, const Identi
     if (row != nullptr && asksVersion(*row, start)) requestVersion(mailbox, access, *row);
     readPieces(mailbox, access, subject, readLength(subject, start), result);
   }
-  access.data = ConvertRXData(access.serieNr, access.data, identity.known);
-  if (row != nullptr && hasMasks(*row, start)) access.data = codesOfMasks(access.data, identity.known);
+  translateRead(subject, start, access.data);
 }
 
 }  // namespace velk::modules

@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "modules/conversion.h"
-#include "modules/masks.h"
 #include "modules/module_directions.h"
 #include "modules/records.h"
+#include "modules/translation.h"
 
 namespace velk::modules {
 namespace {
@@ -63,11 +63,7 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
 
 void writeModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
   const Subject subject{.serieNr = access.serieNr, .known = identity.known};
-  Bytes data = access.data;
-  if (access.serieNr != ownSerial) checkWrite(subject, access.offset, data);
-  const RecordRow* const row = rowFor(subject, access.offset);
-  if (row != nullptr && hasMasks(*row, access.offset)) data = masksOfCodes(data, identity.known);
-  if (!isSentAsItIs(subject, access.offset)) data = ConvertTXData(access.serieNr, data, identity.known);
+  const Bytes data = translatedForWrite(subject, access.offset, access.data);
   if (writesLongRecord(subject, access.offset, data.size())) {
     writeLong(mailbox, access, data, result);
   } else {

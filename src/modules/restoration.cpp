@@ -1,0 +1,103 @@
+#include "modules/restoration.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "link/memory.h"
+#include "modules/conversion.h"
+#include "modules/mailbox.h"
+#include "modules/translation.h"
+#include "values/runtime_error.h"
+
+namespace velk::modules {
+namespace {
+
+constexpr const char* longOnly = "a long record can be read but not written";
+constexpr const char* incomplete = "the record did not come whole";
+constexpr const char* lostBits = "its selections do not read as they are written";
+constexpr const char* noSelection = "it holds a selection that no write gives";
+
+/// Records of known models begin behind a leading piece.
+Byte startOf(const Subject& subject) {
+  return subject.known ? 1 : 0;
+}
+
+bool holds(const std::vector<Byte>& positions, Byte position) {
+  return std::find(positions.begin(), positions.end(), position) != positions.end();
+}
+
+/// The selection that gives a field: one that is found where it becomes a mask, and reads back so or, where a
+/// reading leaves the mask, is that mask.
+std::optional<char> selectionFor(char field, bool isTranslatedBack) {
+  for (char selection = 0; selection <= 4; ++selection) {
+    const Bytes mask = ConvertTXSub(Bytes(1, selection), 1);
+    const Bytes found = isTranslatedBack ? ConvertRXSub(mask, 1) : mask;
+    if (found.front() == field) return selection;
+  }
+  return std::nullopt;
+}
+
+/// What a reading leaves untranslated: a record too short for its fields.
+bool isTranslated(const Bytes& record, const std::vector<Byte>& received) {
+  return std::all_of(received.begin(), received.end(),
+                     [&](Byte position) { return position <= record.size(); });
+}
+
+Restoration undone(const Subject& subject, const Bytes& record) {
+  std::vector<Byte> received = positionsReceived(subject.serieNr, subject.known);
+  if (!isTranslated(record, received)) received.clear();
+  const std::vector<Byte> sent = positionsSent(subject.serieNr, record.size(), subject.known);
+  Bytes data = record;
+  for (const Byte position : received) {
+    // The high four bits of the byte are not in the record.
+    if (!holds(sent, position)) return {.data = {}, .obstacle = lostBits};
+  }
+  for (const Byte position : sent) {
+    if (position > record.size()) continue;  // the check of the whole finds it
+    char& field = data[position - std::size_t{1}];
+    const auto selection = selectionFor(field, holds(received, position));
+    if (!selection) return {.data = {}, .obstacle = noSelection};
+    field = *selection;
+  }
+  return {.data = data, .obstacle = {}};
+}
+
+/// What a reading gives behind a write of `data`.
+Bytes readBehind(const Subject& subject, const Bytes& data, std::size_t size) {
+  const Byte offset = startOf(subject);
+  Bytes record(slice(translatedForWrite(subject, offset, data), 0, size));
+  try {
+    translateRead(subject, offset, record);
+  } catch (const RuntimeError&) {  // NOLINT(bugprone-empty-catch): the record stays as it is, as in `Module`
+  }
+  return record;
+}
+
+std::string refusedWith(int code) {
+  return "a write of it is refused with " + std::to_string(code);
+}
+
+}  // namespace
+
+int piecesToRead(const Subject& subject) {
+  if (readsLongRecord(subject)) return 1;
+  return (readLength(subject, startOf(subject)) + pieceSize - 1) / pieceSize;
+}
+
+Restoration restorationOf(const Subject& subject, const Bytes& record) {
+  if (readsLongRecord(subject)) return {.data = {}, .obstacle = longOnly};
+  if (record.size() != readLength(subject, startOf(subject))) return {.data = {}, .obstacle = incomplete};
+  Restoration found = undone(subject, record);
+  if (!found.obstacle.empty()) return found;
+  constexpr int otherError = 99;
+  try {
+    if (readBehind(subject, found.data, record.size()) != record) found.obstacle = lostBits;
+  } catch (const link::Stop& stop) {
+    found.obstacle = refusedWith(stop.result);
+  } catch (const RuntimeError&) {
+    found.obstacle = refusedWith(otherError);
+  }
+  return found;
+}
+
+}  // namespace velk::modules
