@@ -6,6 +6,7 @@
 #include "link/memory.h"
 #include "modules/conversion.h"
 #include "modules/mailbox.h"
+#include "modules/module_directions.h"
 #include "modules/translation.h"
 #include "values/runtime_error.h"
 
@@ -74,10 +75,16 @@ Bytes readBehind(const Subject& subject, const Bytes& data, std::size_t size) {
 }
 
 std::string refusedWith(int code) {
+  constexpr int wrongLength = 104;
+  if (code == wrongLength) return "a record of this type is not written in the length in which it is read";
   return "a write of it is refused with " + std::to_string(code);
 }
 
 }  // namespace
+
+bool isOwnModule(std::string_view serieNr) {
+  return serieNr == ownSerial;
+}
 
 int piecesToRead(const Subject& subject) {
   if (readsLongRecord(subject)) return 1;

@@ -125,6 +125,39 @@ TEST_F(BackupTest, RestoresModules) {
   EXPECT_EQ(account["written"].size(), 0U) << "and cannot be written";
 }
 
+/// 951500 reads selections that it has to be given in another way; 750000 reads what it cannot be given at
+/// all.
+TEST_F(BackupTest, RestoresModulesAsTheyWereAndLeavesOutWhatCannotBe) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = linkOf(simulator);
+  // The first selection is none, which reads back as 9.
+  std::string video = R"(\x05\x00\x06\x02\x07\x03\x08\x04)";
+  for (int i = 0; i < 17; ++i) video += R"(\x00)";
+  video += R"(\x01\x00\x02\x00\x03\x00)";
+  ASSERT_EQ(call({"--tcp", link, "Module", "W", "951500", video + R"(\x04)"}).status, 0);
+  const Words backup{"backup", "--modules", "951500,750000", "--tcp", link, file("a")};
+  EXPECT_NE(complaintOf(backup).find("module 750000 is saved but cannot be restored: "), std::string::npos);
+  ASSERT_EQ(call({"--tcp", link, "Module", "W", "951500", video + R"(\x01)"}).status, 0);
+  ASSERT_EQ(call({"--tcp", link, "Module", "W", "750000", std::string(29, 'x')}).status, 0);
+
+  const Words restore{"restore", "--tcp", link, "--yes", "--json", "--only", "modules", file("a")};
+  const auto account = nlohmann::json::parse(velk(restore).text);
+  EXPECT_EQ(account["written"], nlohmann::json({"module 951500"}));
+  EXPECT_EQ(account["left_out"], nlohmann::json({"module 750000"}));
+  EXPECT_EQ(account["failure"], nullptr);
+  const std::string complaint =
+      complaintOf({"restore", "--tcp", link, "--yes", "--only", "modules", file("a")});
+  EXPECT_EQ(complaint.find("velk: module 750000 is left out: "), 0U) << complaint;
+  EXPECT_TRUE(has(complaint, "velk: nothing to write")) << complaint;
+}
+
+TEST_F(BackupTest, ModulesDoNotDependOnTheOneBeforeThem) {
+  const auto modules =
+      nlohmann::json::parse(velk({"modules", "--simulate", "--json", "090500", "000001"}).text);
+  EXPECT_EQ(modules[1]["record"], "05");
+  EXPECT_EQ(modules[1]["known"], false);
+}
+
 TEST_F(BackupTest, ReadsOnlyWhatIsAskedFor) {
   ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
   // 64 infrared texts; the whole configuration takes thousands of requests.

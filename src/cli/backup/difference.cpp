@@ -100,7 +100,7 @@ void compareModules(const Backup& from, const Backup& to, std::vector<Difference
                                     [&](const Module& m) { return m.serial == module.serial; });
     if (other == to.modules.end()) continue;
     auto changes = changesOf(fieldsOf(module), fieldsOf(*other));
-    if (!changes.empty()) differences.push_back({"module " + module.serial, {}, std::move(changes)});
+    if (!changes.empty()) differences.push_back({titleOf(module), {}, std::move(changes)});
   }
 }
 

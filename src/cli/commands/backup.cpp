@@ -4,6 +4,7 @@
 
 #include "cli/backup/memory_reader.h"
 #include "cli/backup/progress.h"
+#include "cli/backup/restorable_module.h"
 #include "cli/commands/command.h"
 #include "cli/link_text.h"
 #include "values/runtime_error.h"
@@ -53,7 +54,10 @@ void read(Serial& serial, const BackupOptions& options, Backup& backup) {
       serial, backup.lines, [](Kind /*kind*/) { return true; },
       [&](std::size_t done, std::size_t total) { progress.show(done, total); });
   backup.modules.clear();
-  for (const std::string& number : options.modules) backup.modules.push_back(readModule(serial, number));
+  for (const std::string& number : options.modules) {
+    backup.modules.push_back(readModule(serial, number));
+    tellObstacle(backup.modules.back());
+  }
 }
 
 /// Reads; what was read before a failure is kept in the part file.

@@ -4,6 +4,7 @@
 #include "cli/backup/controller_backup.h"
 #include "cli/backup/memory_reader.h"
 #include "cli/backup/progress.h"
+#include "cli/backup/restorable_module.h"
 #include "cli/commands/command.h"
 #include "cli/terminal.h"
 #include "values/runtime_error.h"
@@ -53,19 +54,6 @@ std::vector<Piece> piecesOf(const std::vector<Spot>& spots, const Lines& lines) 
   return pieces;
 }
 
-void restoreModule(Serial& serial, const Module& module) {
-  Byte offset = 0;
-  std::string model = module.model;
-  Byte cpuType = 0;
-  std::string firmware;
-  Bytes record = module.record;
-  expectDone(serial.Module("W", module.serial, record, offset, model, cpuType, firmware),
-             "writing module " + module.serial);
-  if (readModule(serial, module.serial).record != module.record) {
-    expectDone(201, "reading back module " + module.serial);
-  }
-}
-
 /// Writes one thing and reads every byte back.
 void restoreOne(Serial& serial, const Difference& difference, const Backup& backup) {
   for (const Piece& piece : piecesOf(difference.spots, backup.lines)) {
@@ -75,7 +63,7 @@ void restoreOne(Serial& serial, const Difference& difference, const Backup& back
     }
   }
   for (const Module& module : backup.modules) {
-    if (difference.title == "module " + module.serial) restoreModule(serial, module);
+    if (difference.title == titleOf(module)) restoreModule(serial, module);
   }
 }
 
@@ -156,10 +144,13 @@ void printAccount(const Account& account, const std::vector<Difference>& differe
 
 /// `differences` are all that were found, `writable` those that the account tells of.
 Json jsonOf(const Account& account, const std::vector<Difference>& differences,
-            const std::vector<Difference>& writable) {
+            const std::vector<Difference>& writable, const LeftOut& left) {
+  std::vector<std::string> leftTitles;
+  for (const auto& [title, reason] : left) leftTitles.push_back(title);
   return {{"differences", jsonOf(differences)},
           {"written", titles(writable, 0, account.done)},
           {"not_written", titles(writable, account.done, writable.size())},
+          {"left_out", leftTitles},
           {"failure", account.failure.empty() ? Json() : Json(account.failure)}};
 }
 
@@ -187,17 +178,22 @@ int carryOutRestore(const RestoreOptions& options) {
   const Backup backup = loadBackup(options.file);
   if (!backup.complete) throw Failure(badFile, options.file + ": the backup is unfinished");
   const auto connection = open(options.link.required());
-  const auto differences = compare(readLike(connection->serial(), backup, sections), backup, sections);
+  const Backup now = readLike(connection->serial(), backup, sections);
+  const auto differences = compare(now, backup, sections);
+  const LeftOut left = leftOut(backup, now);
+  for (const auto& [title, reason] : left)
+    std::cerr << "velk: " << title << " is left out: " << reason << '\n';
   if (!options.json) {
     for (const Difference& difference : differences) std::cout << textOf(difference) << '\n';
   }
   std::vector<Difference> writable;
-  std::copy_if(differences.begin(), differences.end(), std::back_inserter(writable), isWritable);
+  std::copy_if(differences.begin(), differences.end(), std::back_inserter(writable),
+               [&](const Difference& d) { return isWritable(d) && !left.contains(d.title); });
   Account account;
   const bool writes = !options.dryRun && !writable.empty();
   if (writes && !options.yes && !agreed()) return badResult;
   if (writes) account = restoreAll(connection->serial(), writable, backup);
-  if (options.json) std::cout << jsonOf(account, differences, writable) << '\n';
+  if (options.json) std::cout << jsonOf(account, differences, writable, left) << '\n';
   if (!options.dryRun || writable.empty()) printAccount(account, writable);
   return account.status;
 }
