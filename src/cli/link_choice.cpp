@@ -7,6 +7,7 @@
 #include "cli/failure.h"
 #include "cli/link_failure.h"
 #include "cli/link_text.h"
+#include "cli/password.h"
 
 namespace velk::cli {
 
@@ -44,7 +45,7 @@ std::optional<LinkOptions> LinkChoice::find() const {
     return parseLink(environment);
   }
   LinkOptions link = options_;
-  link.password = unescaped(password_);
+  link.password = checkedPassword(unescaped(password_));
   link.baud = static_cast<std::int16_t>(baud_);
   link.busAddress = static_cast<Byte>(busAddress_);
   return link;

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "cli/escapes.h"
+#include "cli/password.h"
 
 namespace velk::cli {
 namespace {
@@ -48,8 +49,9 @@ void setAddress(LinkOptions& link, std::string_view value) {
 }
 
 constexpr std::array settings{
-    Setting{"password", Kind::tcp,
-            [](LinkOptions& link, std::string_view value) { link.password = unescaped(value); }},
+    Setting{
+        "password", Kind::tcp,
+        [](LinkOptions& link, std::string_view value) { link.password = checkedPassword(unescaped(value)); }},
     Setting{"address", Kind::tcp, setAddress},
     Setting{"address", Kind::serial, setAddress},
     Setting{"fast", Kind::serial, [](LinkOptions& link, std::string_view) { link.fast = true; }},

@@ -1,6 +1,7 @@
 #include "cli/server.h"
 
 #include <future>
+#include <iostream>
 #include <stdexcept>
 
 #include "cli/serve.h"
@@ -60,7 +61,11 @@ void Server::run(std::function<void(const std::stop_token&)> work) {
   workers_.remove_if([](const Worker& worker) { return worker.done->load(); });
   auto done = std::make_shared<std::atomic<bool>>(false);
   auto body = [done, work = std::move(work)](const std::stop_token& stop) {
-    work(stop);
+    try {
+      work(stop);
+    } catch (const std::exception& error) {  // ends what it served; the others go on
+      std::cerr << "velk-sim: " << error.what() << '\n';
+    }
     *done = true;
   };
   workers_.push_back({.done = std::move(done), .thread = std::jthread(std::move(body))});

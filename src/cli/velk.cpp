@@ -1,7 +1,7 @@
 #include <iostream>
 
 #include "cli/commands/command.h"
-#include "values/runtime_error.h"
+#include "cli/guarded.h"
 
 /// The controller's configuration, and the component's methods, from the command line.
 namespace velk::cli {
@@ -39,23 +39,6 @@ void addCommands(const CommandLine& line, Run& run) {
   }
 }
 
-/// Carries a command out and turns what it throws into a sentence and an exit status.
-int guarded(const Run& run) {
-  const auto report = [](const std::exception& error, ExitStatus status) {
-    std::cerr << "velk: " << error.what() << '\n';
-    return status;
-  };
-  try {
-    return run();
-  } catch (const Failure& failure) {
-    return report(failure, failure.status);
-  } catch (const std::invalid_argument& error) {
-    return report(error, wrongUsage);
-  } catch (const RuntimeError& error) {
-    return report(error, runtimeError);
-  }
-}
-
 /// The parser would only say that a command is missing.
 bool namesUnknownCommand(const CommandLine& line, int argc, char** argv) {
   const std::string first = argc > 1 ? argv[1] : "-";
@@ -64,7 +47,7 @@ bool namesUnknownCommand(const CommandLine& line, int argc, char** argv) {
   return true;
 }
 
-int main(int argc, char** argv) {
+int carryOut(int argc, char** argv) {
   const CommandLine line("velk", description);
   line.version("velk " VELK_VERSION);
   line.footer(notes);
@@ -72,12 +55,12 @@ int main(int argc, char** argv) {
   addCommands(line, run);
   if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
   if (const auto status = line.parse(argc, argv)) return *status;
-  return guarded(run);
+  return run();
 }
 
 }  // namespace
 }  // namespace velk::cli
 
 int main(int argc, char** argv) {
-  return velk::cli::main(argc, argv);
+  return velk::cli::guarded("velk", [&] { return velk::cli::carryOut(argc, argv); });
 }

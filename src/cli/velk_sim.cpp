@@ -2,9 +2,14 @@
 #include <csignal>
 #include <iostream>
 #include <mutex>
+#include <optional>
+#include <sstream>
 
 #include "cli/command_line.h"
-#include "cli/exit_status.h"
+#include "cli/failure.h"
+#include "cli/files.h"
+#include "cli/guarded.h"
+#include "cli/password.h"
 #include "cli/serve.h"
 #include "cli/server.h"
 #include "simulator/clock.h"
@@ -34,6 +39,9 @@ constexpr const char* examples =
     "  velk-sim --tcp 8445 --password 1234 --image house.txt --save house.txt\n"
     "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
 
+/// Until a signal comes.
+constexpr double forEver = -1;
+
 struct Options {
   std::vector<std::uint16_t> portsQ;
   std::vector<std::uint16_t> portsS;
@@ -47,7 +55,7 @@ struct Options {
   std::string save;
   bool trace = false;
   std::vector<std::string> faults;
-  double seconds = 0;
+  double seconds = forEver;
 };
 
 std::string describeFaults() {
@@ -87,7 +95,7 @@ void declare(const CommandLine& line, Options& options) {
   line.option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
       .typeName("KIND[=N]@WHICH")
       .oneValueEach();
-  line.option("--for", options.seconds, "End after so many seconds").typeName("SECONDS");
+  line.option("--for", options.seconds, "End after so many seconds (0: at once)").typeName("SECONDS");
   line.version("velk-sim " VELK_VERSION);
   line.footer(examples + describeFaults());
 }
@@ -108,7 +116,7 @@ void print(const std::string& line) {
 SessionOptions sessionOptions(const Options& options) {
   SessionOptions result;
   result.busAddress = static_cast<Byte>(options.busAddress);
-  result.password = padded(options.password, 4, '\0');
+  result.password = padded(checkedPassword(options.password), passwordLength, '\0');
   for (const std::string& fault : options.faults) result.faults.add(fault);
   if (options.trace) result.trace = print;
   return result;
@@ -146,22 +154,33 @@ void serveSerial(Server& server, const std::string& interface, const std::vector
 
 void waitForTheEnd(double seconds) {
   using Clock = std::chrono::steady_clock;
-  const auto end =
-      Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-  while (!interrupted && (seconds <= 0 || Clock::now() < end)) std::this_thread::sleep_for(stopInterval);
+  const auto start = Clock::now();
+  const auto isOver = [&] {
+    return seconds != forEver && std::chrono::duration<double>(Clock::now() - start).count() >= seconds;
+  };
+  while (!interrupted && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 
-void run(Options& options) {
-  if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {
-    options.portsQ.push_back(0);
+simulator::Store startOf(const std::string& image) {
+  if (image.empty()) return simulator::house();
+  std::istringstream in(readFile(image));
+  try {
+    return simulator::readImage(in);
+  } catch (const simulator::ImageError& error) {
+    throw Failure(badFile, image + ": " + error.what());
   }
-  Controller controller(options.image.empty() ? simulator::house() : simulator::loadImage(options.image));
-  const SessionOptions session = sessionOptions(options);
-  controller.attach(
-      std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
-  simulator::attachModules(controller, session.faults, session.trace);
-  {
-    Server server;
+}
+
+void save(OutputFile& file, const simulator::Store& store) {
+  std::ostringstream out;
+  simulator::writeImage(out, store);
+  file.write(out.str());
+}
+
+/// Serves until the end. Throws `Failure` with `noLink` when an interface cannot be opened.
+void serveAll(const Options& options, const SessionOptions& session, Controller& controller) {
+  Server server;
+  try {
     listen(server, "tcp Q", options.address, options.portsQ,
            makerOf<simulator::EthernetQSession>(controller, session));
     listen(server, "tcp S", options.address, options.portsS,
@@ -170,34 +189,45 @@ void run(Options& options) {
                 makerOf<simulator::EchoSession>(controller, session));
     serveSerial(server, "fast", options.fast, options.baud,
                 makerOf<simulator::FastSession>(controller, session));
-    print("ready");
-    waitForTheEnd(options.seconds);
+  } catch (const std::exception& error) {
+    throw Failure(noLink, error.what());
   }
-  if (!options.save.empty()) simulator::saveImage(options.save, controller.snapshot());
+  print("ready");
+  waitForTheEnd(options.seconds);
 }
 
-int main(int argc, char** argv) {
+void run(Options& options) {
+  if (options.seconds != forEver && !(options.seconds >= 0)) {
+    throw std::invalid_argument("--for takes a number of seconds from 0 on");
+  }
+  if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {
+    options.portsQ.push_back(0);
+  }
+  const SessionOptions session = sessionOptions(options);
+  Controller controller(startOf(options.image));
+  std::optional<OutputFile> image;
+  if (!options.save.empty()) image.emplace(options.save);
+  controller.attach(
+      std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
+  simulator::attachModules(controller, session.faults, session.trace);
+  serveAll(options, session, controller);
+  if (image) save(*image, controller.snapshot());
+}
+
+int carryOut(int argc, char** argv) {
   const CommandLine line("velk-sim", description);
   Options options;
   declare(line, options);
   if (const auto status = line.parse(argc, argv)) return *status;
-  try {
-    std::signal(SIGINT, interrupt);
-    std::signal(SIGTERM, interrupt);
-    run(options);
-    return 0;
-  } catch (const std::invalid_argument& error) {
-    std::cerr << "velk-sim: " << error.what() << '\n';
-    return wrongUsage;
-  } catch (const std::exception& error) {
-    std::cerr << "velk-sim: " << error.what() << '\n';
-    return noLink;
-  }
+  std::signal(SIGINT, interrupt);
+  std::signal(SIGTERM, interrupt);
+  run(options);
+  return success;
 }
 
 }  // namespace
 }  // namespace velk::cli
 
 int main(int argc, char** argv) {
-  return velk::cli::main(argc, argv);
+  return velk::cli::guarded("velk-sim", [&] { return velk::cli::carryOut(argc, argv); });
 }

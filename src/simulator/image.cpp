@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <filesystem>
-#include <fstream>
 #include <iomanip>
+#include <istream>
+#include <ostream>
 #include <sstream>
 
 namespace velk::simulator {
@@ -99,26 +99,6 @@ void writeImage(std::ostream& out, const Store& store) {
     }
   }
   out << "end\n";
-}
-
-Store loadImage(const std::string& path) {
-  std::ifstream in(path);
-  if (!in) throw ImageError(path + ": the file cannot be opened");
-  try {
-    return readImage(in);
-  } catch (const ImageError& error) {
-    throw ImageError(path + ": " + error.what());
-  }
-}
-
-void saveImage(const std::string& path, const Store& store) {
-  const std::string unfinished = path + ".new";
-  std::ofstream out(unfinished, std::ios::binary);
-  writeImage(out, store);
-  out.close();
-  std::error_code error;
-  if (out) std::filesystem::rename(unfinished, path, error);
-  if (!out || error) throw ImageError(path + ": the file cannot be written");
 }
 
 }  // namespace velk::simulator

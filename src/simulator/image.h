@@ -28,9 +28,4 @@ struct ImageError : std::runtime_error {
 Store readImage(std::istream& in);
 void writeImage(std::ostream& out, const Store& store);
 
-Store loadImage(const std::string& path);
-
-/// Writes beside the file and renames, so that an image is never half-written.
-void saveImage(const std::string& path, const Store& store);
-
 }  // namespace velk::simulator

@@ -163,9 +163,23 @@ TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {
 TEST(VelkSimTest, RefusesWhatItCannotDo) {
   EXPECT_EQ(Tool("velk-sim", {"--fault", "nonsense@1"}).wait(), 2);
   EXPECT_EQ(Tool("velk-sim", {"--address", "256"}).wait(), 2);
-  EXPECT_EQ(Tool("velk-sim", {"--image", "/nowhere/image"}).wait(), 4);
+  EXPECT_EQ(Tool("velk-sim", {"--image", "/nowhere/image"}).wait(), 5);
+  EXPECT_EQ(Tool("velk-sim", {"--image", "/dev/null"}).wait(), 5);
+  EXPECT_EQ(Tool("velk-sim", {"--save", "/nowhere/image"}).wait(), 5);
+  EXPECT_EQ(Tool("velk-sim", {"--save", "/dev/full", "--for", "0"}).wait(), 5);
+  EXPECT_EQ(Tool("velk-sim", {"--password", "12345", "--for", "0"}).wait(), 2);
+  EXPECT_EQ(Tool("velk-sim", {"--for", "-2"}).wait(), 2);
   EXPECT_EQ(Tool("velk-sim", {"--bind", "nobody"}).wait(), 4);
   EXPECT_EQ(Tool("velk-sim", {"--echo", "/nowhere/device"}).wait(), 4);
+}
+
+TEST(VelkSimTest, EndsAtOnceWhenItIsToServeForNoTime) {
+  Tool simulator("velk-sim", {"--for", "0", "--save", "-"});
+  EXPECT_EQ(simulator.line().substr(0, 6), "tcp Q ");
+  EXPECT_EQ(simulator.line(), "ready");
+  EXPECT_EQ(simulator.line(), "velk-memory 1");
+  simulator.all();
+  EXPECT_EQ(simulator.wait(), 0);
 }
 
 }  // namespace

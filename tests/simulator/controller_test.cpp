@@ -113,8 +113,6 @@ TEST(ImageTest, SaysWhatIsWrongAndWhere) {
       EXPECT_STREQ(error.what(), message);
     }
   }
-  EXPECT_THROW(loadImage("/nowhere/image"), ImageError);
-  EXPECT_THROW(saveImage("/nowhere/image", Store()), ImageError);
 }
 
 TEST(TraceTest, NamesPlaces) {

@@ -1,7 +1,9 @@
 #include "cli/week.h"
 
-#include "cli/backup/backup_file.h"
+#include <optional>
+
 #include "cli/commands/command.h"
+#include "cli/files.h"
 
 namespace velk::cli {
 namespace {
@@ -17,11 +19,23 @@ struct WeekOptions : LinkedOptions {
   }
 };
 
+/// A file that is asked for, opened before the first request.
+std::optional<OutputFile> fileOf(const std::string& path) {
+  if (path.empty()) return std::nullopt;
+  return std::optional<OutputFile>(std::in_place, path);
+}
+
 int carryOutWeek(const WeekOptions& options) {
-  const auto connection = open(options.link.required());
+  const LinkOptions link = options.link.required();
+  if ((options.svg == standardStream) + (options.html == standardStream) + options.json > 1) {
+    throw std::invalid_argument("standard output takes one of --svg, --html and --json");
+  }
+  auto svg = fileOf(options.svg);
+  auto html = fileOf(options.html);
+  const auto connection = open(link);
   const Week week = readWeek(connection->serial());
-  if (!options.svg.empty()) saveText(options.svg, svgOf(week));
-  if (!options.html.empty()) saveText(options.html, htmlOf(week));
+  if (svg) svg->write(svgOf(week));
+  if (html) html->write(htmlOf(week));
   if (options.json) {
     std::cout << jsonOf(week) << '\n';
   } else if (options.svg.empty() && options.html.empty()) {

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "cli/files.h"
+
+/// What files.h asks of the operating system. Everything throws std::system_error with its reason.
+namespace velk::cli::system {
+
+/// Throws "file too large" when there are more bytes than that.
+std::string read(const std::string& path, std::size_t atMost);
+
+/// Opens a file to be written, behind all links. A file of a folder has to be writable, and so has its
+/// folder; neither is changed.
+Destination open(const std::string& path);
+
+/// Replaces a file, or makes it, when all its bytes are on the disk.
+void replace(const std::string& file, std::string_view text);
+
+/// Gives a file another name; false when that is taken.
+bool rename(const std::string& from, const std::string& to);
+
+void remove(const std::string& file) noexcept;
+
+}  // namespace velk::cli::system
