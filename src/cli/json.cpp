@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <set>
 
 namespace velk::cli {
 namespace {
@@ -26,6 +27,25 @@ template <>
 constexpr const char* kindName<Json::Array> = "array";
 template <>
 constexpr const char* kindName<Json::Object> = "object";
+
+/// Refuses what the library would take: a name twice in one object, of which it would keep the last value,
+/// and nesting so deep that nobody wrote it.
+class Names {
+ public:
+  void check(int depth, Library::parse_event_t event, const Library& value) {
+    using Event = Library::parse_event_t;
+    constexpr int deepest = 64;
+    if (depth > deepest) throw JsonError("it is nested more than " + std::to_string(deepest) + " deep");
+    if (event == Event::object_start) open_.emplace_back();
+    if (event == Event::object_end) open_.pop_back();
+    if (event != Event::key) return;
+    const auto& name = value.get_ref<const std::string&>();
+    if (!open_.back().insert(name).second) throw JsonError("\"" + name + "\" stands there twice");
+  }
+
+ private:
+  std::vector<std::set<std::string>> open_;  ///< the names of the objects that are not complete yet
+};
 
 /// Without the library's own code for the error.
 std::string reasonOf(const Library::exception& error) {
@@ -121,7 +141,12 @@ Json Json::object() {
 
 Json Json::parse(std::istream& in) {
   try {
-    return JsonLibrary::from(Library::parse(in));
+    Names names;
+    return JsonLibrary::from(
+        Library::parse(in, [&](int depth, Library::parse_event_t event, const Library& value) {
+          names.check(depth, event, value);
+          return true;
+        }));
   } catch (const Library::exception& error) {
     throw JsonError(reasonOf(error));
   }

@@ -49,7 +49,7 @@ class Json {
   static Json array() { return Json(Array{}); }
   static Json object();
 
-  /// Throws `JsonError` when the text is no JSON.
+  /// Throws `JsonError` when the text is no JSON, or an object has a name twice.
   static Json parse(std::istream& in);
 
   /// In one line, or in many that are indented by so many blanks. What is no UTF-8 is printed as U+FFFD.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "cli/tool.h"
 
@@ -118,7 +119,8 @@ TEST_F(BackupTest, RestoresModules) {
   auto backup = nlohmann::json::parse(in);
   backup["modules"][0]["firmware"] = "0.9";
   std::ofstream(file("b")) << backup;
-  const Ended older = velk({"restore", "--tcp", link, "--yes", "--json", "--only", "modules", file("b")});
+  const Ended older =
+      velk({"restore", "--tcp", link, "--yes", "--edited", "--json", "--only", "modules", file("b")});
   EXPECT_EQ(older.status, 0);
   const auto account = nlohmann::json::parse(older.text);
   EXPECT_EQ(account["differences"].size(), 1U) << "the firmware is told";
@@ -200,14 +202,106 @@ TEST_F(BackupTest, TellsWhatARefusedRestorationDidNotWrite) {
 TEST_F(BackupTest, RefusesFilesThatAreNoBackups) {
   std::ofstream(file("text")) << "hello";
   std::ofstream(file("json")) << R"({"format":"velk-backup","version":2})";
+  std::ofstream(file("array")) << "[]";
   std::ofstream(file("half"))
       << R"({"format":"velk-backup","version":1,"begun":"","link":"","complete":true,)"
          R"("memory":{"V":{"0501":"00"},"H":{},"H+":{}},"modules":[]})";
-  for (const char* const name : {"text", "json", "half", "nothing"}) {
+  for (const char* const name : {"text", "json", "array", "half", "nothing", "."}) {
     EXPECT_EQ(velk({"diff", file(name), file(name)}).status, 5) << name;
   }
   EXPECT_EQ(velk({"backup", "--simulate", "/nowhere/file"}).status, 5);
   EXPECT_EQ(velk({"diff", "--simulate", file("text"), "--only", "nothing"}).status, 2);
+}
+
+/// Nothing listens at port 1: a command that came so far would end with 4.
+TEST_F(BackupTest, RefusesBeforeTheFirstRequest) {
+  ASSERT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
+  fs::create_directory(file("b.part.1"));
+  fs::permissions(file("a"), fs::perms{0600});
+  const std::pair<Words, int> rows[] = {
+      {{"backup", "/nowhere/file"}, 5},
+      {{"backup", file(std::string(300, 'n'))}, 5},
+      {{"backup", file(std::string(251, 'n'))}, 5},  // FILE.part would be too long
+      {{"backup", file(std::string(250, 'n'))}, 4},
+      {{"backup", file("a")}, 4},
+      {{"week", "--svg", "/nowhere/file"}, 5},
+      {{"restore", file("a")}, 2},  // nobody can be asked
+      {{"restore", "--yes", file("a")}, 4},
+      {{"restore", "--dry-run", file("a")}, 4},
+      {{"outputs", "--password", "12345"}, 2},
+      {{"outputs", "--password", "1234"}, 4},
+  };
+  for (const auto& [words, status] : rows) {
+    Words all = words;
+    all.insert(all.end(), {"--tcp", "127.0.0.1:1"});
+    EXPECT_EQ(velk(all).status, status) << testing::PrintToString(words);
+  }
+  EXPECT_EQ(velk({"outputs", "--link", "tcp://127.0.0.1:1?password=12345"}).status, 2);
+  EXPECT_EQ(velk({"diff", file("a"), file("a")}).status, 0) << "the file is as it was";
+}
+
+TEST_F(BackupTest, AFileChangedByHandIsRestoredOnlyWhenThatIsMeant) {
+  const std::string text = velk({"backup", "--simulate", "-"}).text;
+  const auto changed = [&](const std::string& from, const std::string& to) {
+    std::string other = text;
+    other.replace(other.find(from), from.size(), to);
+    return other;
+  };
+  std::ofstream(file("intact")) << text;
+  std::ofstream(file("edited")) << changed("\"0500\": \"0005", "\"0500\": \"0006");
+  std::ofstream(file("mode")) << changed("\"0500\": \"0005", "\"0500\": \"0016");
+  std::ofstream(file("old"))
+      << R"({"format":"velk-backup","version":1,"begun":"","link":"","complete":true,)"
+         R"("memory":{"V":{"0500":"00060000000000000000000000000000"},"H":{},"H+":{}},)"
+         R"("modules":[]})";
+  Tool simulator = emptyController();
+  const std::string link = linkOf(simulator);
+  const auto restore = [&](const char* name, Words more) {
+    more.insert(more.begin(), {"restore", "--tcp", link, "--only", "outputs", file(name)});
+    return velk(more).status;
+  };
+  const auto modeOf5 = [&] { return call({"--tcp", link, "ReadCom", "1", "5", "1", "V"}).text.substr(4, 4); };
+  for (const char* const name : {"edited", "old"}) {
+    EXPECT_EQ(restore(name, {"--yes"}), 2) << name;
+    EXPECT_EQ(restore(name, {}), 2) << name;
+    EXPECT_EQ(restore(name, {"--edited"}), 2) << name << ": nobody can be asked";
+  }
+  EXPECT_EQ(restore("old", {"--dry-run"}), 2);
+  EXPECT_EQ(restore("edited", {"--dry-run"}), 0);
+  EXPECT_EQ(restore("mode", {"--yes", "--edited"}), 5);
+  EXPECT_EQ(modeOf5(), "\\x00") << "nothing was written";
+  for (const char* const name : {"edited", "old"}) {
+    EXPECT_EQ(velk({"diff", file(name), file("intact"), "--only", "infrared"}).status, name[0] == 'o')
+        << name;
+    EXPECT_NE(complaintOf({"diff", file(name), file("intact")}), "") << name;
+    EXPECT_EQ(restore(name, {"--yes", "--edited"}), 0) << name;
+    EXPECT_EQ(modeOf5(), "\\x06") << name;
+    EXPECT_EQ(restore("intact", {"--yes"}), 0);
+    EXPECT_EQ(modeOf5(), "\\x05") << name;
+  }
+}
+
+TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
+  const auto makePart = [&] {
+    Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "60"});
+    EXPECT_NE(velk({"backup", "--tcp", linkOf(source), file("a")}).status, 0);
+  };
+  makePart();
+  std::string part = (std::stringstream() << std::ifstream(file("a.part")).rdbuf()).str();
+  part.replace(part.find("\"0100\": \"000b"), 14, "\"0100\": \"000c");
+  for (const std::string& text : {part, std::string("{"), part.substr(0, part.size() / 2)}) {
+    std::ofstream(file("a.part")) << text;
+    EXPECT_NE(complaintOf({"backup", "--simulate", file("a")}).find("it is kept as " + file("a.part.")),
+              std::string::npos);
+    EXPECT_EQ(velk({"diff", "--simulate", file("a")}).status, 0) << "nothing of it is in the backup";
+    EXPECT_FALSE(fs::exists(file("a.part")));
+  }
+  EXPECT_TRUE(fs::exists(file("a.part.3")));
+  makePart();
+  EXPECT_NE(complaintOf({"backup", "--simulate", file("a")}).find("of another link"), std::string::npos);
+  EXPECT_TRUE(fs::exists(file("a.part.4")));
+  fs::create_directory(file("a.part"));
+  EXPECT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
 }
 
 }  // namespace

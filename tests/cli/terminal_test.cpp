@@ -210,13 +210,6 @@ TEST_F(Terminal, BackupsThatAreDamagedOrOfAnotherLink) {
   EXPECT_EQ(damaged("memory", 1), 5);
   EXPECT_EQ(damaged("version", 99), 5);
   EXPECT_EQ(damaged("format", "x"), 5);
-
-  // The part of another link is not continued.
-  Json part = good;
-  part["complete"] = false;
-  std::ofstream(backup() + ".part") << part;
-  EXPECT_GT(Json::parse(velk({"backup", "--tcp", link, backup(), "--json"}).text)["lines"], 4000);
-  EXPECT_FALSE(std::filesystem::exists(backup() + ".part"));
 }
 
 TEST_F(Terminal, APortIsServedOnce) {

@@ -1,35 +1,29 @@
 #include "cli/backup/backup_file.h"
 
-#include <array>
-#include <filesystem>
-#include <fstream>
+#include <iostream>
+#include <sstream>
 
+#include "cli/backup/check.h"
+#include "cli/backup/checksum.h"
 #include "cli/failure.h"
+#include "cli/files.h"
 #include "cli/words.h"
 
 namespace velk::cli {
 namespace {
 
 constexpr const char* format = "velk-backup";
-constexpr int version = 1;
-
-/// By area.
-constexpr std::array<const char*, 3> areaNames{"V", "H", "H+"};
-
-[[noreturn]] void fail(const std::string& path, const std::string& why) {
-  throw Failure(badFile, path + ": " + why);
-}
+constexpr int unverifiedVersion = 1;
+constexpr int version = 2;
 
 std::string addressOf(Spot spot) {
   return hex(Bytes{character(spot.page), character(spot.offset)});
 }
 
-/// A finished backup leaves out what is zero; an unfinished one has to tell what was read.
-Json jsonOf(const Lines& lines, bool withZeros) {
+Json jsonOf(const Lines& lines) {
   Json json = Json::object();
-  for (const char* const name : areaNames) json[name] = Json::object();
+  for (const std::string_view name : areaNames) json[name] = Json::object();
   for (const auto& [spot, bytes] : lines) {
-    if (!withZeros && bytes == Bytes(lineSize, '\0')) continue;
     json[areaNames.at(static_cast<std::size_t>(spot.area))][addressOf(spot)] = hex(bytes);
   }
   return json;
@@ -50,57 +44,98 @@ Lines linesOf(const Json& json) {
   return lines;
 }
 
-Backup backupOf(const Json& json) {
-  if (json.value("format", std::string()) != format) throw std::invalid_argument("it is no backup");
-  if (json.at("version").get<int>() != version) throw std::invalid_argument("its version is not known here");
-  Backup backup{.begun = json.at("begun").get<std::string>(),
-                .link = json.at("link").get<std::string>(),
-                .complete = json.at("complete").get<bool>(),
-                .lines = linesOf(json.at("memory")),
-                .modules = {}};
-  for (const Json& module : json.at("modules")) backup.modules.push_back(moduleOfJson(module));
-  return backup;
+std::vector<Module> modulesOf(const Json& json) {
+  std::vector<Module> modules;
+  for (const Json& module : json.elements()) modules.push_back(moduleOfJson(module));
+  return modules;
+}
+
+/// The end of a file whose text before it is this one.
+std::string checksumLine(std::string_view before) {
+  const std::uint32_t sum = crc32(before);
+  Bytes bytes;
+  for (int shift = 24; shift >= 0; shift -= 8) bytes += character(static_cast<int>(sum >> shift & 255));
+  return " \"checksum\": \"" + hex(bytes) + "\"\n}\n";
+}
+
+/// Whether every byte is as it was written.
+bool isIntact(std::string_view text) {
+  const std::size_t size = checksumLine({}).size();
+  if (text.size() < size) return false;
+  const std::string_view before = text.substr(0, text.size() - size);
+  return text.substr(before.size()) == checksumLine(before);
 }
 
 }  // namespace
 
-Backup loadBackup(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) fail(path, "it cannot be read");
-  try {
-    return backupOf(Json::parse(in));
-  } catch (const std::invalid_argument& error) {
-    fail(path, error.what());
-  }
-}
-
-void saveText(const std::string& path, const std::string& text) {
-  const std::string beside = path + ".new";
-  {
-    std::ofstream out(beside, std::ios::binary);
-    out << text;
-    out.flush();
-    if (!out) fail(beside, "it cannot be written");
-  }
-  std::error_code error;
-  std::filesystem::rename(beside, path, error);
-  if (error) fail(path, error.message());
-}
-
-void saveBackup(const std::string& path, const Backup& backup) {
+std::string textOf(const Backup& backup) {
   Json json{{"format", format},
             {"version", version},
             {"begun", backup.begun},
             {"link", backup.link},
             {"complete", backup.complete},
-            {"memory", jsonOf(backup.lines, !backup.complete)},
+            {"lines", backup.lines.size()},
+            {"memory", jsonOf(backup.lines)},
             {"modules", Json::array()}};
   for (const Module& module : backup.modules) json["modules"].push_back(jsonOf(module));
-  saveText(path, json.dump(1) + "\n");
+  std::string text = json.dump(1);
+  text.replace(text.size() - 2, 2, ",\n");  // one more member follows
+  return text + checksumLine(text);
 }
 
-std::string partOf(const std::string& path) {
-  return path + ".part";
+Backup parseBackup(std::string text) {
+  std::erase(text, '\r');  // what a system or a mail does to the ends of lines changes nothing
+  std::istringstream in(text);
+  const Json json = Json::parse(in);
+  if (json.value("format", std::string()) != format) throw std::invalid_argument("it is no backup");
+  const int given = json.at("version").get<int>();
+  if (given != version && given != unverifiedVersion) {
+    throw std::invalid_argument("its version is not known here");
+  }
+  Backup backup{.begun = json.at("begun").get<std::string>(),
+                .link = json.at("link").get<std::string>(),
+                .complete = json.at("complete").get<bool>(),
+                .lines = linesOf(json.at("memory")),
+                .modules = modulesOf(json.at("modules"))};
+  checkPlaces(backup.lines);
+  if (given == unverifiedVersion) {
+    backup.condition = Condition::unverified;
+    return backup;
+  }
+  const int count = json.at("lines").get<int>();
+  if (!std::cmp_equal(count, backup.lines.size())) {
+    throw std::invalid_argument("it should have " + std::to_string(count) + " lines and has " +
+                                std::to_string(backup.lines.size()));
+  }
+  if (backup.complete) checkComplete(backup.lines);
+  if (!isIntact(text)) backup.condition = Condition::edited;
+  return backup;
+}
+
+Backup loadBackup(const std::string& path) {
+  const auto fail = [&](const std::string& why) { return Failure(badFile, path + ": " + why); };
+  try {
+    Backup backup = parseBackup(readFile(path));
+    if (!backup.complete) throw fail("the backup is unfinished");
+    if (backup.condition != Condition::intact) {
+      std::cerr << "velk: " << path << ": " << textOf(backup.condition) << '\n';
+    }
+    return backup;
+  } catch (const std::invalid_argument& error) {
+    throw fail(error.what());
+  }
+}
+
+std::string textOf(Condition condition) {
+  switch (condition) {
+    case Condition::intact:
+      return "the file is as velk wrote it";
+    case Condition::edited:
+      return "the file was changed after velk wrote it";
+    case Condition::unverified:
+      return "the file is of format 1, without a checksum; where lines are missing there, zeros are meant";
+  }
+  return {};
 }
 
 Byte byteOf(const Lines& lines, Spot spot) {

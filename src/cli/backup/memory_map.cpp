@@ -135,6 +135,11 @@ bool lineHolds(Spot line, const Wanted& wanted) {
 
 }  // namespace
 
+std::string keyOf(Spot spot) {
+  return std::string(areaNames.at(static_cast<std::size_t>(spot.area))) + " " +
+         hex(Bytes{character(spot.page), character(spot.offset)});
+}
+
 std::optional<Thing> thingAt(Spot spot) {
   if (const Region* const region = regionAt(spot)) {
     return Thing{.kind = region->kind, .number = region->number(spot.page, spot.offset)};

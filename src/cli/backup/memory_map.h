@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <compare>
 #include <functional>
 #include <optional>
@@ -24,6 +25,12 @@ struct Spot {
 
   auto operator<=>(const Spot&) const = default;
 };
+
+/// The areas' names in backups, by their numbers.
+constexpr std::array<std::string_view, 3> areaNames{"V", "H", "H+"};
+
+/// A spot as backups name it: "V 0510", page and offset in hexadecimal digits.
+std::string keyOf(Spot spot);
 
 /// How many bytes one transaction reads, from an offset that is a multiple of it.
 constexpr int lineSize = 16;

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <csignal>
 
+#include "cli/backup/event_list.h"
 #include "cli/failure.h"
 #include "cli/things/event.h"
 #include "cli/words.h"
@@ -54,7 +55,7 @@ class EventList {
       auto found = lines_.find(line);
       if (found == lines_.end()) found = lines_.emplace(line, readBytes(serial_, line, lineSize)).first;
       list += found->second;
-      if (const auto end = endOf(list)) {
+      if (const auto end = endOfEvents(list)) {
         blankBehind(found->second, *end - static_cast<std::size_t>(offset));
         return;
       }
@@ -62,16 +63,6 @@ class EventList {
   }
 
  private:
-  /// Where the end mark stands; it counts at the start of a record only.
-  static std::optional<std::size_t> endOf(const Bytes& list) {
-    constexpr std::size_t recordSize = 5;
-    constexpr Byte endMark = 255;
-    for (std::size_t start = 0; start + 1 < list.size(); start += recordSize) {
-      if (byteAt(list, start) == endMark) return start;
-    }
-    return std::nullopt;
-  }
-
   static void blankBehind(Bytes& line, std::size_t end) {
     if (end < line.size()) std::fill(line.begin() + static_cast<std::ptrdiff_t>(end) + 1, line.end(), '\0');
   }

@@ -1,13 +1,13 @@
+#include <array>
 #include <chrono>
 #include <ctime>
-#include <filesystem>
 
 #include "cli/backup/memory_reader.h"
+#include "cli/backup/part_file.h"
 #include "cli/backup/progress.h"
 #include "cli/backup/restorable_module.h"
 #include "cli/commands/command.h"
 #include "cli/link_text.h"
-#include "values/runtime_error.h"
 
 namespace velk::cli {
 namespace {
@@ -19,7 +19,7 @@ struct BackupOptions : LinkedOptions {
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
-    line.option("FILE", file, "The file to write").required();
+    line.option("FILE", file, "The file to write; \"-\" is standard output").required();
     line.option("--modules", modules, "Serial numbers of modules to back up as well")
         .delimiter(',')
         .typeName("SERIAL,...")
@@ -35,15 +35,13 @@ std::string now() {
 }
 
 /// An unfinished backup of the same link, or a new one.
-Backup begin(const BackupOptions& options, const std::string& link) {
-  const std::string part = partOf(options.file);
-  if (!options.fresh && std::filesystem::exists(part)) {
-    Backup found = loadBackup(part);
-    if (found.link == link) {
-      std::cerr << "velk: continuing the backup begun at " << found.begun << '\n';
-      return found;
+Backup begin(PartFile& part, const std::string& link) {
+  if (const std::optional<Backup> found = part.unfinished()) {
+    if (found->link == link) {
+      std::cerr << "velk: continuing the backup begun at " << found->begun << '\n';
+      return *found;
     }
-    std::cerr << "velk: " << part << " is of another link (" << found.link << "); beginning again\n";
+    part.putAside("it is of another link (" + found->link + ")");
   }
   return {.begun = now(), .link = link, .lines = {}, .modules = {}};
 }
@@ -60,37 +58,48 @@ void read(Serial& serial, const BackupOptions& options, Backup& backup) {
   }
 }
 
-/// Reads; what was read before a failure is kept in the part file.
-void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup) {
-  const auto keep = [&] {
-    saveBackup(partOf(options.file), backup);
-    std::cerr << "velk: " << backup.lines.size() << " lines are kept in " << partOf(options.file)
+/// Keeps what was read for the next call.
+void keep(PartFile& part, Backup& backup) {
+  if (!part) return;
+  backup.complete = false;
+  try {
+    part.save(backup);
+    std::cerr << "velk: " << backup.lines.size() << " lines are kept in " << part.path()
               << "; the same command goes on from there\n";
-  };
+  } catch (const Failure& failure) {
+    std::cerr << "velk: what was read cannot be kept: " << failure.what() << '\n';
+  }
+}
+
+/// Reads and writes the file; what was read before a failure is kept in the part file.
+void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup, OutputFile& file,
+                PartFile& part) {
   try {
     read(serial, options, backup);
-  } catch (const Failure&) {
-    keep();
-    throw;
-  } catch (const RuntimeError&) {
-    keep();
+    backup.complete = true;
+    file.write(textOf(backup));
+  } catch (const std::exception&) {
+    keep(part, backup);
     throw;
   }
+  part.remove();
 }
 
 int carryOutBackup(const BackupOptions& options) {
   const LinkOptions link = options.link.required();
-  Backup backup = begin(options, nameOf(link));
+  if (options.json && options.file == standardStream) {
+    throw std::invalid_argument("standard output cannot take the backup and --json");
+  }
+  // Whether the files can be written is found out before the first request, not after the last.
+  OutputFile file(options.file);
+  PartFile part(file, options.fresh);
+  Backup backup = begin(part, nameOf(link));
   const std::size_t before = backup.lines.size();
   const auto connection = open(link);
   watchInterrupts();
   const auto start = std::chrono::steady_clock::now();
-  readOrKeep(connection->serial(), options, backup);
+  readOrKeep(connection->serial(), options, backup, file, part);
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  backup.complete = true;
-  saveBackup(options.file, backup);
-  std::error_code ignored;
-  std::filesystem::remove(partOf(options.file), ignored);
   const std::size_t read = backup.lines.size() - before;
   if (options.json) {
     std::cout << Json{{"file", options.file}, {"lines", read}, {"seconds", seconds}} << '\n';
@@ -107,6 +116,7 @@ void addBackup(const CommandLine& velk, Run& run) {
   addCommand<BackupOptions>(velk, run, "backup", "Save the whole configuration in a file",
                             "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
                             "  velk backup house.json --modules 090500,100100\n"
+                            "  velk backup - | gzip > house.json.gz\n"
                             "\nA backup that breaks off leaves FILE.part; the same command continues it.\n",
                             carryOutBackup);
 }

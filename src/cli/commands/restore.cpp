@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "cli/backup/check.h"
 #include "cli/backup/controller_backup.h"
+#include "cli/backup/describe.h"
 #include "cli/backup/memory_reader.h"
 #include "cli/backup/progress.h"
 #include "cli/backup/restorable_module.h"
@@ -17,6 +19,7 @@ struct RestoreOptions : LinkedOptions {
   std::vector<std::string> only;
   bool dryRun = false;
   bool yes = false;
+  bool edited = false;
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
@@ -27,6 +30,7 @@ struct RestoreOptions : LinkedOptions {
         .oneValueEach();
     line.flag("--dry-run", dryRun, "Show what would change and write nothing");
     line.flag("--yes", yes, "Do not ask");
+    line.flag("--edited", edited, "Take a backup that was changed by hand, or is of format 1");
   }
 };
 
@@ -154,9 +158,8 @@ Json jsonOf(const Account& account, const std::vector<Difference>& differences,
           {"failure", account.failure.empty() ? Json() : Json(account.failure)}};
 }
 
-bool agreed() {
-  if (!inputIsTerminal()) throw Failure(wrongUsage, "nobody can be asked here; --yes writes without asking");
-  std::cerr << "Write this to the controller? [y/N] ";
+bool agreed(const std::string& question) {
+  std::cerr << question << " [y/N] ";
   std::string answer;
   unwatchInterrupts();
   if (!std::getline(std::cin, answer)) std::cerr << '\n';
@@ -164,6 +167,23 @@ bool agreed() {
   const bool yes = answer == "y" || answer == "Y" || answer == "yes";
   if (!yes) std::cerr << "velk: nothing is written\n";
   return yes;
+}
+
+/// Whether to go on with a backup that is not as velk wrote it: what a person typed there is a person's to
+/// confirm, and a line that format 1 does not have would be written as zeros.
+bool isTrusted(const RestoreOptions& options, const Backup& backup) {
+  if (backup.condition == Condition::intact) return true;
+  try {
+    if (isSelected(parseSections(options.only), sectionOf(Kind::output))) checkModes(backup.lines);
+  } catch (const std::invalid_argument& error) {
+    throw Failure(badFile, options.file + ": " + error.what());
+  }
+  const bool isReadOnly = options.dryRun && backup.condition == Condition::edited;
+  if (options.edited || isReadOnly) return true;
+  if (backup.condition == Condition::unverified || options.yes || !inputIsTerminal()) {
+    throw Failure(wrongUsage, options.file + ": only --edited restores such a file");
+  }
+  return agreed("Go on with a file that was changed?");
 }
 
 /// A module's model and firmware are told, but cannot be written.
@@ -174,10 +194,14 @@ bool isWritable(const Difference& difference) {
 }
 
 int carryOutRestore(const RestoreOptions& options) {
+  const LinkOptions link = options.link.required();
   const Sections sections = parseSections(options.only);
   const Backup backup = loadBackup(options.file);
-  if (!backup.complete) throw Failure(badFile, options.file + ": the backup is unfinished");
-  const auto connection = open(options.link.required());
+  if (!options.dryRun && !options.yes && !inputIsTerminal()) {
+    throw Failure(wrongUsage, "nobody can be asked here; --yes writes without asking");
+  }
+  if (!isTrusted(options, backup)) return badResult;
+  const auto connection = open(link);
   const Backup now = readLike(connection->serial(), backup, sections);
   const auto differences = compare(now, backup, sections);
   const LeftOut left = leftOut(backup, now);
@@ -191,7 +215,7 @@ int carryOutRestore(const RestoreOptions& options) {
                [&](const Difference& d) { return isWritable(d) && !left.contains(d.title); });
   Account account;
   const bool writes = !options.dryRun && !writable.empty();
-  if (writes && !options.yes && !agreed()) return badResult;
+  if (writes && !options.yes && !agreed("Write this to the controller?")) return badResult;
   if (writes) account = restoreAll(connection->serial(), writable, backup);
   if (options.json) std::cout << jsonOf(account, differences, writable, left) << '\n';
   if (!options.dryRun || writable.empty()) printAccount(account, writable);
