@@ -49,15 +49,17 @@ std::string putAside(const std::string& path) {
   });
 }
 
-OutputFile::OutputFile(std::string path)
-    : path_(std::move(path)), destination_(named(path_, [&] { return system::open(path_); })) {}
+OutputFile::OutputFile(std::string path, std::string like)
+    : path_(std::move(path)),
+      like_(std::move(like)),
+      destination_(named(path_, [&] { return system::open(path_); })) {}
 
 void OutputFile::write(std::string_view text) {
   named(path_, [&] {
     if (destination_.sink) {
       destination_.sink->write(text);
     } else {
-      system::replace(destination_.file, text);
+      system::replace(destination_.file, like_, text);
     }
   });
 }

@@ -43,7 +43,8 @@ struct Destination {
 /// can be written; nothing is changed by that.
 class OutputFile {
  public:
-  explicit OutputFile(std::string path);
+  /// A new file has the mode of the one named `like`, where that is there and the system has modes.
+  explicit OutputFile(std::string path, std::string like = {});
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
@@ -59,6 +60,7 @@ class OutputFile {
 
  private:
   std::string path_;
+  std::string like_;
   Destination destination_;
 };
 

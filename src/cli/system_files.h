@@ -12,8 +12,9 @@ std::string read(const std::string& path, std::size_t atMost);
 /// folder; neither is changed.
 Destination open(const std::string& path);
 
-/// Replaces a file, or makes it, when all its bytes are on the disk.
-void replace(const std::string& file, std::string_view text);
+/// Replaces a file, or makes it, when all its bytes are on the disk. It has the mode and owner of the file
+/// before, else those of the file named `like`, if it is there.
+void replace(const std::string& file, const std::string& like, std::string_view text);
 
 /// Gives a file another name; false when that is taken.
 bool rename(const std::string& from, const std::string& to);

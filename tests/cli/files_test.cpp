@@ -57,13 +57,15 @@ TEST_F(FilesTest, ReplacesAFileWithItsModeBehindItsLink) {
     link.write("a longer text");
     link.write("after");
     dangling.write("new");
+    OutputFile(file("like"), file("old")).write("as private");
   }
   EXPECT_EQ(readFile(file("old")), "after");
   EXPECT_EQ(fs::status(file("old")).permissions(), fs::perms{0600});
+  EXPECT_EQ(fs::status(file("like")).permissions(), fs::perms{0600});
   EXPECT_TRUE(fs::is_symlink(file("folder/link")));
   EXPECT_TRUE(fs::is_symlink(file("dangling")));
   EXPECT_EQ(readFile(file("new")), "new");
-  EXPECT_EQ(count(), 4U) << "nothing else is left";
+  EXPECT_EQ(count(), 5U) << "nothing else is left";
 }
 
 TEST_F(FilesTest, WritesToDevicesAndPipesAsTheyAre) {

@@ -212,6 +212,18 @@ TEST_F(Terminal, BackupsThatAreDamagedOrOfAnotherLink) {
   EXPECT_EQ(damaged("format", "x"), 5);
 }
 
+TEST_F(Terminal, AFileChangedByHandIsAskedAboutBeforeTheLinkIsOpened) {
+  std::string text = velk({"backup", "--simulate", "-"}).text;
+  text.replace(text.find("\"0500\": \"0005"), 13, "\"0500\": \"0006");
+  std::ofstream(backup()) << text;
+  const Words restore{"restore", "--tcp", "127.0.0.1:1", backup()};
+  EXPECT_EQ(onTerminal(restore, "n\n").status, 1);
+  const Ended agreed = onTerminal(restore, "y\n");
+  EXPECT_EQ(agreed.status, 4);
+  EXPECT_TRUE(shows(agreed, "was changed after velk wrote it")) << agreed.text;
+  EXPECT_EQ(onTerminal({"restore", "--tcp", "127.0.0.1:1", "--yes", backup()}).status, 2);
+}
+
 TEST_F(Terminal, APortIsServedOnce) {
   const std::string port = link.substr(link.rfind(':') + 1);
   EXPECT_EQ(Tool("velk-sim", {"--tcp", port}).wait(), 4);

@@ -11,7 +11,7 @@ PartFile::PartFile(const OutputFile& backup, bool afresh) {
   if (!backup.isFile()) return;
   path_ = backup.path() + ".part";
   if (!afresh) load();
-  file_.emplace(path_);
+  file_.emplace(path_, backup.path());
 }
 
 void PartFile::load() {

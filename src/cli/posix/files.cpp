@@ -137,12 +137,15 @@ Destination open(const std::string& path) {
   return {.file = std::move(file), .sink = nullptr};
 }
 
-void replace(const std::string& file, std::string_view text) {
-  struct stat before {};
-  const bool isThere = stat(file.c_str(), &before) == 0;
-  check(isThere || errno == ENOENT);
-  Successor successor(file, isThere);
-  if (isThere) successor.resemble(before);
+void replace(const std::string& file, const std::string& like, std::string_view text) {
+  struct stat model {};
+  bool hasModel = false;
+  for (const std::string& name : {file, like}) {
+    hasModel = hasModel || stat(name.c_str(), &model) == 0;
+    check(hasModel || errno == ENOENT);
+  }
+  Successor successor(file, hasModel);
+  if (hasModel) successor.resemble(model);
   writeAll(successor.get(), text);
   successor.takePlaceOf(file);
 }

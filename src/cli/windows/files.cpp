@@ -165,7 +165,8 @@ Destination open(const std::string& path) {
   return {.file = narrow(file), .sink = nullptr};
 }
 
-void replace(const std::string& file, std::string_view text) {
+/// A new file has the access rights that its folder hands down.
+void replace(const std::string& file, const std::string& /*like*/, std::string_view text) {
   const std::wstring name = wide(file);
   Successor successor(name);
   writeAll(successor.get(), text);
