@@ -1,19 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <array>
-#include <cstdlib>
 #include <thread>
 
-#include "dispatch.h"
+#include "client.h"
 
 namespace hosts {
 namespace {
-
-/// A TCP port that the runner tells; ports above 32767 are negative numbers to the component.
-int controllerPort() {
-  const char* const text = std::getenv("VELK_TCP_PORT");
-  return text == nullptr ? 0 : static_cast<short>(std::atoi(text));
-}
 
 /// Runs on a thread with an apartment of its own.
 template <class Work>
@@ -40,7 +31,7 @@ TEST(Apartments, EachThreadHasItsOwnSocket) {
   for (int& result : good) {
     threads.push_back(inApartment([&result] {
       const Object object;
-      if (object.call(L"OpenTCP", {L"127.0.0.1", controllerPort(), L"pass"}).value.bVal != 0) return;
+      if (object.call(L"OpenTCP", {L"127.0.0.1", toldPort("VELK_TCP_PORT"), L"pass"}).value.bVal != 0) return;
       for (int i = 0; i < 20; ++i) {
         Var mode;
         const Outcome outcome = object.call(L"Ctl_Param", {L"R", 5, Var::reference(mode)});

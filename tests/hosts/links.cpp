@@ -1,18 +1,11 @@
 // The links as a host sees them, against a simulated controller whose ports the runner tells.
 
-#include <cstdlib>
 #include <string>
 
 #include "client.h"
 
 namespace hosts {
 namespace {
-
-/// A TCP port that the runner tells; ports above 32767 are negative numbers to the component.
-int portFrom(const char* variable) {
-  const char* const text = std::getenv(variable);
-  return text == nullptr ? 0 : static_cast<short>(std::atoi(text));
-}
 
 /// Counts the ticks of a window timer: whether the host is alive.
 class Ticks {
@@ -51,12 +44,12 @@ class Links : public Client {
  protected:
   int open(const char* variable = "VELK_TCP_PORT") {
     Var passWord(L"pass");
-    return object_.call(L"OpenTCP", {L"localhost", portFrom(variable), Var::reference(passWord)}).value.bVal;
+    return object_.call(L"OpenTCP", {L"localhost", toldPort(variable), Var::reference(passWord)}).value.bVal;
   }
 };
 
 TEST_F(Links, waitingKeepsTheHostAlive) {
-  const int port = portFrom("VELK_SILENT_PORT");
+  const int port = toldPort("VELK_SILENT_PORT");
   {
     // A peer that says nothing: waiting for its greeting takes the whole time.
     const Ticks ticks;
@@ -84,7 +77,7 @@ TEST_F(Links, waitingKeepsTheHostAlive) {
 TEST_F(Links, resultsInTheCallersTypes) {
   BSTR passWord = SysAllocString(L"pass");
   ASSERT_EQ(
-      object_.call(L"OpenTCP", {L"localhost", portFrom("VELK_TCP_PORT"), Var::reference(VT_BSTR, &passWord)})
+      object_.call(L"OpenTCP", {L"localhost", toldPort("VELK_TCP_PORT"), Var::reference(VT_BSTR, &passWord)})
           .value.bVal,
       0);
   SysFreeString(passWord);
@@ -153,7 +146,7 @@ class EachWay : public Client, public testing::WithParamInterface<Way> {
 
 TEST_P(EachWay, readsAnOutput) {
   const std::string link = GetParam().link;
-  const int port = portFrom(GetParam().port);
+  const int port = toldPort(GetParam().port);
   const bool tcp = link.starts_with("tcp");
   Var passWord(L"pass");
   ASSERT_EQ(tcp ? call(L"OpenTCP", {2, Var::reference(passWord), port, L"127.0.0.1"})

@@ -1,10 +1,14 @@
 #include "component/windows/argument.h"
 
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstring>
+#include <limits>
+#include <new>
 #include <utility>
 
+#include "component/windows/byte_array.h"
 #include "values/runtime_error.h"
 
 namespace velk::com {
@@ -13,17 +17,29 @@ namespace {
 /// How deep references to references may go.
 constexpr int mostReferences = 4;
 
+/// No number (NaN) is seen by its bits: a host may have floating-point exceptions on, and then comparing or
+/// even loading it ends the host.
+template <class Bits, class Number>
+void refuseNan(const void* data) {
+  constexpr Bits infinity = std::bit_cast<Bits>(std::numeric_limits<Number>::infinity());
+  Bits bits = 0;
+  std::memcpy(&bits, data, sizeof bits);
+  constexpr Bits sign = Bits{1} << (8 * sizeof(Bits) - 1);
+  if ((bits & ~sign) > infinity) throw RuntimeError(RuntimeError::overflow);
+}
+
 template <class Plain, class As>
-void load(const void* data, Value& into) {
+void load(const void* data, Type /*wanted*/, Value& into) {
   into = static_cast<As>(*static_cast<const Plain*>(data));
 }
 
-void loadNothing(const void* /*data*/, Value& into) {
+void loadNothing(const void* /*data*/, Type /*wanted*/, Value& into) {
   into = {};
 }
 
 /// Through the shortest decimal text, so that 0.1 stays 0.1 in double precision.
-void loadSingle(const void* data, Value& into) {
+void loadSingle(const void* data, Type /*wanted*/, Value& into) {
+  refuseNan<std::uint32_t, float>(data);
   std::array<char, 32> text{};
   const auto* const end = std::to_chars(text.begin(), text.end(), *static_cast<const float*>(data)).ptr;
   double number = 0;
@@ -31,24 +47,34 @@ void loadSingle(const void* data, Value& into) {
   into = number;
 }
 
-void loadCurrency(const void* data, Value& into) {
+void loadDouble(const void* data, Type /*wanted*/, Value& into) {
+  refuseNan<std::uint64_t, double>(data);
+  into = *static_cast<const double*>(data);
+}
+
+void loadCurrency(const void* data, Type /*wanted*/, Value& into) {
   constexpr double unit = 10000;
   into = static_cast<double>(static_cast<const CY*>(data)->int64) / unit;
 }
 
-void loadText(const void* data, Value& into) {
+void loadText(const void* data, Type /*wanted*/, Value& into) {
   into = bytesOf(*static_cast<const BSTR*>(data));
 }
 
-void loadTruth(const void* data, Value& into) {
+void loadTruth(const void* data, Type /*wanted*/, Value& into) {
   into = *static_cast<const VARIANT_BOOL*>(data) != VARIANT_FALSE;
 }
 
-void loadDecimal(const void* data, Value& into) {
+void loadDecimal(const void* data, Type /*wanted*/, Value& into) {
   DECIMAL decimal = *static_cast<const DECIMAL*>(data);
   double number = 0;
   VarR8FromDec(&decimal, &number);
   into = number;
+}
+
+void loadBytes(const void* data, Type wanted, Value& into) {
+  if (wanted != Type::text) throw RuntimeError(RuntimeError::typeMismatch);
+  into = bytesOf(*static_cast<SAFEARRAY* const*>(data));
 }
 
 /// A variant that is cleared at the end.
@@ -60,7 +86,7 @@ struct OwnedVariant : VARIANT {
 };
 
 /// The default property of an object, such as a field of a record set.
-void loadObject(const void* data, Value& into) {
+void loadObject(const void* data, Type wanted, Value& into) {
   auto* const object = *static_cast<IDispatch* const*>(data);
   OwnedVariant result;
   DISPPARAMS none{};
@@ -70,13 +96,13 @@ void loadObject(const void* data, Value& into) {
       result.vt == VT_DISPATCH) {
     throw RuntimeError(RuntimeError::typeMismatch);
   }
-  Argument(result).load(into);
+  Argument(result).load(into, wanted);
 }
 
 /// One type of the automation variables.
 struct Form {
-  void (*load)(const void*, Value&) = nullptr;
-  std::size_t size = 0;  ///< of a variable; 0 when results cannot be written there
+  void (*load)(const void*, Type, Value&) = nullptr;
+  std::size_t size = 0;  ///< of a variable; 0 when no number or text can be written there
 };
 
 using Forms = std::array<Form, VT_UINT + 1>;
@@ -95,8 +121,8 @@ constexpr Forms forms = [] {
   f[VT_I8] = {load<std::int64_t, double>, 8};
   f[VT_UI8] = {load<std::uint64_t, double>, 8};
   f[VT_R4] = {loadSingle, 4};
-  f[VT_R8] = {load<double, double>, 8};
-  f[VT_DATE] = {load<double, double>, 8};
+  f[VT_R8] = {loadDouble, 8};
+  f[VT_DATE] = {loadDouble, 8};
   f[VT_CY] = {loadCurrency, 8};
   f[VT_DECIMAL] = {loadDecimal, sizeof(DECIMAL)};
   f[VT_BOOL] = {loadTruth, 2};
@@ -107,6 +133,8 @@ constexpr Forms forms = [] {
 
 const Form& formOf(VARTYPE type) {
   static constexpr Form unknown{};
+  static constexpr Form bytes{loadBytes, 0};
+  if (type == byteArray) return bytes;
   return type < forms.size() ? forms[type] : unknown;
 }
 
@@ -151,12 +179,39 @@ struct Cases {
 void moveInto(void* variable, VARIANT& from) {
   if (from.vt == VT_BSTR) SysFreeString(*static_cast<BSTR*>(variable));
   if (from.vt == VT_DECIMAL) {
-    *static_cast<DECIMAL*>(variable) = from.decVal;
-    static_cast<DECIMAL*>(variable)->wReserved = 0;
+    // The reserved word is the caller's: where the variable is the value of a variant, it is the variant's
+    // type.
+    auto& decimal = *static_cast<DECIMAL*>(variable);
+    from.decVal.wReserved = decimal.wReserved;
+    decimal = from.decVal;
   } else {
     std::memcpy(variable, valueOf(from), formOf(from.vt).size);
   }
   from.vt = VT_EMPTY;
+}
+
+bool holdsLockedArray(const VARIANT& variant) {
+  return (variant.vt & VT_ARRAY) != 0 && variant.parray != nullptr && variant.parray->cLocks != 0;
+}
+
+/// Puts a value into an empty variant: in the given type where that can hold it, else in the value's own.
+HRESULT makeResult(const Value& value, VARTYPE type, VARIANT& result) {
+  const auto* const bytes = std::get_if<Bytes>(&value);
+  if (type == byteArray && bytes != nullptr) {
+    result.vt = byteArray;
+    result.parray = nullptr;
+    return storeBytes(*bytes, result.parray);
+  }
+  result = variantOf(value);
+  if (result.vt == type) return S_OK;
+  if (formOf(type).size == 0) return DISP_E_TYPEMISMATCH;
+  const HRESULT outcome = VariantChangeTypeEx(&result, &result, LOCALE_INVARIANT, VARIANT_ALPHABOOL, type);
+  if (FAILED(outcome)) {
+    // Nothing is said about what a conversion that fails leaves behind.
+    VariantClear(&result);
+    result = variantOf(value);
+  }
+  return outcome;
 }
 
 }  // namespace
@@ -170,6 +225,7 @@ VARIANT variantOf(const Value& value) {
 Argument::Argument(VARIANT& passed) {
   VARIANT* variant = &passed;
   for (int i = 0; i < mostReferences && variant->vt == (VT_BYREF | VT_VARIANT); ++i) {
+    if (variant->pvarVal == nullptr) return;  // no value: nothing can be loaded
     variant = variable_ = variant->pvarVal;
     reference_ = true;
   }
@@ -188,28 +244,37 @@ bool Argument::omitted() const {
   return type_ == VT_ERROR && data_ != nullptr && *static_cast<const SCODE*>(data_) == DISP_E_PARAMNOTFOUND;
 }
 
-void Argument::load(Value& into) const {
+void Argument::load(Value& into, Type wanted) const {
   const Form& form = formOf(type_);
   if (form.load == nullptr || data_ == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
-  form.load(data_, into);
+  form.load(data_, wanted, into);
 }
 
-HRESULT Argument::assign(const Value& value) const {
+HRESULT Argument::assign(const Value& value, VARTYPE loaded) const noexcept {
   if (!reference_) return S_OK;
-  VARIANT result = variantOf(value);
-  const HRESULT outcome = formOf(type_).size == 0 ? DISP_E_TYPEMISMATCH
-                                                  : VariantChangeTypeEx(&result, &result, LOCALE_INVARIANT,
-                                                                        VARIANT_ALPHABOOL, type_);
-  if (variable_ != nullptr) {
-    VariantClear(variable_);
-    *variable_ = result;
-    return S_OK;
+  try {
+    return variable_ != nullptr ? assignVariant(value, loaded) : assignTyped(value);
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
   }
-  if (SUCCEEDED(outcome)) {
-    moveInto(data_, result);
-  } else {
-    VariantClear(&result);
-  }
+}
+
+HRESULT Argument::assignVariant(const Value& value, VARTYPE loaded) const {
+  OwnedVariant result;
+  // A type that cannot hold the value is no fault here, for the variant takes any.
+  if (makeResult(value, loaded, result) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
+  if (holdsLockedArray(*variable_)) return DISP_E_ARRAYISLOCKED;
+  // What was there is cleared last: that may run code of the host, which then finds the result.
+  std::swap(*variable_, static_cast<VARIANT&>(result));
+  return S_OK;
+}
+
+HRESULT Argument::assignTyped(const Value& value) const {
+  const auto* const bytes = std::get_if<Bytes>(&value);
+  if (type_ == byteArray && bytes != nullptr) return storeBytes(*bytes, *static_cast<SAFEARRAY**>(data_));
+  OwnedVariant result;
+  const HRESULT outcome = makeResult(value, type_, result);
+  if (SUCCEEDED(outcome)) moveInto(data_, result);
   return outcome;
 }
 

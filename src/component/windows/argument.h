@@ -17,15 +17,30 @@ class Argument {
   /// Whether the host left the argument out between others.
   [[nodiscard]] bool omitted() const;
 
-  /// Fetches the value. Run-time error 13 (type mismatch) for a kind of value that no method takes.
-  void load(Value& into) const;
+  /// Whether results can be given back.
+  [[nodiscard]] bool isReference() const { return reference_; }
 
-  /// Writes a result into the caller's variable and in its type; a variant that cannot hold the value in its
-  /// present type takes the value's. Nothing happens to an argument passed by value. Returns S_OK,
-  /// DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW.
-  [[nodiscard]] HRESULT assign(const Value& value) const;
+  /// The caller's variable; the same one may be passed for several parameters.
+  [[nodiscard]] const void* variable() const { return variable_ != nullptr ? variable_ : data_; }
+
+  /// The type of the value, without its references.
+  [[nodiscard]] VARTYPE type() const { return type_; }
+
+  /// Fetches the value for a parameter of type `wanted`. Run-time error 13 (type mismatch) for a kind of
+  /// value that no method takes, and for an array of bytes where no text is wanted; 6 (overflow) for no
+  /// number (NaN).
+  void load(Value& into, Type wanted) const;
+
+  /// Writes a result into the caller's variable and in its type. A variant takes the result in the type
+  /// `loaded`, which it had when the call began, or in the result's own where that cannot hold it: what it
+  /// holds by now may be another result of the same call. Nothing happens to an argument passed by value.
+  /// Returns S_OK, DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_ARRAYISLOCKED or E_OUTOFMEMORY.
+  [[nodiscard]] HRESULT assign(const Value& value, VARTYPE loaded) const noexcept;
 
  private:
+  [[nodiscard]] HRESULT assignVariant(const Value& value, VARTYPE loaded) const;
+  [[nodiscard]] HRESULT assignTyped(const Value& value) const;
+
   VARTYPE type_ = VT_EMPTY;
   void* data_ = nullptr;
   VARIANT* variable_ = nullptr;  ///< the variant referred to, if any

@@ -24,7 +24,9 @@ HRESULT Call::take() {
   if (const HRESULT outcome = place(); FAILED(outcome)) return outcome;
   if (const HRESULT outcome = load(); FAILED(outcome)) return outcome;
   const auto fault = complete(method_, {values_.data(), method_.count}, {given_.data(), method_.count});
-  return fault ? failed(codeOf(fault->reason), fault->parameter) : S_OK;
+  if (fault) return failed(codeOf(fault->reason), fault->parameter);
+  remember();
+  return S_OK;
 }
 
 /// Hosts list the arguments backwards: named ones first, then the others from the last to the first.
@@ -47,32 +49,50 @@ HRESULT Call::place() {
 HRESULT Call::load() {
   for (std::size_t i = 0; i < method_.count; ++i) {
     if (sources_[i] == nullptr) continue;
-    const Argument argument(*sources_[i]);
-    given_[i] = !argument.omitted();
-    if (!given_[i]) continue;
-    try {
-      argument.load(values_[i]);
-    } catch (const RuntimeError& error) {
-      if (error.number() != RuntimeError::typeMismatch) throw;
-      return failed(DISP_E_TYPEMISMATCH, i);
-    }
+    if (const HRESULT outcome = load(i); FAILED(outcome)) return outcome;
   }
   return S_OK;
 }
 
-HRESULT Call::giveBack() {
+HRESULT Call::load(std::size_t i) {
+  const Argument argument(*sources_[i]);
+  given_[i] = !argument.omitted();
+  if (!given_[i]) return S_OK;
+  const Parameter& parameter = method_.slots[i];
+  try {
+    argument.load(values_[i], parameter.type);
+    if (parameter.inOut && argument.isReference()) {
+      returned_.reserve(method_.count);
+      const bool empty = std::holds_alternative<std::monostate>(values_[i]);
+      returned_.push_back({.parameter = i, .type = argument.type(), .wasEmpty = empty});
+    }
+    return S_OK;
+  } catch (const RuntimeError& error) {
+    if (error.number() == RuntimeError::typeMismatch) return failed(DISP_E_TYPEMISMATCH, i);
+    if (error.number() == RuntimeError::overflow) return failed(DISP_E_OVERFLOW, i);
+    throw;
+  }
+}
+
+/// The caller's variables are never read a second time: one may stand for several parameters, and then holds
+/// another one's result.
+void Call::remember() {
+  for (Returned& returned : returned_) {
+    if (!returned.wasEmpty) returned.loaded = values_[returned.parameter];
+  }
+}
+
+HRESULT Call::giveBack() noexcept {
   HRESULT outcome = S_OK;
-  for (std::size_t i = 0; i < method_.count; ++i) {
-    const Parameter& parameter = method_.slots[i];
-    if (!parameter.inOut || !given_[i]) continue;
+  std::array<const void*, mostParameters> written{};
+  for (const Returned& returned : returned_) {
+    const std::size_t i = returned.parameter;
     const Argument argument(*sources_[i]);
-    // A variable that holds the value already keeps its type; one that holds nothing yet does not.
-    Value before;
-    argument.load(before);
-    const bool empty = std::holds_alternative<std::monostate>(before);
-    if (!empty && convert(before, parameter.type) == values_[i]) continue;
-    const HRESULT written = argument.assign(values_[i]);
-    if (FAILED(written)) outcome = failed(written, i);
+    const bool overwritten = std::find(written.begin(), written.end(), argument.variable()) != written.end();
+    if (returned.loaded == values_[i] && !overwritten) continue;
+    written[i] = argument.variable();
+    const HRESULT result = argument.assign(values_[i], returned.type);
+    if (FAILED(result)) outcome = failed(result, i);
   }
   return outcome;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "component/methods.h"
 #include "component/windows/argument.h"
@@ -40,8 +41,10 @@ class Call {
   /// Runs the method.
   Value run(Serial& serial) { return method_.call(serial, values_.data()); }
 
-  /// Writes changed arguments back into the caller's variables.
-  HRESULT giveBack();
+  /// Writes what the method has changed back into the caller's variables, in the order of the parameters:
+  /// where one variable stands for several results and any of them has changed, the last one stays. A
+  /// variable that was empty is written in any case; any other that the method left alone keeps its type.
+  HRESULT giveBack() noexcept;
 
   /// The value of a parameter.
   [[nodiscard]] const Value& value(std::size_t parameter) { return values_[parameter]; }
@@ -52,8 +55,19 @@ class Call {
   }
 
  private:
+  /// A parameter whose result goes back into a variable of the caller's, and what that held when the call
+  /// began.
+  struct Returned {
+    std::size_t parameter;
+    VARTYPE type;
+    bool wasEmpty;
+    Value loaded;  ///< in the parameter's type; none for a variable that was empty
+  };
+
   HRESULT place();
   HRESULT load();
+  HRESULT load(std::size_t parameter);
+  void remember();
   HRESULT failed(HRESULT code, std::size_t parameter);
 
   const Method& method_;
@@ -61,6 +75,7 @@ class Call {
   std::array<VARIANT*, mostParameters> sources_{};
   Slots values_;
   std::array<bool, mostParameters> given_{};
+  std::vector<Returned> returned_;  ///< in the order of the parameters
   std::optional<UINT> fault_;
 };
 
