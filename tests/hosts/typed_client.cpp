@@ -178,6 +178,13 @@ TEST_F(Client, names) {
   EXPECT_EQ(object_.dispatch()->GetIDsOfNames(IID_NULL, names.data(), 3, 0, ids.data()), DISP_E_UNKNOWNNAME);
   EXPECT_EQ(ids[1], 1);
   EXPECT_EQ(ids[2], DISPID_UNKNOWN);
+  for (const std::size_t missing : {0, 2}) {
+    std::array<LPOLESTR, 3> some = names;
+    some[missing] = nullptr;
+    EXPECT_EQ(object_.dispatch()->GetIDsOfNames(IID_NULL, some.data(), 3, 0, ids.data()),
+              DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(ids, (std::array<DISPID, 3>{DISPID_UNKNOWN, DISPID_UNKNOWN, DISPID_UNKNOWN}));
+  }
   EXPECT_EQ(object_.dispatch()->GetIDsOfNames(IID_IUnknown, names.data(), 1, 0, ids.data()),
             DISP_E_UNKNOWNINTERFACE);
 }
@@ -237,6 +244,7 @@ TEST_F(Client, wrongCalls) {
       {L"DECtoBCD", {array}, {}, DISP_E_TYPEMISMATCH, 0},
       {L"DECtoBCD", {null}, {}, DISP_E_TYPEMISMATCH, 0},
       {L"DECtoBCD", {Var::reference(VT_I2, nullptr)}, {}, DISP_E_TYPEMISMATCH, 0},
+      {L"DECtoBCD", {Var::reference(VT_VARIANT, nullptr)}, {}, DISP_E_TYPEMISMATCH, 0},
       {L"DECtoBCD", {Var::omitted()}, {}, DISP_E_PARAMNOTOPTIONAL, 0},
       {L"IfSetBit", {Var::omitted(), 3}, {}, DISP_E_PARAMNOTOPTIONAL, 1},
       {L"IfSetBit", {}, {{L"Bitnr", 1}, {L"Bytte", Var::omitted()}}, DISP_E_PARAMNOTOPTIONAL, 1},
@@ -261,6 +269,8 @@ TEST_F(Client, wrongUses) {
   EXPECT_EQ(object_.invoke(-4, DISPATCH_PROPERTYGET, {}).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(object_.invoke(method, DISPATCH_PROPERTYGET, {}).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(object_.invoke(method, DISPATCH_PROPERTYPUT, {1}, {DISPID_PROPERTYPUT}).code,
+            DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(object_.invoke(method, DISPATCH_METHOD | DISPATCH_PROPERTYPUT, {1}, {DISPID_PROPERTYPUT}).code,
             DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(object_.invoke(property, DISPATCH_METHOD, {}).code, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(object_.invoke(property, DISPATCH_PROPERTYGET, {1}, {0}).code, DISP_E_NONAMEDARGS);

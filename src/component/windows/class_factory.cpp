@@ -1,7 +1,6 @@
 #include "component/windows/class_factory.h"
 
-#include <new>
-
+#include "component/windows/guarded.h"
 #include "component/windows/serial_object.h"
 #include "component/windows/server.h"
 
@@ -30,16 +29,12 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-  try {
+  return guarded([&] {
     auto* const serial = new SerialObject;
     const HRESULT outcome = serial->QueryInterface(iid, object);
     serial->Release();
     return outcome;
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_UNEXPECTED;
-  }
+  });
 }
 
 HRESULT ClassFactory::LockServer(BOOL lock) {

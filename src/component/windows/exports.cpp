@@ -4,10 +4,10 @@
 // The interfaces need the base types first.
 #include <olectl.h>
 
-#include <exception>
 #include <string_view>
 
 #include "component/windows/class_factory.h"
+#include "component/windows/guarded.h"
 #include "component/windows/identifiers.h"
 #include "component/windows/registration.h"
 #include "component/windows/server.h"
@@ -15,18 +15,7 @@
 namespace {
 
 using velk::com::Audience;
-
-/// The system's code for what a step fails with.
-template <class Step>
-HRESULT guarded(Step step) noexcept {
-  try {
-    return step();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_UNEXPECTED;
-  }
-}
+using velk::com::guarded;
 
 }  // namespace
 
@@ -49,10 +38,12 @@ STDAPI DllUnregisterServer() {
   return guarded([] { return velk::com::unregisterServer(Audience::everybody); });
 }
 
-/// The command line "user" installs for the current user, an empty one for everybody.
+/// The command line "user", in any case, installs for the current user, an empty one for everybody.
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
   const std::wstring_view command = commandLine == nullptr ? L"" : commandLine;
-  if (!command.empty() && command != L"user") return E_INVALIDARG;
+  if (!command.empty() && CompareStringOrdinal(commandLine, -1, L"user", -1, TRUE) != CSTR_EQUAL) {
+    return E_INVALIDARG;
+  }
   const Audience audience = command.empty() ? Audience::everybody : Audience::currentUser;
   return guarded([=] {
     return install != FALSE ? velk::com::registerServer(audience) : velk::com::unregisterServer(audience);

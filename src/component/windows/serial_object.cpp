@@ -1,11 +1,12 @@
 #include "component/windows/serial_object.h"
 
+#include <algorithm>
 #include <array>
-#include <new>
 #include <optional>
 
 #include "component/methods.h"
 #include "component/windows/call.h"
+#include "component/windows/guarded.h"
 #include "component/windows/identifiers.h"
 #include "component/windows/server.h"
 #include "component/windows/type_library.h"
@@ -37,9 +38,11 @@ class Name {
   std::size_t size_ = 0;
 };
 
-/// What a host may ask of a method or a property. Script hosts ask for both when a value is wanted.
-WORD usesOf(const Method& method) {
-  return method.kind == Kind::method ? DISPATCH_METHOD : DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT;
+/// Whether a host may ask that of a method or a property. Script hosts ask for a call and for reading at once
+/// when a value is wanted; what asks for writing beside anything else means writing.
+bool mayBeAsked(const Method& method, WORD flags) {
+  if ((flags & DISPATCH_PROPERTYPUT) != 0) return method.put != nullptr;
+  return (flags & (method.kind == Kind::method ? DISPATCH_METHOD : DISPATCH_PROPERTYGET)) != 0;
 }
 
 void describe(const RuntimeError& error, EXCEPINFO& exception) {
@@ -49,21 +52,17 @@ void describe(const RuntimeError& error, EXCEPINFO& exception) {
   exception.bstrDescription = newText(error.what());
 }
 
-/// Runs a step of `Invoke`; no exception gets past it.
+/// Runs a step of `Invoke`: a run-time error is told to the host.
 template <class Step>
-HRESULT guarded(EXCEPINFO* exception, Step step) noexcept {
-  try {
+HRESULT described(EXCEPINFO* exception, Step step) noexcept {
+  return guarded([&] {
     try {
       return step();
     } catch (const RuntimeError& error) {
       if (exception != nullptr) describe(error, *exception);
       return DISP_E_EXCEPTION;
     }
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_UNEXPECTED;
-  }
+  });
 }
 
 }  // namespace
@@ -105,26 +104,29 @@ HRESULT SerialObject::GetTypeInfoCount(UINT* count) {
 HRESULT SerialObject::GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) {
   if (info == nullptr) return E_POINTER;
   *info = nullptr;
-  return index == 0 ? typeInfo(interfaceId, info) : DISP_E_BADINDEX;
+  if (index != 0) return DISP_E_BADINDEX;
+  return guarded([=] { return typeInfo(interfaceId, info); });
 }
 
 HRESULT SerialObject::GetClassInfo(ITypeInfo** info) {
   if (info == nullptr) return E_POINTER;
   *info = nullptr;
-  return typeInfo(classId, info);
+  return guarded([=] { return typeInfo(classId, info); });
 }
 
 HRESULT SerialObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/,
                                     DISPID* ids) {
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
+  std::fill_n(ids, count, DISPID_UNKNOWN);
+  if (std::find(names, names + count, nullptr) != names + count) return DISP_E_TYPEMISMATCH;
   const Method* const method = findMethod(Name(names[0]).view());
-  ids[0] = method != nullptr ? method->id : DISPID_UNKNOWN;
+  if (method != nullptr) ids[0] = method->id;
   bool allKnown = method != nullptr;
   for (UINT i = 1; i < count; ++i) {
     std::optional<std::size_t> parameter;
     if (method != nullptr) parameter = findParameter(*method, Name(names[i]).view());
-    ids[i] = parameter ? static_cast<DISPID>(*parameter) : DISPID_UNKNOWN;
+    if (parameter) ids[i] = static_cast<DISPID>(*parameter);
     allKnown = allKnown && parameter;
   }
   return allKnown ? S_OK : DISP_E_UNKNOWNNAME;
@@ -135,8 +137,8 @@ HRESULT SerialObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD f
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (passed == nullptr) return E_INVALIDARG;
   const Method* const method = findMethod(static_cast<int>(id));
-  if (method == nullptr || (usesOf(*method) & flags) == 0) return DISP_E_MEMBERNOTFOUND;
-  return guarded(exception, [&] {
+  if (method == nullptr || !mayBeAsked(*method, flags)) return DISP_E_MEMBERNOTFOUND;
+  return described(exception, [&] {
     return (flags & DISPATCH_PROPERTYPUT) != 0 ? put(*method, *passed, argumentAtFault)
                                                : call(*method, *passed, result, argumentAtFault);
   });
@@ -157,7 +159,7 @@ HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIA
     VARIANT returned;
     try {
       returned = variantOf(call.run(serial_));
-    } catch (const RuntimeError&) {
+    } catch (...) {
       // What the method changed before it failed belongs to the caller all the same.
       (void)call.giveBack();
       throw;

@@ -1,8 +1,12 @@
 #include "component/windows/server.h"
 
 #include <atomic>
+#include <stdexcept>
 
 #include "platform/host.h"
+
+/// The start of this module in memory, which is also its handle; the linker knows it by this name.
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(bugprone-reserved-identifier): see above
 
 namespace velk::com {
 namespace {
@@ -24,13 +28,16 @@ bool mayUnload() {
 }
 
 std::wstring modulePath() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     reinterpret_cast<LPCWSTR>(&modulePath), &module);
-  constexpr std::size_t longestPath = 32768;
-  std::wstring path(longestPath, L'\0');
-  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
-  return path;
+  auto* const module = reinterpret_cast<HMODULE>(&__ImageBase);
+  // The call cuts a path that does not fit, and then fills all that it was given.
+  for (std::wstring path(MAX_PATH, L'\0');; path.resize(2 * path.size())) {
+    const DWORD length = GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+    if (length == 0) throw std::runtime_error("the component's file has no path");
+    if (length < path.size()) {
+      path.resize(length);
+      return path;
+    }
+  }
 }
 
 }  // namespace velk::com

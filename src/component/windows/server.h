@@ -13,7 +13,7 @@ void releaseServerReference();
 /// Whether nothing keeps the component loaded; an open port or socket does, too.
 bool mayUnload();
 
-/// The path of the file that this code was loaded from.
+/// The path of the file that this code was loaded from. Throws when the system does not tell.
 std::wstring modulePath();
 
 }  // namespace velk::com
