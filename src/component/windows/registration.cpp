@@ -33,12 +33,6 @@ const std::wstring otherPlatformKey = versionKey + (is64Bit ? L"\\0\\win32" : L"
 const std::wstring progIdKey = wide(identity::progId);
 const std::wstring versionedProgIdKey = wide(identity::versionedProgId);
 
-/// Keys of this component alone: the system shows a 32-bit program other ones than a 64-bit program.
-const std::array ownKeys{classKey, interfaceKey, platformKey};
-
-/// Keys in common with the component of the other kind.
-const std::array sharedKeys{progIdKey, versionedProgIdKey, libraryKey};
-
 struct Entry {
   std::wstring key;
   const wchar_t* name;  ///< null: the key's default value
@@ -72,6 +66,28 @@ std::vector<Entry> entries(const std::wstring& path) {
   };
 }
 
+/// A key that goes when the component is unregistered, unless another version has taken it over.
+struct Removal {
+  std::wstring key;
+  std::wstring witness;    ///< the key whose value tells that; empty: the key bears this version's number
+  const wchar_t* name;     ///< of the value; null: the default value
+  std::wstring thisValue;  ///< what stands there while the key is this version's
+};
+
+/// Keys of this component alone: the system shows a 32-bit program other ones than a 64-bit program.
+const std::array ownKeys{
+    Removal{classKey, classKey + L"\\ProgID", nullptr, versionedProgIdKey},
+    Removal{interfaceKey, interfaceKey + L"\\TypeLib", L"Version", wide(identity::libraryVersion)},
+    Removal{platformKey, L"", nullptr, L""},
+};
+
+/// Keys in common with the component of the other kind.
+const std::array sharedKeys{
+    Removal{progIdKey, progIdKey + L"\\CurVer", nullptr, versionedProgIdKey},
+    Removal{versionedProgIdKey, L"", nullptr, L""},
+    Removal{versionKey, L"", nullptr, L""},
+};
+
 /// The root of all classes, for everybody or for the current user.
 class Classes {
  public:
@@ -90,9 +106,22 @@ class Classes {
     return status;
   }
 
-  [[nodiscard]] LSTATUS remove(const std::wstring& key) const {
-    const LSTATUS status = RegDeleteTreeW(hive_, full(key).c_str());
+  [[nodiscard]] LSTATUS remove(const Removal& removal) const {
+    if (!isOfThisVersion(removal)) return ERROR_SUCCESS;
+    const LSTATUS status = RegDeleteTreeW(hive_, full(removal.key).c_str());
     return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
+  }
+
+  /// Removes a key that holds nothing any more.
+  void removeEmpty(const std::wstring& name) const {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(hive_, full(name).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
+    DWORD keys = 0;
+    DWORD values = 0;
+    const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values,
+                                            nullptr, nullptr, nullptr, nullptr);
+    RegCloseKey(key);
+    if (status == ERROR_SUCCESS && keys + values == 0) RegDeleteKeyW(hive_, full(name).c_str());
   }
 
   [[nodiscard]] bool has(const std::wstring& name) const {
@@ -103,6 +132,16 @@ class Classes {
   }
 
  private:
+  /// A key without its witness is what an installation left that broke off.
+  [[nodiscard]] bool isOfThisVersion(const Removal& removal) const {
+    if (removal.witness.empty()) return true;
+    std::array<wchar_t, 64> value{};
+    DWORD size = sizeof value;
+    const LSTATUS status = RegGetValueW(hive_, full(removal.witness).c_str(), removal.name, RRF_RT_REG_SZ,
+                                        nullptr, value.data(), &size);
+    return status == ERROR_FILE_NOT_FOUND || (status == ERROR_SUCCESS && removal.thisValue == value.data());
+  }
+
   static std::wstring full(const std::wstring& key) { return L"Software\\Classes\\" + key; }
 
   HKEY hive_;
@@ -111,7 +150,7 @@ class Classes {
 template <class Keys>
 LSTATUS removeAll(const Classes& classes, const Keys& keys) {
   LSTATUS first = ERROR_SUCCESS;
-  for (const std::wstring& key : keys) {
+  for (const Removal& key : keys) {
     const LSTATUS status = classes.remove(key);
     if (first == ERROR_SUCCESS) first = status;
   }
@@ -135,6 +174,7 @@ HRESULT unregisterServer(Audience audience) {
   const Classes classes(audience);
   LSTATUS status = removeAll(classes, ownKeys);
   if (status == ERROR_SUCCESS && !classes.has(otherPlatformKey)) status = removeAll(classes, sharedKeys);
+  classes.removeEmpty(libraryKey);
   return HRESULT_FROM_WIN32(static_cast<unsigned long>(status));
 }
 

@@ -11,7 +11,8 @@ enum class Audience : unsigned char { everybody, currentUser };
 /// then leaves none behind.
 HRESULT registerServer(Audience audience);
 
-/// Removes them. Those that the 32-bit and the 64-bit component share stay while the other is registered.
+/// Removes them. Those that the 32-bit and the 64-bit component share stay while the other is registered, and
+/// those that another version of the component has taken over stay as they are.
 HRESULT unregisterServer(Audience audience);
 
 }  // namespace velk::com
