@@ -18,24 +18,14 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 tree=$work/$name
 
-# The manifest takes names and identifiers from where the component has them.
-manifest() { # manifest ARCHITECTURE
-  local script=(-e "s/@VERSION@/$version/" -e "s/@ARCHITECTURE@/$1/") line
-  while read -r line; do script+=(-e "$line"); done < <(
-    sed -n 's/^constexpr std::string_view \(.*\) = "\(.*\)";$/s,@\1@,\2,/p' "$source/src/component/idl/identity.h")
-  sed "${script[@]}" "$here/VelkCom.manifest.in"
-}
-
-binaries() { # binaries FOLDER BUILD ARCHITECTURE TRIPLE
+binaries() { # binaries FOLDER BUILD TRIPLE
   mkdir -p "$tree/$1"
   cp "$2"/bin/{VelkCom.dll,velk.exe,velk-sim.exe} "$tree/$1/"
-  "$4-w64-mingw32-strip" "$tree/$1"/*.exe
-  manifest "$3" >"$tree/$1/VelkCom.manifest"
-  ! grep '@' "$tree/$1/VelkCom.manifest"
+  "$3-w64-mingw32-strip" "$tree/$1"/*.exe
 }
 
-binaries x64 "$x64" amd64 x86_64
-binaries x86 "$x86" x86 i686
+binaries x64 "$x64" x86_64
+binaries x86 "$x86" i686
 mkdir "$tree/docs"
 cp "$source"/docs/*.md "$tree/docs/"
 cp "$source"/{README.md,CHANGELOG.md} "$tree/"

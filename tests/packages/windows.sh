@@ -74,7 +74,7 @@ uninstall() { # uninstall FOLDER SWITCH: its uninstaller goes on as a copy of it
 }
 
 has_files() { # has_files FOLDER
-  for file in {x64,x86}/{VelkCom.dll,VelkCom.manifest,velk.exe,velk-sim.exe} docs/reference.md README.md \
+  for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.md README.md \
     examples/set_clock.vbs uninstall.exe; do
     [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
   done
@@ -168,7 +168,9 @@ without_registration() {
   check "an unregistered component cannot be created" not says 'output 11: UD' program late_bound.exe
   check "  and the doctor tells what to type" says '64-bit +this user +regsvr32 /n /i:user .*.x64.VelkCom.dll"?' \
     wine_run "$folder/x64/velk.exe" doctor
-  cp "$folder"/x64/VelkCom.{dll,manifest} "$work/"
+  check "a manifest in the 64-bit component" "$root/tests/hosts/check_manifest.sh" "$folder/x64/VelkCom.dll" amd64
+  check "  and in the 32-bit component" "$root/tests/hosts/check_manifest.sh" "$folder/x86/VelkCom.dll" x86
+  cp "$folder/x64/VelkCom.dll" "$work/"
   for name in late_bound early_bound; do
     sed "s/@VERSION@/${folder##*-}/" "$here/client.exe.manifest" >"$work/$name.exe.manifest"
   done

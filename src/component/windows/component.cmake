@@ -25,8 +25,24 @@ add_custom_command(
   DEPENDS ${IDL_DIR}/velkcom.idl
   VERBATIM)
 
+# The manifest has names and identifiers from where the code has them.
+set(IDENTITY src/component/idl/identity.h)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${IDENTITY})
+file(STRINGS ${IDENTITY} identity_lines REGEX "^constexpr std::string_view ")
+foreach(line IN LISTS identity_lines)
+  string(REGEX MATCH "string_view ([A-Za-z]+) = \"(.*)\";" _ "${line}")
+  set(${CMAKE_MATCH_1} "${CMAKE_MATCH_2}")
+endforeach()
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(ARCHITECTURE amd64)
+else()
+  set(ARCHITECTURE x86)
+endif()
+configure_file(src/component/windows/VelkCom.manifest.in ${IDL_DIR}/VelkCom.manifest @ONLY)
+
 configure_file(src/component/windows/velkcom.rc.in ${IDL_DIR}/velkcom.rc @ONLY)
-set_source_files_properties(${IDL_DIR}/velkcom.rc PROPERTIES OBJECT_DEPENDS ${IDL_DIR}/velkcom.tlb)
+set_source_files_properties(${IDL_DIR}/velkcom.rc PROPERTIES
+  OBJECT_DEPENDS "${IDL_DIR}/velkcom.tlb;${IDL_DIR}/VelkCom.manifest")
 
 add_library(VelkCom SHARED $<TARGET_OBJECTS:velk_component> ${IDL_DIR}/velkcom.rc
                            src/component/windows/VelkCom.def)
