@@ -151,6 +151,7 @@ leaves_nothing() { # leaves_nothing NAME: the classes are again what they were; 
 differs() { ! cmp -s "$work/$1" "$work/$2"; }
 same() { cmp -s "$work/$1" "$work/$2"; }
 has_key() { wine_run reg query "$1"; }
+lacks_key() { ! has_key "$1"; }
 
 registration() {
   dll=$build/bin/VelkCom.dll
@@ -170,6 +171,11 @@ registration() {
   check "unregistering for this user" wine_run regsvr32 /s /u /n /i:user "$dll"
   export_classes user-after
   leaves_nothing user-after
+  check "the word for this user in capitals" wine_run regsvr32 /s /n /i:USER "$dll"
+  check "  registers" has_key "$classes\\VelkCom.Serial"
+  wine_run regsvr32 /s /u /n /i:User "$dll" >/dev/null
+  export_classes capitals-after
+  leaves_nothing capitals-after
 
   # A component of the other width that is registered beside it keeps the keys that both share.
   library='HKLM\Software\Classes\TypeLib\{5694BB07-4353-4508-8C6C-0B988D8DD518}'
@@ -179,6 +185,21 @@ registration() {
   check "  leaves its type library" has_key "$library\\1.0\\0\\$other"
   check "  and its name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
   wine_run reg delete "$library\\1.0\\0\\$other" /f >/dev/null
+
+  # A later version has a type library of its own and takes over what bears no version.
+  wine_run regsvr32 /s "$dll" >/dev/null
+  wine_run reg add "$library\\2.0" /ve /d later /f >/dev/null
+  for key in 'VelkCom.Serial\CurVer' 'CLSID\{DD354E3B-3B0A-4871-81E2-879F41FB2B63}\ProgID'; do
+    wine_run reg add "HKLM\\Software\\Classes\\$key" /ve /d VelkCom.Serial.2 /f >/dev/null
+  done
+  check "unregistering beside a later version" wine_run regsvr32 /s /u "$dll"
+  check "  leaves the later type library" has_key "$library\\2.0"
+  check "  and not its own" lacks_key "$library\\1.0"
+  check "  leaves the name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
+  check "  and not the name with its version" lacks_key 'HKLM\Software\Classes\VelkCom.Serial.1'
+  check "  leaves the class" has_key 'HKLM\Software\Classes\CLSID\{DD354E3B-3B0A-4871-81E2-879F41FB2B63}'
+  wine_run reg delete "$library\\2.0" /f >/dev/null
+  check "registering over it" wine_run regsvr32 /s "$dll"
   check "unregistering for everybody" wine_run regsvr32 /s /u "$dll"
   export_classes after
   leaves_nothing after
@@ -220,6 +241,7 @@ for hosts in link.vbs link.js configuration.vbs; do
 done
 script modules.vbs tcp "$port_q" pass Q
 script modules.vbs com 6 fast
+script one_variable.vbs tcp "$port_q" pass Q
 
 table
 echo "$passed passed, $failed failed"

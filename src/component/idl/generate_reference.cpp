@@ -43,9 +43,11 @@ constexpr std::string_view introduction =
     "left\n"
     "out. A text stands for the number that it is (\"59\", \"2.5\", \"&H1F\"); the fraction follows a point "
     "on every\n"
-    "system, so that a decimal comma (\"2,5\") is error 13. What each result byte means, and what to do "
-    "about it:\n"
-    "[results.md](results.md).\n";
+    "system, so that a decimal comma (\"2,5\") is error 13. An array of bytes is taken wherever a String is, "
+    "and a\n"
+    "variable that held one gets one back. A variable that is passed for several arguments keeps the last "
+    "result.\n"
+    "What each result byte means, and what to do about it: [results.md](results.md).\n";
 
 std::string nameOf(Type type) {
   const auto* const found =
