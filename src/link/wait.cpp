@@ -1,6 +1,7 @@
 #include "link/wait.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace velk::link {
 namespace {
@@ -10,10 +11,11 @@ constexpr double day = 86400;
 
 }  // namespace
 
-Deadline::Deadline(platform::Host& host, Seconds delay) : host_(host) {
+Deadline::Deadline(platform::Host& host, Seconds delay, Clocks clocks) : host_(host) {
   const float clock = host.clock();
   const auto steady = host.steady();
-  end_ = clock + static_cast<float>(delay.count());
+  end_ = clocks == Clocks::steady ? std::numeric_limits<float>::infinity()
+                                  : clock + static_cast<float>(delay.count());
   steadyEnd_ = steady + std::chrono::duration_cast<std::chrono::nanoseconds>(delay);
   whole_ = restAt(clock, steady);
 }
@@ -32,7 +34,8 @@ std::chrono::nanoseconds Deadline::restAt(float clock, std::chrono::nanoseconds 
 }
 
 void pause(platform::Host& host, Seconds delay, platform::Messages messages) {
-  await(host, delay, platform::Source::nothing, messages, [] { return false; });
+  const Deadline deadline(host, delay, Clocks::steady);
+  await(host, deadline, deadline.whole(), platform::Source::nothing, messages, [] { return false; });
 }
 
 }  // namespace velk::link

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
 #include "platform/host.h"
 
@@ -8,15 +9,21 @@ namespace velk::link {
 
 using Seconds = std::chrono::duration<double>;
 
-/// The end of a wait. It is over when its delay has passed, and also when the clock of seconds since midnight
-/// is at or past its end or reads 1.0 or less: the guard against the wrap at midnight, which ends every wait
-/// that meets it early.
+/// The clocks that end a wait, each when the delay has passed on it.
+enum class Clocks : std::uint8_t {
+  both,    ///< the first of the two
+  steady,  ///< for a delay that has to last its time, as a line break does
+};
+
+/// The end of a wait. It is over when its delay has passed, on the steady clock or on that of seconds since
+/// midnight, and also when the latter reads 1.0 or less: the guard against the wrap at midnight, which ends
+/// every wait that meets it early.
 ///
 /// The rest is measured on the steady clock, because seconds since midnight in single precision move in steps
 /// of 7.8 ms late in the day, and because a clock that is set back must not prolong a wait.
 class Deadline {
  public:
-  Deadline(platform::Host& host, Seconds delay);
+  Deadline(platform::Host& host, Seconds delay, Clocks clocks = Clocks::both);
 
   /// What `remaining` was at the start: clocks are read once less.
   [[nodiscard]] std::chrono::nanoseconds whole() const { return whole_; }
@@ -54,7 +61,8 @@ void await(platform::Host& host, Seconds delay, platform::Source source, platfor
   await(host, deadline, deadline.whole(), source, messages, done);
 }
 
-/// Waits out a delay.
+/// Waits out a delay, which ends early at midnight alone: nothing could answer it, so the steps of the clock of
+/// seconds since midnight have no say.
 void pause(platform::Host& host, Seconds delay, platform::Messages messages);
 
 }  // namespace velk::link

@@ -33,14 +33,17 @@ class SerialPort {
 
   [[nodiscard]] virtual bool isOpen() const = 0;
 
-  /// Everything received and not read yet; empty when nothing is waiting. The bytes stay until the next call.
+  /// What has been received and not read yet, up to a bound that a flood alone reaches; empty when nothing is
+  /// waiting. The bytes stay until the next call.
   /// Errors: 8018 not open, 8020 the device failed or is gone.
   virtual std::string_view read() = 0;
 
-  /// Sends the bytes. Errors: 8018 not open, 8019 the device takes nothing, 8020 the device failed.
+  /// Sends the bytes. Errors: 8018 not open, 8019 the device takes nothing for a second, 8020 the device
+  /// failed.
   virtual void write(std::string_view bytes) = 0;
 
-  /// Starts or ends a line break. Errors as `read`.
+  /// Starts or ends a line break. Nothing happens on a line whose driver knows no break, as with many USB
+  /// devices. Errors as `read`.
   virtual void setBreak(bool on) = 0;
 };
 

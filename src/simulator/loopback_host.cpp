@@ -187,7 +187,7 @@ void LoopbackHost::yield() {
 }
 
 void LoopbackHost::block(Source source, std::chrono::nanoseconds longest, Messages messages) {
-  const Milliseconds end = elapsed_ + std::chrono::ceil<Milliseconds>(longest);
+  const Milliseconds end = elapsed_ + std::min(std::chrono::ceil<Milliseconds>(longest), longestBlock);
   const Line* const line = source == Source::port     ? port_->line()
                            : source == Source::socket ? connection_->line()
                                                       : nullptr;

@@ -37,6 +37,9 @@ class LoopbackHost final : public platform::Host {
   /// What each sending takes: with none, a host that polls would poll for ever.
   Milliseconds transferTime{0};
 
+  /// The longest that `block` blocks before it returns early, as a system's waits may do.
+  Milliseconds longestBlock = Milliseconds::max();
+
   /// Sets the time of day.
   void setClock(Milliseconds sinceMidnight) { clock_ = sinceMidnight; }
 

@@ -14,6 +14,7 @@ struct Sentence {
 constexpr std::array sentences{
     Sentence{RuntimeError::invalidArgument, "A value or a reply does not have the form that the call needs."},
     Sentence{RuntimeError::overflow, "A number does not fit the range of its type."},
+    Sentence{RuntimeError::outOfMemory, "The system has no memory or other resource left for the call."},
     Sentence{RuntimeError::typeMismatch, "A text cannot be read as a number."},
     Sentence{RuntimeError::invalidPropertyValue, "The port cannot be set to these settings."},
     Sentence{RuntimeError::invalidPortNumber, "The serial port does not exist."},

@@ -11,6 +11,7 @@ class RuntimeError : public std::exception {
   enum Number : int {
     invalidArgument = 5,
     overflow = 6,
+    outOfMemory = 7,
     typeMismatch = 13,
     invalidPropertyValue = 380,
     invalidPortNumber = 8002,

@@ -222,6 +222,29 @@ TEST_F(SerialLink, WaitsAreExactLateInTheDay) {
   EXPECT_NEAR(static_cast<double>(spent().count()), 1000, 8);
 }
 
+/// In the evening the clock of seconds since midnight steps by 7.8 ms. A pause must not become shorter by that.
+TEST_F(SerialLink, PausesLastTheirTimeAtEveryHourAndEndAtMidnight) {
+  openSerial(true);
+  host.longestBlock = 1ms;
+  const Bytes head = bytes({'*', 2, 2, 0x20, 0, 0});
+  const auto timeOfBreak = [&](std::chrono::milliseconds clock) {
+    host.setClock(clock);
+    serial.FlgBreak = true;
+    script.answer(head + "#", head + bytes({0, 1, '#'}));
+    const auto before = spent();
+    EXPECT_EQ(serial.ReadCom(1, 0, 0, "V", 1), bytes({0, 1}));
+    return spent() - before;
+  };
+  for (int phase = 0; phase < 16; ++phase) {
+    for (const auto hour : {0h, 9h, 20h}) {
+      EXPECT_EQ(timeOfBreak(hour + 2s + std::chrono::milliseconds(phase)), 110ms) << hour.count() << phase;
+    }
+  }
+  EXPECT_EQ(timeOfBreak(1001ms), 110ms);
+  EXPECT_EQ(timeOfBreak(1000ms), 0ms) << "the clock reads 1.0";
+  EXPECT_LE(timeOfBreak(24h - 5ms), 10ms);
+}
+
 TEST_F(SerialLink, MessagesAreDispatchedBetweenTheStepsOfATransactionOnly) {
   openSerial(true);
   const int before = host.yields();

@@ -1,6 +1,11 @@
+#include <asm/ioctls.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
+#include <cstdarg>
+#include <set>
 #include <thread>
 
 #include "component/serial.h"
@@ -8,6 +13,30 @@
 #include "platform/posix/backlog.h"
 #include "support/bytes.h"
 #include "support/real_peers.h"
+
+namespace {
+
+/// TCGETS2, whose header and that of pseudo terminals exclude each other.
+constexpr unsigned long askSettings = 0x802C'542A;
+
+/// Requests that fail in this thread, and with what.
+thread_local std::set<unsigned long> refused;
+thread_local int refusal = 0;
+
+}  // namespace
+
+/// In front of the system's own.
+extern "C" int ioctl(int fd, unsigned long request, ...) noexcept {
+  if (refused.contains(request)) {
+    errno = refusal;
+    return -1;
+  }
+  va_list arguments;
+  va_start(arguments, request);
+  void* const argument = va_arg(arguments, void*);
+  va_end(arguments);
+  return static_cast<int>(syscall(SYS_ioctl, fd, request, argument));
+}
 
 namespace velk::platform {
 namespace {
@@ -34,6 +63,7 @@ class PosixPort : public testing::Test {
   Host& host = threadHost();
   SerialPort& port = host.port();
   void TearDown() override {
+    refused.clear();
     if (port.isOpen()) port.close();
   }
 };
@@ -143,6 +173,34 @@ TEST_F(PosixPort, VanishedDeviceIsAnErrorNotAHang) {
   port.close();
 }
 
+TEST_F(PosixPort, ALineWithoutABreakIsNoFailure) {
+  const Pty pty;
+  port.open(Pty::number, {});
+  for (const int error : {EOPNOTSUPP, EPIPE, EINVAL, EIO}) {
+    refusal = error;
+    refused = {TIOCSBRK, TIOCCBRK};
+    EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 0) << error;
+    EXPECT_EQ(errorOf([&] { port.setBreak(false); }), 0) << error;
+    refused = {TIOCSBRK, TIOCCBRK, askSettings};
+    EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 8020) << error << ", and the device is gone";
+    refused = {TIOCCBRK, askSettings};
+    EXPECT_EQ(errorOf([&] { port.setBreak(false); }), 8020) << error << ", gone since the break began";
+  }
+}
+
+TEST_F(PosixPort, TheBreakStaysWantedUntilTheLineHasTakenItOrHasNone) {
+  const Pty pty;
+  Serial serial;
+  ASSERT_EQ(serial.OpenCom(Pty::number), 0);
+  refusal = EOPNOTSUPP;
+  refused = {TIOCSBRK, askSettings};
+  EXPECT_EQ(errorOf([&] { serial.ReadCom(1, 5, 1, "V", 1); }), 8020);
+  EXPECT_TRUE(serial.FlgBreak);
+  refused = {TIOCSBRK, TIOCCBRK};
+  EXPECT_EQ(serial.ReadCom(1, 5, 1, "V", 1), Bytes(1, '\xFE')) << "sent, but this far end does not echo";
+  EXPECT_FALSE(serial.FlgBreak);
+}
+
 TEST_F(PosixPort, OpensWithEverySettingThatCanBeNamed) {
   const Pty pty;
   for (const char* settings : {"300,N,5,1", "1200,E,6,1.5", "19200,O,7,2", "9600,M,8,1", "115200,S,8,1"}) {
@@ -227,7 +285,8 @@ TEST_F(PosixSocket, RefusedUnknownAndUnconnected) {
   EXPECT_EQ(errorOf([&] { socket.receive(); }), 40006);
   Listener listener;
   listener.stop();
-  for (const std::string& name : {std::string("127.0.0.1"), std::string(), Bytes("a\0b", 3)}) {
+  for (const std::string& name : {std::string("127.0.0.1"), std::string(), Bytes("a\0b", 3),
+                                  Bytes("127.0.0.1\0b", 11)}) {
     socket.connect(name, listener.port);
     goOn([&] { return socket.isDead(); });
     EXPECT_TRUE(socket.isDead()) << name;
@@ -235,6 +294,21 @@ TEST_F(PosixSocket, RefusedUnknownAndUnconnected) {
     socket.close();
     EXPECT_FALSE(socket.isOpen());
   }
+}
+
+/// No descriptor left is one way in which a look-up cannot be started.
+TEST_F(PosixSocket, ALookUpThatCannotBeStartedLeavesItClosed) {
+  const int before = openDevices();
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  const int error = errorOf([&] { socket.connect("localhost", 1); });
+  setrlimit(RLIMIT_NOFILE, &limit);
+  EXPECT_EQ(error, 7);
+  EXPECT_FALSE(socket.isOpen());
+  EXPECT_EQ(openDevices(), before);
+  socket.connect("127.0.0.1", 1);
 }
 
 TEST_F(PosixSocket, RefusedConnectionEndsOpenTcpAtOnce) {

@@ -8,6 +8,8 @@
 #include <system_error>
 #include <thread>
 
+#include "values/runtime_error.h"
+
 namespace velk::platform {
 
 struct Lookup::Shared {
@@ -38,14 +40,15 @@ std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port, 
 }  // namespace
 
 Lookup::Lookup(const std::string& host, std::uint16_t port) : shared_(std::make_shared<Shared>()) {
-  shared_->addresses = resolve(host, port, AI_NUMERICHOST);
   // An empty host or one with a zero byte inside is no name to ask for.
   const bool askable = !host.empty() && host.find('\0') == std::string::npos;
+  if (askable) shared_->addresses = resolve(host, port, AI_NUMERICHOST);
   if (!shared_->addresses.empty() || !askable) {
     shared_->finished = true;
     return;
   }
   shared_->done = Fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+  if (!shared_->done) throw RuntimeError(RuntimeError::outOfMemory);
   try {
     std::thread([shared = shared_, host, port] {
       shared->addresses = resolve(host, port, 0);
@@ -53,7 +56,7 @@ Lookup::Lookup(const std::string& host, std::uint16_t port) : shared_(std::make_
       eventfd_write(shared->done.get(), 1);
     }).detach();
   } catch (const std::system_error&) {
-    shared_->finished = true;  // no thread to be had: the name stays unknown
+    throw RuntimeError(RuntimeError::outOfMemory);  // no thread to be had
   }
 }
 

@@ -21,6 +21,7 @@ struct SocketAddress {
 /// a thread of their own that outlives the lookup if it has to.
 class Lookup {
  public:
+  /// Error 7 when the system has nothing left to ask with.
   Lookup(const std::string& host, std::uint16_t port);
 
   /// Readable once the lookup has ended; -1 when it was there at once.

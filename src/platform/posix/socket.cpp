@@ -29,9 +29,9 @@ constexpr std::chrono::milliseconds shortWait(100);
 
 void PosixSocket::connect(const std::string& host, std::uint16_t port) {
   if (state_ != State::closed) throw RuntimeError(RuntimeError::socketNotClosed);
+  lookup_.emplace(host, port);
   deviceOpened();
   state_ = State::resolving;
-  lookup_.emplace(host, port);
   if (lookup_->finished()) advance(0);
 }
 

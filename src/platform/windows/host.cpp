@@ -6,7 +6,9 @@
 #include <new>
 
 #include "platform/windows/port.h"
+#include "platform/windows/process.h"
 #include "platform/windows/socket.h"
+#include "platform/windows/system_function.h"
 
 namespace velk::platform {
 namespace {
@@ -62,10 +64,14 @@ void waitWithMessages(HANDLE event, DWORD longest) {
 class WindowsHost final : public Host {
  public:
   float clock() override {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    const int seconds = (now.wHour * 60 + now.wMinute) * 60 + now.wSecond;
-    return static_cast<float>(seconds + now.wMilliseconds / 1000.0);
+    FILETIME now;
+    FILETIME local;
+    systemTime_(&now);
+    FileTimeToLocalFileTime(&now, &local);
+    const ULARGE_INTEGER ticks{.LowPart = local.dwLowDateTime, .HighPart = local.dwHighDateTime};
+    constexpr ULONGLONG second = 10'000'000;
+    constexpr ULONGLONG day = 86400 * second;
+    return static_cast<float>(static_cast<double>(ticks.QuadPart % day) / second);
   }
 
   nanoseconds steady() override {
@@ -79,6 +85,7 @@ class WindowsHost final : public Host {
 
   void block(Source source, nanoseconds longest, Messages messages) override {
     if (messages == Messages::dispatched) dispatchWhenDue();
+    if (source == Source::socket && socket_.isDead()) return;
     if (source != Source::socket || !socket_.startReceiving()) {
       const auto wait = messages == Messages::dispatched ? waitWithMessages : waitHoldingMessages;
       wait(eventOf(source), wholeMilliseconds(longest));
@@ -104,23 +111,34 @@ class WindowsHost final : public Host {
     return frequency.QuadPart;
   }
 
+  /// The clock that counts finer than the system's ticks, which Windows has from version 8 on; else the other.
+  using SystemTime = void(WINAPI*)(FILETIME*);
+  static SystemTime systemTime() {
+    const auto precise = systemFunction<SystemTime>(L"kernel32.dll", "GetSystemTimePreciseAsFileTime");
+    return precise != nullptr ? precise : &GetSystemTimeAsFileTime;
+  }
+
   [[nodiscard]] HANDLE eventOf(Source source) const {
     if (source == Source::nothing) return nullptr;
     return source == Source::socket ? socket_.event() : port_.event();
   }
 
   const long long ticksPerSecond_ = ticksPerSecond();
+  const SystemTime systemTime_ = systemTime();
   nanoseconds dispatched_ = nanoseconds::min() / 2;
   WindowsSerialPort port_;
   WindowsSocket socket_;
 };
 
 /// The hosts of all threads. Each ends with its thread, or with this module where that is unloaded earlier: a
-/// `thread_local` object would keep the module loaded for ever.
+/// `thread_local` object would keep the module loaded for ever. At the end of the process they are left to the
+/// system.
 class ThreadHosts {
  public:
   ThreadHosts() : slot_(FlsAlloc(end)) {}
-  ~ThreadHosts() { FlsFree(slot_); }
+  ~ThreadHosts() {
+    if (!processIsEnding()) FlsFree(slot_);
+  }
   ThreadHosts(const ThreadHosts&) = delete;
   ThreadHosts& operator=(const ThreadHosts&) = delete;
 
@@ -132,7 +150,9 @@ class ThreadHosts {
   }
 
  private:
-  static void WINAPI end(void* host) { delete static_cast<WindowsHost*>(host); }
+  static void WINAPI end(void* host) {
+    if (!processIsEnding()) delete static_cast<WindowsHost*>(host);
+  }
 
   DWORD slot_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/devices.h"
+#include "platform/windows/comm_state.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
@@ -13,6 +14,12 @@ constexpr DWORD writePatience = 1000;  // ms
 
 /// How long a driver may take to hand over bytes that it says it has.
 constexpr DWORD handOverPatience = 100;  // ms
+
+/// One call of `read` gives about this much of a flood.
+constexpr std::size_t mostRead = 65536;
+
+/// Long data go out in pieces: a piece that is taken is progress.
+constexpr std::size_t pieceWritten = 64;
 
 std::string devicePath(int number) {
   const auto mapped = mappedPort(number);
@@ -28,44 +35,22 @@ Handle openDevice(const std::string& path) {
   throw RuntimeError(taken ? RuntimeError::portAlreadyOpen : RuntimeError::invalidPortNumber);
 }
 
-BYTE parityCode(char parity) {
-  switch (parity) {
-    case 'E':
-      return EVENPARITY;
-    case 'O':
-      return ODDPARITY;
-    case 'M':
-      return MARKPARITY;
-    case 'S':
-      return SPACEPARITY;
-    default:
-      return NOPARITY;
-  }
-}
-
-BYTE stopCode(double stopBits) {
-  if (stopBits == 1) return ONESTOPBIT;
-  return stopBits < 2 ? ONE5STOPBITS : TWOSTOPBITS;
+/// False when the port is gone, or is no serial port.
+bool getState(HANDLE port, DCB& state) {
+  state = DCB{};
+  state.DCBlength = sizeof state;
+  return GetCommState(port, &state) != 0;
 }
 
 void configure(HANDLE port, const SerialSettings& settings) {
-  DCB dcb{};
-  dcb.DCBlength = sizeof dcb;
-  if (GetCommState(port, &dcb) == 0) throw RuntimeError(RuntimeError::invalidPortNumber);  // no serial device
-  dcb = DCB{};
-  dcb.DCBlength = sizeof dcb;
-  dcb.BaudRate = static_cast<DWORD>(settings.baud);
-  dcb.fBinary = TRUE;
-  dcb.fParity = settings.parity != 'N';
-  dcb.fDtrControl = DTR_CONTROL_ENABLE;
-  dcb.fRtsControl = RTS_CONTROL_ENABLE;
-  dcb.ByteSize = static_cast<BYTE>(settings.dataBits);
-  dcb.Parity = parityCode(settings.parity);
-  dcb.StopBits = stopCode(settings.stopBits);
-  if (SetCommState(port, &dcb) == 0) throw RuntimeError(RuntimeError::invalidPropertyValue);
+  DCB state;
+  if (!getState(port, state)) throw RuntimeError(RuntimeError::invalidPortNumber);
+  apply(settings, state);
   // No time-outs: a read ends with its last byte and never empty-handed.
   COMMTIMEOUTS none{};
-  SetCommTimeouts(port, &none);
+  if (SetCommState(port, &state) == 0 || SetCommTimeouts(port, &none) == 0) {
+    throw RuntimeError(RuntimeError::invalidPropertyValue);
+  }
 }
 
 }  // namespace
@@ -96,34 +81,45 @@ void WindowsSerialPort::close() {
 std::string_view WindowsSerialPort::read() {
   requireOpen();
   received_.clear();
-  while (reading_.state() != Transfer::State::running) {
+  while (received_.size() < mostRead && reading_.state() != Transfer::State::running) {
     if (reading_.state() != Transfer::State::done || reading_.bytes().empty()) {
       throw RuntimeError(RuntimeError::deviceFailed);
     }
     received_ += reading_.bytes();
-    const std::size_t rest = waiting();
+    const std::size_t rest = std::min(waiting(), mostRead);
     reading_.read(port_.get(), std::max<std::size_t>(rest, 1));
     if (rest > 0) reading_.wait(handOverPatience);
   }
   return received_;
 }
 
+/// Returns with the last byte on its way out of the driver.
 void WindowsSerialPort::write(std::string_view bytes) {
   requireOpen();
-  writing_.write(port_.get(), bytes);
-  if (!writing_.wait(writePatience + static_cast<DWORD>(bytes.size()) * byteTime_)) {
+  while (!bytes.empty()) {
+    const std::string_view piece = bytes.substr(0, pieceWritten);
+    writePiece(piece);
+    bytes.remove_prefix(piece.size());
+  }
+}
+
+void WindowsSerialPort::writePiece(std::string_view piece) {
+  writing_.write(port_.get(), piece);
+  if (!writing_.wait(writePatience + static_cast<DWORD>(piece.size()) * byteTime_)) {
     writing_.cancel();
     throw RuntimeError(RuntimeError::deviceBusy);
   }
-  const bool written = writing_.state() == Transfer::State::done && writing_.bytes().size() == bytes.size();
+  const bool written = writing_.state() == Transfer::State::done && writing_.bytes().size() == piece.size();
   if (!written) throw RuntimeError(RuntimeError::deviceFailed);
 }
 
 void WindowsSerialPort::setBreak(bool on) {
   requireOpen();
-  if (EscapeCommFunction(port_.get(), on ? SETBREAK : CLRBREAK) == 0) {
-    throw RuntimeError(RuntimeError::deviceFailed);
-  }
+  if (EscapeCommFunction(port_.get(), on ? SETBREAK : CLRBREAK) != 0) return;
+  // The codes for a driver that knows no break are many, and some of them a device that is gone gives, too. One
+  // that is there knows its settings.
+  DCB state;
+  if (!getState(port_.get(), state)) throw RuntimeError(RuntimeError::deviceFailed);
 }
 
 void WindowsSerialPort::requireOpen() const {

@@ -26,6 +26,7 @@ class WindowsSerialPort final : public SerialPort {
  private:
   void requireOpen() const;
   void release();
+  void writePiece(std::string_view piece);
   [[nodiscard]] std::size_t waiting() const;
 
   Handle port_;

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <functional>
 
+#include "values/runtime_error.h"
+
 namespace velk::platform {
 
 struct Lookup::Shared {
@@ -71,7 +73,7 @@ void Lookup::Shared::askInBackground(const std::shared_ptr<Shared>& shared) {
     static_cast<void>(question.release());
   } else {
     FreeLibrary(question->module);
-    shared->finish();
+    throw RuntimeError(RuntimeError::outOfMemory);
   }
 }
 
@@ -86,6 +88,7 @@ Lookup::Lookup(const std::string& host, std::uint16_t port) : shared_(std::make_
     shared_->finish();
   } else {
     shared_->done = makeEvent();
+    if (!shared_->done) throw RuntimeError(RuntimeError::outOfMemory);
     Shared::askInBackground(shared_);
   }
 }

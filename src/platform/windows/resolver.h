@@ -19,6 +19,7 @@ struct SocketAddress {
 /// a thread of their own that outlives the lookup if it has to.
 class Lookup {
  public:
+  /// Error 7 when the system has nothing left to ask with.
   Lookup(const std::string& host, std::uint16_t port);
 
   /// Signalled once the lookup has ended; null when it was there at once.

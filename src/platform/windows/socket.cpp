@@ -44,9 +44,9 @@ bool becomesWritable(SOCKET socket) {
 void WindowsSocket::connect(const std::string& host, std::uint16_t port) {
   if (state_ != State::closed) throw RuntimeError(RuntimeError::socketNotClosed);
   startWinsock();
+  lookup_.emplace(host, port);
   deviceOpened();
   state_ = State::resolving;
-  lookup_.emplace(host, port);
   if (lookup_->finished()) advance();
 }
 
