@@ -61,8 +61,8 @@ void await(platform::Host& host, Seconds delay, platform::Source source, platfor
   await(host, deadline, deadline.whole(), source, messages, done);
 }
 
-/// Waits out a delay, which ends early at midnight alone: nothing could answer it, so the steps of the clock of
-/// seconds since midnight have no say.
+/// Waits out a delay, which ends early at midnight alone: nothing could answer it, so the steps of the clock
+/// of seconds since midnight have no say.
 void pause(platform::Host& host, Seconds delay, platform::Messages messages);
 
 }  // namespace velk::link

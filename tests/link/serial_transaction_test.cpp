@@ -222,7 +222,8 @@ TEST_F(SerialLink, WaitsAreExactLateInTheDay) {
   EXPECT_NEAR(static_cast<double>(spent().count()), 1000, 8);
 }
 
-/// In the evening the clock of seconds since midnight steps by 7.8 ms. A pause must not become shorter by that.
+/// In the evening the clock of seconds since midnight steps by 7.8 ms. A pause must not become shorter by
+/// that.
 TEST_F(SerialLink, PausesLastTheirTimeAtEveryHourAndEndAtMidnight) {
   openSerial(true);
   host.longestBlock = 1ms;

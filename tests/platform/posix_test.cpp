@@ -285,8 +285,8 @@ TEST_F(PosixSocket, RefusedUnknownAndUnconnected) {
   EXPECT_EQ(errorOf([&] { socket.receive(); }), 40006);
   Listener listener;
   listener.stop();
-  for (const std::string& name : {std::string("127.0.0.1"), std::string(), Bytes("a\0b", 3),
-                                  Bytes("127.0.0.1\0b", 11)}) {
+  for (const std::string& name :
+       {std::string("127.0.0.1"), std::string(), Bytes("a\0b", 3), Bytes("127.0.0.1\0b", 11)}) {
     socket.connect(name, listener.port);
     goOn([&] { return socket.isDead(); });
     EXPECT_TRUE(socket.isDead()) << name;

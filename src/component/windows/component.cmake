@@ -55,4 +55,5 @@ target_link_libraries(VelkCom PRIVATE ${component_libraries})
 
 if(BUILD_TESTING)
   add_subdirectory(tests/hosts)
+  add_subdirectory(tests/platform/windows)
 endif()

@@ -111,7 +111,8 @@ class WindowsHost final : public Host {
     return frequency.QuadPart;
   }
 
-  /// The clock that counts finer than the system's ticks, which Windows has from version 8 on; else the other.
+  /// The clock that counts finer than the system's ticks, which Windows has from version 8 on; else the
+  /// other.
   using SystemTime = void(WINAPI*)(FILETIME*);
   static SystemTime systemTime() {
     const auto precise = systemFunction<SystemTime>(L"kernel32.dll", "GetSystemTimePreciseAsFileTime");
@@ -131,8 +132,8 @@ class WindowsHost final : public Host {
 };
 
 /// The hosts of all threads. Each ends with its thread, or with this module where that is unloaded earlier: a
-/// `thread_local` object would keep the module loaded for ever. At the end of the process they are left to the
-/// system.
+/// `thread_local` object would keep the module loaded for ever. At the end of the process they are left to
+/// the system.
 class ThreadHosts {
  public:
   ThreadHosts() : slot_(FlsAlloc(end)) {}

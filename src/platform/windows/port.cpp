@@ -116,8 +116,8 @@ void WindowsSerialPort::writePiece(std::string_view piece) {
 void WindowsSerialPort::setBreak(bool on) {
   requireOpen();
   if (EscapeCommFunction(port_.get(), on ? SETBREAK : CLRBREAK) != 0) return;
-  // The codes for a driver that knows no break are many, and some of them a device that is gone gives, too. One
-  // that is there knows its settings.
+  // The codes for a driver that knows no break are many, and some of them a device that is gone gives, too.
+  // One that is there knows its settings.
   DCB state;
   if (!getState(port_.get(), state)) throw RuntimeError(RuntimeError::deviceFailed);
 }

@@ -1,0 +1,163 @@
+// The clock, the waits and the look-ups of a thread's host, with the system's calls in the test's hands.
+
+#include "platform/host.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+#include <thread>
+
+#include "link/wait.h"
+#include "support/bytes.h"
+#include "support/windows/patched_import.h"
+
+namespace velk::platform {
+namespace {
+
+using namespace std::chrono_literals;
+using test::errorOf;
+using test::PatchedImport;
+
+constexpr ULONGLONG second = 10'000'000;
+constexpr ULONGLONG day = 86400 * second;
+constexpr ULONGLONG evening = 150'000 * day + 20 * 3600 * second;  // 20:00
+
+FILETIME fileTime(ULONGLONG ticks) {
+  return {.dwLowDateTime = static_cast<DWORD>(ticks), .dwHighDateTime = static_cast<DWORD>(ticks >> 32U)};
+}
+
+ULONGLONG ticksOf(const FILETIME& time) {
+  return (static_cast<ULONGLONG>(time.dwHighDateTime) << 32U) + time.dwLowDateTime;
+}
+
+void WINAPI preciseTime(LPFILETIME time) {
+  *time = fileTime(evening + second / 4);
+}
+
+/// A clock that moves with the ticks of 15.6 ms, as that of Windows 7 does.
+void WINAPI tickingTime(LPFILETIME time) {
+  constexpr ULONGLONG tick = 156'250;
+  LARGE_INTEGER count;
+  LARGE_INTEGER frequency;
+  QueryPerformanceCounter(&count);
+  QueryPerformanceFrequency(&frequency);
+  const auto now = static_cast<ULONGLONG>(static_cast<long double>(count.QuadPart) /
+                                          static_cast<long double>(frequency.QuadPart) * second);
+  *time = fileTime(evening + now % (3600 * second) / tick * tick);
+}
+
+/// Two hours east of Greenwich.
+BOOL WINAPI localTime(const FILETIME* utc, LPFILETIME local) {
+  EXPECT_NE(utc, local) << "the system does not take the same place for both";
+  *local = fileTime(ticksOf(*utc) + 2 * 3600 * second);
+  return TRUE;
+}
+
+BOOL WINAPI sameTime(const FILETIME* utc, LPFILETIME local) {
+  *local = *utc;
+  return TRUE;
+}
+
+bool isWindows7 = false;
+
+/// Asked for by name: the compiler would take its address from the import that is patched.
+const auto systemsOwnFind = reinterpret_cast<decltype(&GetProcAddress)>(
+    reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetProcAddress")));
+
+FARPROC WINAPI find(HMODULE module, LPCSTR name) {
+  using namespace std::string_view_literals;
+  if (name != "GetSystemTimePreciseAsFileTime"sv) return systemsOwnFind(module, name);
+  return isWindows7 ? nullptr : reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&preciseTime));
+}
+
+/// Runs a step on a thread of its own, whose host is a new one.
+template <class Step>
+void onNewThread(Step step) {
+  std::thread(step).join();
+}
+
+TEST(WindowsHost, TheClockIsThePreciseOneInLocalTime) {
+  const PatchedImport local = VELK_PATCH("kernel32.dll", FileTimeToLocalFileTime, localTime);
+  const PatchedImport lookUp = VELK_PATCH("kernel32.dll", GetProcAddress, find);
+  const PatchedImport coarse = VELK_PATCH("kernel32.dll", GetSystemTimeAsFileTime, tickingTime);
+  ASSERT_TRUE(local.isThere() && lookUp.isThere() && coarse.isThere());
+  isWindows7 = false;
+  onNewThread([] { EXPECT_EQ(threadHost().clock(), 22 * 3600 + 0.25F); });
+  isWindows7 = true;
+  onNewThread([] {
+    EXPECT_GE(threadHost().clock(), 22 * 3600.0F);
+    EXPECT_LT(threadHost().clock(), 23 * 3600.0F);
+  });
+}
+
+/// Where the clock moves with the ticks alone, and in the evening, where single precision steps by 7.8 ms.
+TEST(WindowsHost, APauseLastsItsTimeWhateverTheClockDoes) {
+  const PatchedImport local = VELK_PATCH("kernel32.dll", FileTimeToLocalFileTime, sameTime);
+  const PatchedImport lookUp = VELK_PATCH("kernel32.dll", GetProcAddress, find);
+  const PatchedImport coarse = VELK_PATCH("kernel32.dll", GetSystemTimeAsFileTime, tickingTime);
+  isWindows7 = true;
+  onNewThread([] {
+    for (int i = 0; i < 30; ++i) {
+      const auto start = threadHost().steady();
+      link::pause(threadHost(), link::Seconds(0.01), Messages::held);
+      EXPECT_GE(threadHost().steady() - start, 10ms);
+    }
+  });
+}
+
+bool waited = false;
+void WINAPI sleep(DWORD) {
+  waited = true;
+}
+DWORD WINAPI waitForMessages(DWORD, const HANDLE*, DWORD, DWORD, DWORD) {
+  waited = true;
+  return WAIT_TIMEOUT;
+}
+
+TEST(WindowsHost, NothingToWaitForEndsAWaitAtOnce) {
+  const PatchedImport sleeping = VELK_PATCH("kernel32.dll", Sleep, sleep);
+  const PatchedImport messages = VELK_PATCH("user32.dll", MsgWaitForMultipleObjectsEx, waitForMessages);
+  ASSERT_TRUE(sleeping.isThere() && messages.isThere());
+  Host& host = threadHost();
+  for (const char* const name : {"-", ""}) {
+    if (*name == '\0') host.socket().connect(name, 1);
+    for (const auto how : {Messages::held, Messages::dispatched}) {
+      waited = false;
+      host.block(Source::socket, 10s, how);
+      EXPECT_FALSE(waited) << name;
+    }
+  }
+  EXPECT_TRUE(host.socket().isDead());
+  host.socket().close();
+}
+
+HANDLE WINAPI noThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD) {
+  return nullptr;
+}
+HANDLE WINAPI noEvent(LPSECURITY_ATTRIBUTES, BOOL, BOOL, LPCWSTR) {
+  return nullptr;
+}
+
+TEST(WindowsHost, ALookUpThatCannotBeStartedLeavesTheSocketClosed) {
+  Socket& socket = threadHost().socket();
+  const auto fails = [&] {
+    EXPECT_EQ(errorOf([&] { socket.connect("localhost", 1); }), 7);
+    EXPECT_FALSE(socket.isOpen());
+    EXPECT_EQ(openDevices(), 0);
+  };
+  {
+    const PatchedImport thread = VELK_PATCH("kernel32.dll", CreateThread, noThread);
+    ASSERT_TRUE(thread.isThere());
+    fails();
+  }
+  {
+    const PatchedImport event = VELK_PATCH("kernel32.dll", CreateEventW, noEvent);
+    ASSERT_TRUE(event.isThere());
+    fails();
+  }
+  socket.connect("127.0.0.1", 1);
+  socket.close();
+}
+
+}  // namespace
+}  // namespace velk::platform
