@@ -208,17 +208,17 @@ registration() {
 
 # --- Hosts
 
-typed_client() {
+test_program() { # test_program NAME: runs a program of tests
   VELK_TCP_PORT=$port_q VELK_TCP_S_PORT=$port_s VELK_ECHO_PORT=5 VELK_FAST_PORT=6 VELK_SILENT_PORT=$(cat "$work/silent.log") \
-    wine_run "$build/bin/typed_client.exe" --gtest_color=no >"$work/typed_client.log"
+    wine_run "$build/bin/$1.exe" --gtest_color=no >"$work/$1.log"
   status=$?
-  tr -d '\r' <"$work/typed_client.log" | sed -n \
-    -e 's/^\[       OK \] \(.*\) (.*/ok \1/p' -e 's/^\[  FAILED  \] \(.*\) (.*ms)$/FAILED \1/p' >"$work/typed_client.checks"
-  [ $status -eq 0 ] || tr -d '\r' <"$work/typed_client.log" | grep -A12 ': Failure'
-  count_lines "$work/typed_client.checks"
-  sed -n 's,^\([^ ]*\) Cpp/EachWay.readsAnOutput/\([^_]*\)_\(.*\)$,C++_\2 \3 \1,p' "$work/typed_client.checks" >>"$work/outcomes"
-  grep -q '  PASSED  ' "$work/typed_client.log"
-  report $? "typed client ran to its end"
+  tr -d '\r' <"$work/$1.log" | sed -n \
+    -e 's/^\[       OK \] \(.*\) (.*/ok \1/p' -e 's/^\[  FAILED  \] \(.*\) (.*ms)$/FAILED \1/p' >"$work/$1.checks"
+  [ $status -eq 0 ] || tr -d '\r' <"$work/$1.log" | grep -A12 ': Failure'
+  count_lines "$work/$1.checks"
+  sed -n 's,^\([^ ]*\) Cpp/EachWay.readsAnOutput/\([^_]*\)_\(.*\)$,C++_\2 \3 \1,p' "$work/$1.checks" >>"$work/outcomes"
+  grep -q '  PASSED  ' "$work/$1.log"
+  report $? "$1 ran to its end"
 }
 
 [ -x "$sim" ] || { echo "$0: no simulated controller at $sim; build the preset linux first" >&2; exit 2; }
@@ -230,7 +230,8 @@ rm -f "$work/outcomes"
 registration
 start_controller
 start_silent_peer
-typed_client
+test_program platform_tests
+test_program typed_client
 script values.vbs
 script values.js
 for hosts in link.vbs link.js configuration.vbs; do
