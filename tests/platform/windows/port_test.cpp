@@ -97,6 +97,7 @@ BOOL WINAPI cancelIoEx(HANDLE, LPOVERLAPPED overlapped) {
 
 /// No time passes in a test.
 DWORD WINAPI waitForSingleObject(HANDLE event, DWORD longest) {
+  if (longest == INFINITE) return WaitForSingleObjectEx(event, longest, FALSE);  // not the port's
   driver.patience.push_back(longest);
   return WaitForSingleObjectEx(event, 0, FALSE);
 }
