@@ -17,8 +17,8 @@ class Socket {
   virtual ~Socket() = default;
 
   /// Starts connecting to a host name or address and returns at once; `Host::block` carries the attempt on.
-  /// Errors: 40020 the socket is in use; 7 the system has nothing left to look the name up with, and the socket
-  /// stays closed.
+  /// Errors: 40020 the socket is in use; 7 the system has nothing left to look the name up with, and the
+  /// socket stays closed.
   virtual void connect(const std::string& host, std::uint16_t port) = 0;
 
   /// Closes the socket, whatever its state.
