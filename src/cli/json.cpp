@@ -1,6 +1,7 @@
 #include "cli/json.h"
 
 #include <algorithm>
+#include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <set>
@@ -17,19 +18,12 @@ struct Overload : Functions... {
 template <class... Functions>
 Overload(Functions...) -> Overload<Functions...>;
 
-template <class T>
-constexpr const char* kindName = "";
-template <>
-constexpr const char* kindName<bool> = "true or false";
-template <>
-constexpr const char* kindName<std::string> = "text";
-template <>
-constexpr const char* kindName<Json::Array> = "array";
-template <>
-constexpr const char* kindName<Json::Object> = "object";
+/// By their places in the variant of the value.
+constexpr std::array kindNames{"null",   "true or false", "a whole number", "a number",
+                               "a text", "an array",      "an object"};
 
 /// Refuses what the library would take: a name twice in one object, of which it would keep the last value,
-/// and nesting so deep that nobody wrote it.
+/// and nesting so deep that nobody wrote it: values are copied, printed and destroyed by recursion.
 class Names {
  public:
   void check(int depth, Library::parse_event_t event, const Library& value) {
@@ -104,19 +98,24 @@ struct JsonLibrary {
   static Json fromArray(const Library& library) {
     Json::Array array;
     for (const Library& element : library) array.push_back(from(element));
-    Json json;
-    json.value_ = std::move(array);
-    return json;
+    return Json::of(std::move(array));
   }
 
   static Json fromObject(const Library& library) {
     Json::Object object;
     for (const auto& [name, value] : library.items()) object.emplace_back(name, from(value));
-    Json json;
-    json.value_ = std::move(object);
-    return json;
+    return Json::of(std::move(object));
   }
 };
+
+Json::Json(std::nullptr_t) {}
+Json::Json(double value) : value_(value) {}
+Json::Json(const std::vector<std::string>& texts) : value_(Array(texts.begin(), texts.end())) {}
+Json::Json(const Json& other) = default;
+Json::Json(Json&& other) noexcept = default;
+Json& Json::operator=(const Json& other) = default;
+Json& Json::operator=(Json&& other) noexcept = default;
+Json::~Json() = default;
 
 Json::Json(std::initializer_list<Json> values) {
   const bool isObject = std::all_of(values.begin(), values.end(), [](const Json& value) {
@@ -133,10 +132,30 @@ Json::Json(std::initializer_list<Json> values) {
   value_ = std::move(object);
 }
 
-Json Json::object() {
+Json Json::of(Value value) {
   Json json;
-  json.value_ = Object();
+  json.value_ = std::move(value);
   return json;
+}
+
+Json Json::ofBool(bool value) {
+  return of(value);
+}
+
+Json Json::ofInteger(std::int64_t value) {
+  return of(value);
+}
+
+Json Json::ofText(std::string_view text) {
+  return of(std::string(text));
+}
+
+Json Json::array() {
+  return of(Array());
+}
+
+Json Json::object() {
+  return of(Object());
 }
 
 Json Json::parse(std::istream& in) {
@@ -184,20 +203,32 @@ const Json& Json::at(std::string_view name) const {
 template <class T>
 const T& Json::held() const {
   if (const T* const value = std::get_if<T>(&value_)) return *value;
-  throw JsonError("\"" + dump().substr(0, 40) + "\" stands where a " + kindName<T> + " should");
+  throw JsonError(std::string(kindNames.at(Value(T()).index())) + " is expected, not " +
+                  kindNames.at(value_.index()));
+}
+
+bool Json::boolean() const {
+  return held<bool>();
+}
+
+const std::string& Json::text() const {
+  return held<std::string>();
+}
+
+const Json::Array& Json::elements() const {
+  return held<Array>();
+}
+
+const Json::Object& Json::items() const {
+  return held<Object>();
 }
 
 std::int64_t Json::integer(std::int64_t least, std::int64_t most) const {
-  const auto* const value = std::get_if<std::int64_t>(&value_);
-  if (value != nullptr && *value >= least && *value <= most) return *value;
-  throw JsonError(dump() + " stands where a number from " + std::to_string(least) + " to " +
-                  std::to_string(most) + " should");
+  const std::int64_t value = held<std::int64_t>();
+  if (value >= least && value <= most) return value;
+  throw JsonError("a number from " + std::to_string(least) + " to " + std::to_string(most) +
+                  " is expected, not " + std::to_string(value));
 }
-
-template const bool& Json::held() const;
-template const std::string& Json::held() const;
-template const Json::Array& Json::held() const;
-template const Json::Object& Json::held() const;
 
 std::ostream& operator<<(std::ostream& out, const Json& json) {
   return out << json.dump();

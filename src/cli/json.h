@@ -20,7 +20,7 @@ struct JsonError : std::invalid_argument {
 };
 
 /// A JSON value. Objects keep the order of their members. json.cpp alone sees the library that reads and
-/// prints: it costs a compiler seconds in each file.
+/// prints: it costs a compiler seconds in each file. For the same reason little stands inline here.
 class Json {
  public:
   using Array = std::vector<Json>;
@@ -29,24 +29,27 @@ class Json {
 
   // Values stand in lists as they are: {"preset", preset.number}.
   // NOLINTBEGIN(google-explicit-constructor)
-  Json(std::nullptr_t = nullptr) {}
-  template <std::same_as<bool> T>
-  Json(T value) : value_(value) {}
+  Json(std::nullptr_t = nullptr);
   template <std::integral T>
-  requires(!std::same_as<T, bool>) Json(T value) : value_(static_cast<std::int64_t>(value)) {}
-  Json(double value) : value_(value) {}
+  Json(T value)
+      : Json(std::same_as<T, bool> ? ofBool(value != 0) : ofInteger(static_cast<std::int64_t>(value))) {}
+  Json(double value);
   template <std::convertible_to<std::string_view> T>
-  requires(!std::same_as<T, std::nullptr_t>) Json(const T& text)
-      : value_(std::string(std::string_view(text))) {}
-  template <class T>
-  Json(const std::vector<T>& values) : value_(Array(values.begin(), values.end())) {}
+  Json(const T& text) : Json(ofText(text)) {}
+  Json(const std::vector<std::string>& texts);
   /// An object, if each value is a pair that begins with a text: {{"output", 5}, {"mode", "T1"}}; else an
   /// array: {1, 2}.
   Json(std::initializer_list<Json> values);
   // NOLINTEND(google-explicit-constructor)
 
+  Json(const Json& other);
+  Json(Json&& other) noexcept;
+  Json& operator=(const Json& other);
+  Json& operator=(Json&& other) noexcept;
+  ~Json();
+
   /// Without elements or members, which a list cannot tell.
-  static Json array() { return Json(Array{}); }
+  static Json array();
   static Json object();
 
   /// Throws `JsonError` when the text is no JSON, or an object has a name twice.
@@ -77,17 +80,19 @@ class Json {
   /// The value as a text, a bool or an integer type. Throws `JsonError` when it is none, or out of T's range.
   template <class T>
   [[nodiscard]] T get() const {
-    if constexpr (std::integral<T> && !std::same_as<T, bool>) {
+    if constexpr (std::same_as<T, bool>) {
+      return boolean();
+    } else if constexpr (std::same_as<T, std::string>) {
+      return text();
+    } else {
       static_assert(std::in_range<std::int64_t>(std::numeric_limits<T>::max()));
       return static_cast<T>(integer(std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
-    } else {
-      return held<T>();
     }
   }
 
   /// The elements of an array, the members of an object. Throw `JsonError` when it is none.
-  [[nodiscard]] const Array& elements() const { return held<Array>(); }
-  [[nodiscard]] const Object& items() const { return held<Object>(); }
+  [[nodiscard]] const Array& elements() const;
+  [[nodiscard]] const Object& items() const;
   [[nodiscard]] Array::const_iterator begin() const { return elements().begin(); }
   [[nodiscard]] Array::const_iterator end() const { return elements().end(); }
 
@@ -95,8 +100,15 @@ class Json {
   friend struct JsonLibrary;
   using Value = std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object>;
 
+  static Json of(Value value);
+  static Json ofBool(bool value);
+  static Json ofInteger(std::int64_t value);
+  static Json ofText(std::string_view text);
+
   template <class T>
   [[nodiscard]] const T& held() const;
+  [[nodiscard]] bool boolean() const;
+  [[nodiscard]] const std::string& text() const;
   [[nodiscard]] std::int64_t integer(std::int64_t least, std::int64_t most) const;
 
   Value value_;
