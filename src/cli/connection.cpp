@@ -7,9 +7,11 @@
 
 #include "cli/serial_line.h"
 #include "simulator/clock.h"
+#include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
 #include "simulator/house_modules.h"
+#include "simulator/loopback_host.h"
 
 namespace velk::cli {
 namespace {
@@ -47,6 +49,8 @@ Connection::Connection(const LinkOptions& options) {
   if (!options.tcp.empty()) openTcp(options);
   if (!options.serial.empty()) openSerial(options);
 }
+
+Connection::~Connection() = default;
 
 void Connection::openTcp(const LinkOptions& options) {
   const Endpoint endpoint = parseEndpoint(options.tcp);

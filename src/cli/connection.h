@@ -4,8 +4,11 @@
 #include <string>
 
 #include "component/serial.h"
-#include "simulator/controller.h"
-#include "simulator/loopback_host.h"
+
+namespace velk::simulator {
+class Controller;
+class LoopbackHost;
+}  // namespace velk::simulator
 
 namespace velk::cli {
 
@@ -26,6 +29,9 @@ class Connection {
   /// Opens the link, if one is asked for: `result` tells how that went, like the methods that open it. Throws
   /// std::invalid_argument with a sentence.
   explicit Connection(const LinkOptions& options);
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection();
 
   [[nodiscard]] Serial& serial() { return *serial_; }
   [[nodiscard]] Byte result() const { return result_; }
