@@ -38,23 +38,22 @@ std::optional<char> selectionFor(char field, bool isTranslatedBack) {
   return std::nullopt;
 }
 
-/// What a reading leaves untranslated: a record too short for its fields.
+/// A reading leaves a record as it came that is too short for its fields.
 bool isTranslated(const Bytes& record, const std::vector<Byte>& received) {
   return std::all_of(received.begin(), received.end(),
                      [&](Byte position) { return position <= record.size(); });
 }
 
+/// Turns each field that a write makes a mask of into the number for it. A field that is translated only when
+/// it is read cannot be undone, as its high four bits are not in the record; since no number is its own
+/// reading, the check of the whole finds it.
 Restoration undone(const Subject& subject, const Bytes& record) {
   std::vector<Byte> received = positionsReceived(subject.serieNr, subject.known);
   if (!isTranslated(record, received)) received.clear();
   const std::vector<Byte> sent = positionsSent(subject.serieNr, record.size(), subject.known);
   Bytes data = record;
-  for (const Byte position : received) {
-    // The high four bits of the byte are not in the record.
-    if (!holds(sent, position)) return {.data = {}, .obstacle = lostBits};
-  }
   for (const Byte position : sent) {
-    if (position > record.size()) continue;  // the check of the whole finds it
+    if (position > record.size()) continue;  // found there too
     char& field = data[position - std::size_t{1}];
     const auto selection = selectionFor(field, holds(received, position));
     if (!selection) return {.data = {}, .obstacle = noSelection};
