@@ -1,5 +1,7 @@
 #include "cli/week.h"
 
+#include <algorithm>
+#include <array>
 #include <optional>
 
 #include "cli/commands/command.h"
@@ -27,7 +29,8 @@ std::optional<OutputFile> fileOf(const std::string& path) {
 
 int carryOutWeek(const WeekOptions& options) {
   const LinkOptions link = options.link.required();
-  if ((options.svg == standardStream) + (options.html == standardStream) + options.json > 1) {
+  const std::array onOutput{options.svg == standardStream, options.html == standardStream, options.json};
+  if (std::count(onOutput.begin(), onOutput.end(), true) > 1) {
     throw std::invalid_argument("standard output takes one of --svg, --html and --json");
   }
   auto svg = fileOf(options.svg);
