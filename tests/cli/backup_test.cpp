@@ -288,11 +288,17 @@ TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
   };
   makePart();
   std::string part = (std::stringstream() << std::ifstream(file("a.part")).rdbuf()).str();
-  part.replace(part.find("\"0100\": \"000b"), 14, "\"0100\": \"000c");
-  for (const std::string& text : {part, std::string("{"), part.substr(0, part.size() / 2)}) {
+  part.replace(part.find("\"0100\": \"000b"), 13, "\"0100\": \"000c");
+  const std::pair<std::string, std::string> rows[] = {
+      {part, "was changed after velk wrote it"},
+      {part.substr(0, part.size() / 2), "parse error"},
+      {velk({"backup", "--simulate", "-"}).text, "is not unfinished"},
+  };
+  for (const auto& [text, reason] : rows) {
     std::ofstream(file("a.part")) << text;
-    EXPECT_NE(complaintOf({"backup", "--simulate", file("a")}).find("it is kept as " + file("a.part.")),
-              std::string::npos);
+    const std::string said = complaintOf({"backup", "--simulate", file("a")});
+    EXPECT_NE(said.find(reason), std::string::npos) << said;
+    EXPECT_NE(said.find("it is kept as " + file("a.part.")), std::string::npos) << said;
     EXPECT_EQ(velk({"diff", "--simulate", file("a")}).status, 0) << "nothing of it is in the backup";
     EXPECT_FALSE(fs::exists(file("a.part")));
   }
