@@ -1,6 +1,7 @@
 #include <atomic>
 #include <csignal>
 #include <iostream>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <sstream>
@@ -40,7 +41,7 @@ constexpr const char* examples =
     "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
 
 /// Until a signal comes.
-constexpr double forEver = -1;
+constexpr double forEver = std::numeric_limits<double>::infinity();
 
 struct Options {
   std::vector<std::uint16_t> portsQ;
@@ -155,9 +156,7 @@ void serveSerial(Server& server, const std::string& interface, const std::vector
 void waitForTheEnd(double seconds) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
-  const auto isOver = [&] {
-    return seconds != forEver && std::chrono::duration<double>(Clock::now() - start).count() >= seconds;
-  };
+  const auto isOver = [&] { return std::chrono::duration<double>(Clock::now() - start).count() >= seconds; };
   while (!interrupted && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 
@@ -189,6 +188,8 @@ void serveAll(const Options& options, const SessionOptions& session, Controller&
                 makerOf<simulator::EchoSession>(controller, session));
     serveSerial(server, "fast", options.fast, options.baud,
                 makerOf<simulator::FastSession>(controller, session));
+  } catch (const std::invalid_argument&) {
+    throw;  // the command line is wrong
   } catch (const std::exception& error) {
     throw Failure(noLink, error.what());
   }
@@ -197,7 +198,7 @@ void serveAll(const Options& options, const SessionOptions& session, Controller&
 }
 
 void run(Options& options) {
-  if (options.seconds != forEver && !(options.seconds >= 0)) {
+  if (!(options.seconds >= 0)) {
     throw std::invalid_argument("--for takes a number of seconds from 0 on");
   }
   if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {

@@ -168,7 +168,7 @@ TEST(VelkSimTest, RefusesWhatItCannotDo) {
   EXPECT_EQ(Tool("velk-sim", {"--save", "/nowhere/image"}).wait(), 5);
   EXPECT_EQ(Tool("velk-sim", {"--save", "/dev/full", "--for", "0"}).wait(), 5);
   EXPECT_EQ(Tool("velk-sim", {"--password", "12345", "--for", "0"}).wait(), 2);
-  EXPECT_EQ(Tool("velk-sim", {"--for", "-2"}).wait(), 2);
+  EXPECT_EQ(Tool("velk-sim", {"--for", "-1"}).wait(), 2);
   EXPECT_EQ(Tool("velk-sim", {"--bind", "nobody"}).wait(), 4);
   EXPECT_EQ(Tool("velk-sim", {"--echo", "/nowhere/device"}).wait(), 4);
 }

@@ -125,6 +125,13 @@ program_examples() { # program_examples SUFFIX
 
 # --- The packages
 
+backs_up() { # backs_up PROGRAM: the second backup takes the place of the first, and nothing else is left
+  mkdir -p "$work/backup"
+  cd "$work/backup" &&
+    for _ in 1 2; do wine_run "$1" backup --simulate house.json || return; done &&
+    wine_run "$1" diff house.json house.json && [ "$(ls -A)" = house.json ]
+}
+
 for_everybody() {
   local folder="$drive/Program Files/VelkCom"
   check "silent setup for everybody" install
@@ -137,6 +144,7 @@ for_everybody() {
   program_examples ""
   check "the installed tool reads an output" says '.x00.x05  \(done\)' \
     wine_run "$folder/x64/velk.exe" call --tcp "127.0.0.1:$port" --password pass ReadCom 1 5 1 V
+  check "  and writes a backup, also over an older one" backs_up "$folder/x64/velk.exe"
   touch "$folder/examples/mine.vbs"
   check "setup over an installed version" install
   check "  works" says '61: Holiday +' script "$folder/examples" presets.js
