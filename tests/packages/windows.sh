@@ -125,12 +125,11 @@ program_examples() { # program_examples SUFFIX
 
 # --- The packages
 
-backs_up() { # backs_up PROGRAM: the second backup takes the place of the first, and nothing else is left
-  mkdir -p "$work/backup"
-  cd "$work/backup" &&
-    for _ in 1 2; do wine_run "$1" backup --simulate house.json || return; done &&
-    wine_run "$1" diff house.json house.json && [ "$(ls -A)" = house.json ]
-}
+backs_up() ( # backs_up PROGRAM: the second backup takes the place of the first, and nothing else is left
+  mkdir -p "$work/backup" && cd "$work/backup" || return
+  for _ in 1 2; do wine_run "$1" backup --simulate house.json || return; done
+  wine_run "$1" diff house.json house.json && [ "$(ls -A)" = house.json ]
+)
 
 for_everybody() {
   local folder="$drive/Program Files/VelkCom"
