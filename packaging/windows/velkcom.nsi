@@ -3,6 +3,8 @@
 ; Defines: VERSION, TREE (the files), REMOVE (script lines that delete them), OUTPUT.
 
 Unicode true
+; The uninstaller reads no switches.
+!pragma warning disable 6010
 ; The stub of 64-bit systems, on which both components have their place; 32-bit systems take the zip.
 Target amd64-unicode
 SetCompressor /SOLID lzma
@@ -40,6 +42,8 @@ VIAddVersionKey LegalCopyright ""
 
 Var Audience ; the switches of regsvr32 for everybody or for the current user
 Var Code
+Var ForEverybody ; the uninstaller: whether what lies here is the installation for everybody
+Var ForThisUser
 
 !macro AUDIENCE
   ${If} $MultiUser.InstallMode == "CurrentUser"
@@ -59,26 +63,64 @@ Var Code
   ${EndIf}
 !macroend
 
-!macro REMOVE_ALL
-  !insertmacro REGSVR "/u"
+!macro REMOVE_FILES
   SetOutPath "$TEMP"
   !include "${REMOVE}"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR"
+!macroend
+
+; Sets RESULT to 1 when the installation that ROOT records lies in this folder, else to 0. Full paths have no
+; short names.
+!macro LIES_HERE ROOT RESULT
+  ReadRegStr $0 ${ROOT} "${UNINSTALL_KEY}" "InstallLocation"
+  GetFullPathName $0 $0
+  GetFullPathName $1 $INSTDIR
+  StrCpy ${RESULT} 0
+  ${If} $0 != ""
+  ${AndIf} $0 == $1
+    StrCpy ${RESULT} 1
+  ${EndIf}
+!macroend
+
+!macro REMOVE_RECORD
+  !insertmacro AUDIENCE
+  !insertmacro REGSVR "/u"
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
 !macroend
 
 Function .onInit
   ; The choice of the audience sets the folder too, but one from the command line counts.
   StrCpy $0 $INSTDIR
+  ; One that cannot be, below a file or on no drive, has been dropped silently together with its switch: only the
+  ; system still has the whole command line.
+  System::Call "kernel32::GetCommandLine() t .r1"
+  ${StrStr} $2 $1 " /D="
+  ${If} $0 == ""
+  ${AndIf} $2 != ""
+    MessageBox MB_OK|MB_ICONSTOP "There can be no such folder: $2" /SD IDOK
+    SetErrorLevel 2
+    Quit
+  ${EndIf}
   !insertmacro MULTIUSER_INIT
   ${If} $0 != ""
     StrCpy $INSTDIR $0
   ${EndIf}
 FunctionEnd
 
+; What lies in this folder is removed, and nothing else: neither the rights nor the switches decide for whom it
+; was installed, as there may be another installation for the others.
 Function un.onInit
-  !insertmacro MULTIUSER_UNINIT
+  !insertmacro LIES_HERE HKLM $ForEverybody
+  !insertmacro LIES_HERE HKCU $ForThisUser
+  UserInfo::GetAccountType
+  Pop $MultiUser.Privileges
+  ${If} $ForEverybody == 1
+  ${AndIf} $MultiUser.Privileges != "Admin"
+    MessageBox MB_OK|MB_ICONSTOP "VelkCom is installed here for everybody: only an administrator can remove it." /SD IDOK
+    SetErrorLevel 2
+    Quit
+  ${EndIf}
 FunctionEnd
 
 ; An earlier version may have files that this one has not.
@@ -93,6 +135,15 @@ Function removeEarlierVersion
 FunctionEnd
 
 Section
+  ; Before anything is changed.
+  ClearErrors
+  CreateDirectory "$INSTDIR"
+  GetTempFileName $0 "$INSTDIR"
+  ${If} ${Errors}
+    SetErrorLevel 2
+    Abort "The folder $INSTDIR cannot be made, or nothing can be written there."
+  ${EndIf}
+  Delete $0
   Call removeEarlierVersion
   SetOutPath "$INSTDIR"
   File /r "${TREE}/*"
@@ -100,7 +151,8 @@ Section
   !insertmacro REGSVR ""
   ${If} $Code != 0
     StrCpy $1 $Code
-    !insertmacro REMOVE_ALL
+    !insertmacro REMOVE_RECORD
+    !insertmacro REMOVE_FILES
     SetErrorLevel 2
     Abort "The component cannot be registered: regsvr32 ends with $1."
   ${EndIf}
@@ -119,6 +171,13 @@ Section
 SectionEnd
 
 Section Uninstall
-  !insertmacro AUDIENCE
-  !insertmacro REMOVE_ALL
+  ${If} $ForEverybody == 1
+    Call un.MultiUser.InstallMode.AllUsers
+    !insertmacro REMOVE_RECORD
+  ${EndIf}
+  ${If} $ForThisUser == 1
+    Call un.MultiUser.InstallMode.CurrentUser
+    !insertmacro REMOVE_RECORD
+  ${EndIf}
+  !insertmacro REMOVE_FILES
 SectionEnd

@@ -63,8 +63,15 @@ as_before() { # as_before NAME
 
 install() { wine_run "$setup" /S "$@"; }
 
-uninstall() { # uninstall FOLDER SWITCH: its uninstaller goes on as a copy of itself
-  wine_run "$1/uninstall.exe" /S "$2"
+refuses() { # refuses FOLDER: the setup ends with 2 and has changed nothing
+  install "/D=$1"
+  [ $? -eq 2 ] || return
+  snapshot refused
+  as_before refused
+}
+
+uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of itself
+  wine_run "$1/uninstall.exe" /S "${@:2}"
   for _ in $(seq 600); do
     [ -e "$1" ] || return 0
     sleep 0.2
@@ -167,6 +174,25 @@ for_one_user() {
   check "  leaves nothing" as_before after-user
 }
 
+side_by_side() {
+  local folder="$drive/Program Files/VelkCom" own="$drive/Tools/VelkCom"
+  check "setup for everybody beside one for this user" install
+  install /CurrentUser "/D=C:\\Tools\\VelkCom"
+  check "removal without a switch removes what lies in its folder" uninstall "$own"
+  check "  with the registration for this user" not key 'HKCU\Software\Classes\VelkCom.Serial'
+  check "  the other one stays registered" \
+    says '64-bit +everybody +registered +C:.Program Files.VelkCom.x64.VelkCom.dll' \
+    wine_run "$folder/x64/velk.exe" doctor
+  check "  with its entry" key 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\VelkCom' /v DisplayName
+  check "removal with a wrong switch" uninstall "$folder" /CurrentUser
+  rmdir "$drive/Tools" 2>/dev/null
+  snapshot after-both
+  check "  leaves nothing either" as_before after-both
+  check "setup refuses a folder below a file" refuses 'C:\occupied\VelkCom'
+  check "  and one on a drive that is not there" refuses 'Q:\VelkCom'
+  check "  and one of a name that cannot be" refuses 'C:\windows\notepad.exe'
+}
+
 without_registration() {
   mkdir -p "$work/zip"
   (cd "$work/zip" && cmake -E tar xf "$zip")
@@ -194,11 +220,13 @@ done
 for hive in HKLM HKCU; do
   wine_run reg add "$hive\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall" /f >/dev/null
 done
+touch "$drive/occupied"
 snapshot before
 start_controller
 check "the C++ examples build" build_examples
 for_everybody
 for_one_user
+side_by_side
 without_registration
 
 echo "$passed passed, $failed failed"
