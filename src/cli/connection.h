@@ -16,7 +16,7 @@ namespace velk::cli {
 struct LinkOptions {
   std::string tcp;  ///< HOST:PORT, with an IPv6 address in brackets
   Bytes password;
-  Byte busAddress = 2;
+  Byte busAddress = link::defaultBusAddress;
   std::string serial;  ///< a device
   std::int16_t baud = 9600;
   bool fast = false;

@@ -24,7 +24,7 @@ void LinkChoice::declare(const CommandLine& line) {
   simulate.excludes(text);
   const Option password = line.option("--password", password_, "Password of the TCP link").needs(tcp);
   const Option address = line.option("--address", busAddress_, "Bus address of the controller")
-                             .range(0, highestAddress)
+                             .range(link::lowestBusAddress, link::highestBusAddress)
                              .showDefault()
                              .excludes(text);
   const Option baud = line.option("--baud", baud_, "Rate of the serial link in bit/s")

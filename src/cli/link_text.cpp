@@ -45,7 +45,8 @@ struct Setting {
 };
 
 void setAddress(LinkOptions& link, std::string_view value) {
-  link.busAddress = static_cast<Byte>(number("address", value, 0, highestAddress));
+  link.busAddress =
+      static_cast<Byte>(number("address", value, link::lowestBusAddress, link::highestBusAddress));
 }
 
 constexpr std::array settings{
@@ -105,7 +106,8 @@ std::string nameOf(const LinkOptions& link) {
   if (link.simulate) return "simulate:";
   const std::string address = "address=" + std::to_string(link.busAddress);
   if (!link.tcp.empty()) return "tcp://" + link.tcp + "?" + address;
-  return "serial:" + link.serial + "?" + address;
+  return "serial:" + link.serial + (link.fast ? "?fast&baud=" : "?baud=") + std::to_string(link.baud) + "&" +
+         address;
 }
 
 }  // namespace velk::cli

@@ -19,9 +19,8 @@ LinkOptions parseLink(const std::string& text);
 /// The link as such a text, without its password.
 std::string nameOf(const LinkOptions& link);
 
-/// The rates that serial links take, in bit/s, and the numbers of bus addresses.
+/// The rates that serial links take, in bit/s.
 constexpr int lowestBaud = 1;
 constexpr int highestBaud = 32767;
-constexpr int highestAddress = 255;
 
 }  // namespace velk::cli

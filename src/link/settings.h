@@ -6,6 +6,11 @@
 
 namespace velk::link {
 
+/// The bus addresses that a controller may have. `OpenTCP` takes any other for the default.
+constexpr Byte lowestBusAddress = 2;
+constexpr Byte highestBusAddress = 99;
+constexpr Byte defaultBusAddress = 2;
+
 /// The public settings of a `Serial` object, read at every transaction. Writing one has no effect but on the
 /// next transaction.
 struct Settings {
@@ -13,7 +18,7 @@ struct Settings {
   bool FlgBreak = true;
 
   /// Bus address of the controller, sent in fast-mode frames; echo-mode frames carry none.
-  Byte SerAddress = 2;
+  Byte SerAddress = defaultBusAddress;
 
   /// False: echo mode, the serial interface echoes every byte. True: fast mode, whole frames at once.
   bool NoEcho = false;

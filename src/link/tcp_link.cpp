@@ -7,8 +7,6 @@ namespace {
 
 constexpr Seconds greetingTime(1.5);
 constexpr std::size_t passWordLength = 4;
-constexpr Byte defaultAddress = 2;
-constexpr Byte highestAddress = 99;
 
 /// Bytes of value 0 are a password, blanks are none.
 bool isBlank(std::string_view text) {
@@ -35,8 +33,8 @@ Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, s
   if (kind.empty()) return noReply;
   link.settings.SoortETH = kind;
   const Byte result = kind == "Q" ? logIn(link, passWord) : Byte{0};
-  link.settings.SerAddress =
-      rsAddress >= defaultAddress && rsAddress <= highestAddress ? rsAddress : defaultAddress;
+  const bool taken = rsAddress >= lowestBusAddress && rsAddress <= highestBusAddress;
+  link.settings.SerAddress = taken ? rsAddress : defaultBusAddress;
   // Also after a refused login, which the result tells: the interface keeps the connection and hosts may go
   // on.
   link.settings.TCP = true;
