@@ -39,6 +39,7 @@ void callOf(const std::string& text) {
 
 void run(const std::string& text) {
   require(cli::unescaped(cli::escaped(text)) == text, "escapes read back the same");
+  require(cli::unescaped(cli::shown(text)) == text, "a text that is shown reads back the same");
   mayRefuse([&] { cli::unescaped(text); });
   mayRefuse([&] {
     const simulator::Fault fault = simulator::parseFault(text);

@@ -1,12 +1,12 @@
 #include "cli/link_choice.h"
 
-#include <cstdlib>
 #include <stdexcept>
 
 #include "cli/escapes.h"
 #include "cli/failure.h"
 #include "cli/link_failure.h"
 #include "cli/link_text.h"
+#include "cli/native_text.h"
 #include "cli/password.h"
 
 namespace velk::cli {
@@ -40,9 +40,8 @@ void LinkChoice::declare(const CommandLine& line) {
 std::optional<LinkOptions> LinkChoice::find() const {
   if (!text_.empty()) return parseLink(text_);
   if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
-    const char* const environment = std::getenv("VELK_LINK");
-    if (environment == nullptr || *environment == '\0') return std::nullopt;
-    return parseLink(environment);
+    const auto text = environment("VELK_LINK");
+    return text && !text->empty() ? std::optional(parseLink(*text)) : std::nullopt;
   }
   LinkOptions link = options_;
   link.password = checkedPassword(unescaped(password_));

@@ -2,6 +2,7 @@
 
 #include "cli/commands/command.h"
 #include "cli/guarded.h"
+#include "cli/native_text.h"
 
 /// The controller's configuration, and the component's methods, from the command line.
 namespace velk::cli {
@@ -62,5 +63,7 @@ int carryOut(int argc, char** argv) {
 }  // namespace velk::cli
 
 int main(int argc, char** argv) {
-  return velk::cli::guarded("velk", [&] { return velk::cli::carryOut(argc, argv); });
+  return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
+    return velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
+  });
 }

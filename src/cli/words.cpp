@@ -26,7 +26,7 @@ std::string label(std::string_view stored) {
   constexpr std::string_view around(" \0", 2);
   const auto first = stored.find_first_not_of(around);
   if (first == std::string_view::npos) return {};
-  return escaped(stored.substr(first, stored.find_last_not_of(around) - first + 1));
+  return shown(stored.substr(first, stored.find_last_not_of(around) - first + 1));
 }
 
 std::string timeOfDay(int hour, int minute) {

@@ -8,7 +8,7 @@
 /// Values of the controller as people read them.
 namespace velk::cli {
 
-/// A stored text without the blanks and zero bytes around it, other bytes as escapes.
+/// A stored text without the blanks and zero bytes around it, as people typed it: see `shown`.
 std::string label(std::string_view stored);
 
 /// "07:30".
