@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "cli/commands/command.h"
+#include "cli/ending.h"
 #include "cli/guarded.h"
 #include "cli/native_text.h"
 
@@ -21,12 +22,14 @@ constexpr const char* notes =
     "[::1]:8445. NO_COLOR switches colours off.\n"
     "\nExit status:\n"
     "  0  done\n"
-    "  1  the controller refused or did not answer; diff: there are differences; restore: declined;\n"
+    "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
+    "     restore: declined;\n"
     "     doctor: the component cannot be created\n"
     "  2  the command line is wrong\n"
     "  3  a run-time error of the link\n"
-    "  4  the link could not be opened\n"
-    "  5  a file cannot be read or written\n"
+    "  4  the link could not be opened; diff: it failed\n"
+    "  5  a file, or standard output, cannot be read or written\n"
+    "  130  Ctrl-C, or what else asks a program to end, came while it read or wrote\n"
     "\nExamples:\n"
     "  velk outputs --simulate\n"
     "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
@@ -64,6 +67,6 @@ int carryOut(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
-    return velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
+    return velk::cli::ended(velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); }));
   });
 }

@@ -1,5 +1,3 @@
-#include <atomic>
-#include <csignal>
 #include <iostream>
 #include <limits>
 #include <mutex>
@@ -7,9 +5,12 @@
 #include <sstream>
 
 #include "cli/command_line.h"
+#include "cli/escapes.h"
 #include "cli/failure.h"
 #include "cli/files.h"
 #include "cli/guarded.h"
+#include "cli/interrupts.h"
+#include "cli/native_text.h"
 #include "cli/password.h"
 #include "cli/serve.h"
 #include "cli/server.h"
@@ -31,7 +32,8 @@ using simulator::SessionOptions;
 constexpr const char* description =
     "A simulated controller behind TCP ports and serial lines.\n\n"
     "Prints one line for each interface (\"tcp Q 127.0.0.1:PORT\", \"tcp S ...\", \"echo DEVICE\",\n"
-    "\"fast DEVICE\") and then \"ready\". Without an interface: --tcp 0. Ends on Ctrl-C and SIGTERM.";
+    "\"fast DEVICE\") and then \"ready\". Without an interface: --tcp 0. Ends on Ctrl-C, SIGTERM and\n"
+    "SIGHUP.";
 
 constexpr const char* examples =
     "\nExamples:\n"
@@ -101,13 +103,6 @@ void declare(const CommandLine& line, Options& options) {
   line.footer(examples + describeFaults());
 }
 
-std::atomic<bool> interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-void interrupt(int /*signal*/) {
-  interrupted = true;
-}
-
 void print(const std::string& line) {
   static std::mutex mutex;
   const std::lock_guard lock(mutex);
@@ -117,7 +112,7 @@ void print(const std::string& line) {
 SessionOptions sessionOptions(const Options& options) {
   SessionOptions result;
   result.busAddress = static_cast<Byte>(options.busAddress);
-  result.password = padded(checkedPassword(options.password), passwordLength, '\0');
+  result.password = padded(checkedPassword(bytesOfUtf8(options.password)), passwordLength, '\0');
   for (const std::string& fault : options.faults) result.faults.add(fault);
   if (options.trace) result.trace = print;
   return result;
@@ -157,7 +152,7 @@ void waitForTheEnd(double seconds) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const auto isOver = [&] { return std::chrono::duration<double>(Clock::now() - start).count() >= seconds; };
-  while (!interrupted && !isOver()) std::this_thread::sleep_for(stopInterval);
+  while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 
 simulator::Store startOf(const std::string& image) {
@@ -220,8 +215,7 @@ int carryOut(int argc, char** argv) {
   Options options;
   declare(line, options);
   if (const auto status = line.parse(argc, argv)) return *status;
-  std::signal(SIGINT, interrupt);
-  std::signal(SIGTERM, interrupt);
+  watchInterrupts();
   run(options);
   return success;
 }
@@ -230,5 +224,7 @@ int carryOut(int argc, char** argv) {
 }  // namespace velk::cli
 
 int main(int argc, char** argv) {
-  return velk::cli::guarded("velk-sim", [&] { return velk::cli::carryOut(argc, argv); });
+  return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
+    return velk::cli::guarded("velk-sim", [&] { return velk::cli::carryOut(count, words); });
+  });
 }

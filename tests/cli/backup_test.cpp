@@ -179,7 +179,7 @@ TEST_F(BackupTest, AnInterruptedRestorationGoesOn) {
   Tool restore("velk", {"restore", "--tcp", link, "--yes", "--only", "outputs,presets", "--json", file("a")});
   while (simulator.line().substr(0, 5) != "write") {
   }
-  EXPECT_EQ(restore.finish(SIGINT), 1);
+  EXPECT_EQ(restore.finish(SIGINT), 130);
   const auto account = nlohmann::json::parse(restore.all());
   EXPECT_EQ(account["failure"], "interrupted");
   EXPECT_FALSE(account["not_written"].empty());

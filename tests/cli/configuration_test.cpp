@@ -57,7 +57,12 @@ TEST(ConfigurationTest, ShowsThingsAsPeopleNameThem) {
   EXPECT_NE(
       velk({"links", "--simulate"}).text.find("31.3    output 11    Awning           0, 1        falling\n"),
       std::string::npos);
-  EXPECT_EQ(velk({"modules", "--simulate", "123456"}).status, 1);
+  const Ended modules = velk({"modules", "--simulate", "123456", "090500", "654321", "100100", "--json"});
+  EXPECT_EQ(modules.status, 1) << "two do not answer";
+  EXPECT_EQ(Json::parse(modules.text, nullptr, false).size(), 2U) << "the others are shown";
+  const std::string complaint = complaintOf({"modules", "--simulate", "123456", "090500", "654321"});
+  EXPECT_NE(complaint.find("reading module 123456"), std::string::npos) << complaint;
+  EXPECT_NE(complaint.find("reading module 654321"), std::string::npos) << complaint;
 }
 
 TEST(ConfigurationTest, PrintsJson) {
@@ -96,6 +101,74 @@ TEST(ConfigurationTest, SetsOutputs) {
     EXPECT_EQ(velk(words).status, 2) << testing::PrintToString(wrong);
   }
   EXPECT_EQ(set({"5"}), timer) << "nothing was written";
+}
+
+/// The mailbox for modules ends with the first byte of link 0.0.
+TEST(ConfigurationTest, TheMailboxIsNoLink) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = behind(simulator.line(), "tcp Q ");
+  const auto write = [&](const char* offset, const char* byte) {
+    return call({"--tcp", link, "WriteCom", "1", "0", offset, "V", byte}).status;
+  };
+  const auto shows = [&] {
+    const bool listed = velk({"links", "--tcp", link}).text.find("\n0.0 ") != std::string::npos;
+    const auto week = Json::parse(velk({"week", "--tcp", link, "--json"}).text, nullptr, false);
+    EXPECT_EQ(week["links"].size(), listed ? 5U : 4U);
+    return listed;
+  };
+  ASSERT_EQ(velk({"modules", "--tcp", link, "090500"}).status, 0);
+  EXPECT_FALSE(shows()) << "a module's byte 7";
+  ASSERT_EQ(write("31", "\\x85"), 0);
+  EXPECT_FALSE(shows()) << "one that looks like output 5";
+  ASSERT_EQ(write("254", "\\xee"), 0);
+  EXPECT_FALSE(shows()) << "edges of the other links";
+  for (const char* const edges : {"\\x10", "\\x01"}) {
+    ASSERT_EQ(write("254", edges), 0);
+    EXPECT_TRUE(shows()) << edges;
+  }
+  ASSERT_EQ(write("254", "\\x00"), 0);
+  ASSERT_EQ(write("32", "\\x01"), 0);
+  EXPECT_TRUE(shows()) << "parameters";
+}
+
+TEST(ConfigurationTest, TellsWhenTheClockIsHeld) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = behind(simulator.line(), "tcp Q ");
+  const auto held = [&](const Words& words) {
+    Words all = words;
+    all.insert(all.end(), {"--tcp", link});
+    return velk(all).text.find("; the clock is held: it stands still until \"velk clock set\"") !=
+           std::string::npos;
+  };
+  EXPECT_FALSE(held({"clock"}));
+  for (const char* const offset : {"247", "248"}) {
+    ASSERT_EQ(call({"--tcp", link, "WriteCom", "1", "255", offset, "V", "\\xff"}).status, 0);
+    EXPECT_TRUE(held({"clock"})) << offset;
+    EXPECT_TRUE(held({"status"})) << offset;
+    EXPECT_TRUE(Json::parse(velk({"clock", "--json", "--tcp", link}).text)["held"]);
+    ASSERT_EQ(call({"--tcp", link, "WriteCom", "1", "255", offset, "V", "\\x00"}).status, 0);
+  }
+  EXPECT_FALSE(held({"clock"}));
+
+  // Two requests read the clock, two hold it and the third of the update writes the time.
+  Tool refusing("velk-sim", {"--tcp", "0", "--fault", "status=9@5", "--for", "60"});
+  const std::string other = behind(refusing.line(), "tcp Q ");
+  const std::string complaint = complaintOf({"clock", "set", "--tcp", other});
+  EXPECT_NE(complaint.find("setting the clock: 9 (status 9 of the controller); the clock is held"),
+            std::string::npos)
+      << complaint;
+}
+
+TEST(ConfigurationTest, TheLinkThatIsPrintedOpensTheSameOne) {
+  Tool simulator("velk-sim", {"--fast", "--baud", "19200", "--for", "60"});
+  const std::string device = behind(simulator.line(), "fast ");
+  const auto link = [](Words words) {
+    words.insert(words.begin(), {"status", "--json"});
+    return Json::parse(velk(std::move(words)).text, nullptr, false)["link"].get<std::string>();
+  };
+  const std::string text = "serial:" + device + "?fast&baud=19200&address=2";
+  EXPECT_EQ(link({"--serial", device, "--fast", "--baud", "19200"}), text);
+  EXPECT_EQ(link({"--link", text}), text);
 }
 
 TEST(ConfigurationTest, DrawsTheWeek) {

@@ -33,6 +33,8 @@ class Tool {
     arguments.push_back(nullptr);
     pid_ = fork();
     if (pid_ == 0) {
+      // Those that started the tests may have ignored it, and then it would stay so.
+      for (const int number : {SIGINT, SIGTERM, SIGHUP}) std::signal(number, SIG_DFL);
       const int nothing = open("/dev/null", O_WRONLY);
       dup2(stream == STDOUT_FILENO ? ends[1] : nothing, STDOUT_FILENO);
       dup2(stream == STDERR_FILENO ? ends[1] : nothing, STDERR_FILENO);

@@ -1,26 +1,12 @@
 #include "cli/backup/memory_reader.h"
 
-#include <atomic>
-#include <csignal>
-
 #include "cli/backup/event_list.h"
-#include "cli/failure.h"
 #include "cli/things/event.h"
+#include "cli/transfer.h"
 #include "cli/words.h"
 
 namespace velk::cli {
 namespace {
-
-std::atomic<bool> interrupted{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
-
-/// A transfer as the link takes it.
-struct Transfer {
-  Byte count;
-  Byte dph;
-  Byte dpl;
-  const char* direction;
-};
 
 Transfer transferOf(Spot spot, std::size_t count) {
   constexpr std::size_t highBank = 128;
@@ -75,18 +61,12 @@ class EventList {
 
 Bytes readBytes(Serial& serial, Spot spot, std::size_t count) {
   checkInterrupt();
-  const Transfer transfer = transferOf(spot, count);
-  const Bytes reply = serial.ReadCom(transfer.count, transfer.dph, transfer.dpl, transfer.direction);
-  expectDone(byteAt(reply, 0), "reading " + nameOf(spot));
-  if (reply.size() != count + 1) expectDone(100, "reading " + nameOf(spot));
-  return reply.substr(1);
+  return readTransfer(serial, transferOf(spot, count), nameOf(spot));
 }
 
 void writeBytes(Serial& serial, Spot spot, const Bytes& bytes) {
   checkInterrupt();
-  const Transfer transfer = transferOf(spot, bytes.size());
-  const Bytes reply = serial.WriteCom(transfer.count, transfer.dph, transfer.dpl, transfer.direction, bytes);
-  expectDone(byteAt(reply, 0), "writing " + nameOf(spot));
+  writeTransfer(serial, transferOf(spot, bytes.size()), bytes, nameOf(spot));
 }
 
 void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step) {
@@ -107,18 +87,6 @@ void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step&
       step(++done, total);
     }
   }
-}
-
-void watchInterrupts() {
-  std::signal(SIGINT, [](int) { interrupted = true; });
-}
-
-void unwatchInterrupts() {
-  std::signal(SIGINT, SIG_DFL);
-}
-
-void checkInterrupt() {
-  if (interrupted) throw Failure(badResult, "interrupted");
 }
 
 }  // namespace velk::cli

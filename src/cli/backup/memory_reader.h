@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "cli/backup/backup_file.h"
+#include "cli/interrupts.h"
 #include "component/serial.h"
 
 namespace velk::cli {
@@ -15,18 +16,11 @@ using Step = std::function<void(std::size_t done, std::size_t total)>;
 /// after Ctrl-C; the lines read until then stay.
 void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step);
 
-/// Reads up to 16 bytes from a spot on. Throws `Failure`.
+/// Reads up to 16 bytes from a spot on; a read that is lost is repeated. Throws `Failure`.
 Bytes readBytes(Serial& serial, Spot spot, std::size_t count);
 
-/// Writes them. Throws `Failure`.
+/// Writes them. A write that is lost is repeated, but not before what stands there was read. Throws
+/// `Failure`.
 void writeBytes(Serial& serial, Spot spot, const Bytes& bytes);
-
-/// Makes Ctrl-C end a transfer between two transactions: `checkInterrupt` throws `Failure` when it was
-/// pressed.
-void watchInterrupts();
-void checkInterrupt();
-
-/// Lets Ctrl-C end the program again, as where it waits for a person.
-void unwatchInterrupts();
 
 }  // namespace velk::cli

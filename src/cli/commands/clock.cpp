@@ -1,6 +1,7 @@
 #include "cli/things/clock.h"
 
 #include "cli/commands/command.h"
+#include "cli/interrupts.h"
 
 namespace velk::cli {
 namespace {
@@ -25,12 +26,16 @@ int carryOutClock(const ClockOptions& options) {
   Json json = jsonOf(before);
   if (!options.json) print(before);
   if (!options.action.empty()) {
+    // Half an update would leave the clock held.
+    watchInterrupts();
     setClock(connection->serial());
+    unwatchInterrupts();
     const ClockReading after = readClock(connection->serial());
     json = {{"before", std::move(json)}, {"after", jsonOf(after)}};
     if (!options.json) std::cout << "set; deviation now: " << deviationOf(after) << '\n';
   }
   if (options.json) std::cout << json << '\n';
+  checkInterrupt();
   return success;
 }
 

@@ -21,16 +21,22 @@ struct DiffOptions : LinkedOptions {
   }
 };
 
+/// The exit status 1 tells that there are differences and nothing else: a controller that refuses or does not
+/// answer counts as a link that fails.
+Backup readController(const LinkOptions& link, const Backup& like, const Sections& sections) {
+  const auto connection = open(link);
+  try {
+    return readLike(connection->serial(), like, sections);
+  } catch (const Failure& failure) {
+    throw Failure(failure.status == badResult ? noLink : failure.status, failure.what());
+  }
+}
+
 int carryOutDiff(const DiffOptions& options) {
   const Sections sections = parseSections(options.only);
   const Backup from = loadBackup(options.a);
-  Backup to;
-  if (options.b.empty()) {
-    const auto connection = open(options.link.required());
-    to = readLike(connection->serial(), from, sections);
-  } else {
-    to = loadBackup(options.b);
-  }
+  const Backup to =
+      options.b.empty() ? readController(options.link.required(), from, sections) : loadBackup(options.b);
   const auto differences = compare(from, to, sections);
   if (options.json) {
     std::cout << jsonOf(differences) << '\n';

@@ -1,5 +1,8 @@
 #include "cli/commands/command.h"
 #include "cli/escapes.h"
+#include "cli/retry.h"
+#include "cli/transfer.h"
+#include "parameters/ctl_irtext.h"
 
 namespace velk::cli {
 namespace {
@@ -15,13 +18,24 @@ struct InfraredTextOptions : LinkedOptions {
   }
 };
 
+constexpr std::size_t longest = 16;
+
+Bytes readText(Serial& serial, Byte number) {
+  constexpr Byte highBank = 128;
+  const link::Address at = parameters::infraredText(number);
+  return readTransfer(serial, {.count = highBank + longest, .dph = at.dph, .dpl = at.dpl, .direction = "H"},
+                      "infrared text " + std::to_string(number));
+}
+
 int carryOutInfraredText(const InfraredTextOptions& options) {
-  constexpr std::size_t longest = 16;
   const Bytes text = unescaped(options.text);
   if (text.size() > longest) throw std::invalid_argument("the text has more than 16 characters");
   const auto connection = open(options.link.required());
-  expectDone(connection->serial().Ctl_IRText("W", static_cast<Byte>(options.number), text),
-             "writing infrared text " + std::to_string(options.number));
+  Serial& serial = connection->serial();
+  const auto number = static_cast<Byte>(options.number);
+  const auto stands = [&] { return readText(serial, number) == padded(text, longest); };
+  expectDone(retry().write([&] { return serial.Ctl_IRText("W", number, text); }, stands),
+             "writing infrared text " + std::to_string(number));
   if (options.json) std::cout << Json{{"text", options.number}, {"value", utf8OfBytes(text)}} << '\n';
   return success;
 }

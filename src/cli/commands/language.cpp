@@ -1,6 +1,9 @@
 #include <array>
 
 #include "cli/commands/command.h"
+#include "cli/retry.h"
+#include "cli/things/fields.h"
+#include "controller/languages.h"
 
 namespace velk::cli {
 namespace {
@@ -27,6 +30,17 @@ std::string listOfLanguages() {
   return text;
 }
 
+/// Whether the controller has the display texts of a language.
+bool stands(Serial& serial, const std::string& code) {
+  constexpr Byte size = 16;
+  constexpr int offset = 40;
+  int slot = controller::firstText;
+  for (const std::string_view text : *controller::textsOf(code)) {
+    if (readMemory(serial, size, slot++, offset) != padded(text, size)) return false;
+  }
+  return true;
+}
+
 struct LanguageOptions : LinkedOptions {
   std::string code;
 
@@ -38,8 +52,9 @@ struct LanguageOptions : LinkedOptions {
 
 int carryOutLanguage(const LanguageOptions& options) {
   const auto connection = open(options.link.required());
-  const Value result = connection->serial().Ctl_Lang(options.code);
-  expectDone(std::get<Byte>(convert(result, Type::byte)), "writing the display texts");
+  Serial& serial = connection->serial();
+  const auto write = [&] { return std::get<Byte>(convert(serial.Ctl_Lang(options.code), Type::byte)); };
+  expectDone(retry().write(write, [&] { return stands(serial, options.code); }), "writing the display texts");
   if (options.json) std::cout << Json{{"language", options.code}} << '\n';
   return success;
 }

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "cli/commands/command.h"
+#include "cli/retry.h"
 #include "parameters/layouts.h"
 
 namespace velk::cli {
@@ -58,15 +59,19 @@ void storeMode(Serial& serial, Byte number, const Layout& layout) {
   const bool marks = layout.marked && stored != layout.items.end();
   const Bytes items = marks ? Bytes(1, stored->set) : Bytes();
   const auto offset = static_cast<Byte>(marks ? stored - layout.items.begin() : 0);
-  std::string mode(layout.code);
-  expectDone(serial.Ctl_Param("W", number, mode, items, static_cast<std::int16_t>(items.size()), offset),
+  const auto write = [&] {
+    return serial.Ctl_Param("W", number, std::string(layout.code), items,
+                            static_cast<std::int16_t>(items.size()), offset);
+  };
+  expectDone(retry().write(write, [&] { return readOutputHead(serial, number).mode == layout.code; }),
              "setting the mode of output " + std::to_string(number));
 }
 
 /// All items in one write, those that are not given as they are.
 void storeItems(Serial& serial, Output output, const Items& items) {
   for (const auto& [index, value] : items) output.items.at(index) = value;
-  expectDone(serial.Ctl_Param("W", output.number, output.mode, output.items),
+  const auto write = [&] { return serial.Ctl_Param("W", output.number, output.mode, Bytes(output.items)); };
+  expectDone(retry().write(write, [&] { return readOutput(serial, output.number).items == output.items; }),
              "writing output " + std::to_string(output.number));
 }
 

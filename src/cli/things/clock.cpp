@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "cli/retry.h"
 #include "cli/words.h"
 
 namespace velk::cli {
@@ -42,12 +43,44 @@ Json jsonOf(const std::tm& time) {
   return {{"weekday", weekday(time.tm_wday - 1)}, {"date", dateOf(time)}, {"time", timeText(time)}};
 }
 
+/// While one of these bytes is not zero, the clock stands still.
+bool isHeld(Serial& serial) {
+  constexpr int page = 255;
+  constexpr int offset = 247;
+  return readMemory(serial, 2, page, offset) != Bytes(2, '\0');
+}
+
+constexpr const char* heldWords = "the clock is held: it stands still until \"velk clock set\" has set it";
+
+std::string afterFailure(Serial& serial) {
+  try {
+    return isHeld(serial) ? heldWords : "the clock is not held";
+  } catch (const Failure&) {
+    return "the clock may be held: whether it runs cannot be read";
+  }
+}
+
+std::string distanceOf(const ClockReading& reading) {
+  constexpr long minute = 60;
+  constexpr long hour = 60 * minute;
+  constexpr long day = 24 * hour;
+  if (!reading.secondsAhead) return "unknown: the controller's date does not exist";
+  const long seconds = std::labs(*reading.secondsAhead);
+  if (seconds == 0) return "exact";
+  std::string text;
+  if (seconds >= day) text += std::to_string(seconds / day) + " d ";
+  if (seconds >= hour) text += std::to_string(seconds % day / hour) + " h ";
+  if (seconds >= minute) text += std::to_string(seconds % hour / minute) + " min ";
+  return text + std::to_string(seconds % minute) + (*reading.secondsAhead > 0 ? " s ahead" : " s behind");
+}
+
 }  // namespace
 
 ClockReading readClock(Serial& serial) {
   Bytes bytes;
-  expectDone(serial.Ctl_Init("R", bytes, clockSize, clockPosition), "reading the clock");
+  expectRead([&] { return serial.Ctl_Init("R", bytes, clockSize, clockPosition); }, "reading the clock");
   ClockReading reading{.computer = localTime()};
+  reading.held = isHeld(serial);
   std::tm& time = reading.controller;
   time.tm_year = byteAt(bytes, 0) + century - epoch;
   time.tm_mon = byteAt(bytes, 1) - 1;
@@ -70,7 +103,11 @@ void setClock(Serial& serial) {
                          time.tm_hour, time.tm_min, std::min(time.tm_sec, lastSecond)}) {
     bytes += character(part);
   }
-  expectDone(serial.Ctl_Init("W", bytes, clockSize, clockPosition), "setting the clock");
+  try {
+    expectDone(serial.Ctl_Init("W", bytes, clockSize, clockPosition), "setting the clock");
+  } catch (const Failure& failure) {
+    throw Failure(failure.status, failure.what() + ("; " + afterFailure(serial)));
+  }
 }
 
 std::string textOf(const std::tm& time) {
@@ -78,17 +115,7 @@ std::string textOf(const std::tm& time) {
 }
 
 std::string deviationOf(const ClockReading& reading) {
-  constexpr long minute = 60;
-  constexpr long hour = 60 * minute;
-  constexpr long day = 24 * hour;
-  if (!reading.secondsAhead) return "unknown: the controller's date does not exist";
-  const long seconds = std::labs(*reading.secondsAhead);
-  if (seconds == 0) return "exact";
-  std::string text;
-  if (seconds >= day) text += std::to_string(seconds / day) + " d ";
-  if (seconds >= hour) text += std::to_string(seconds % day / hour) + " h ";
-  if (seconds >= minute) text += std::to_string(seconds % hour / minute) + " min ";
-  return text + std::to_string(seconds % minute) + (*reading.secondsAhead > 0 ? " s ahead" : " s behind");
+  return distanceOf(reading) + (reading.held ? std::string("; ") + heldWords : "");
 }
 
 std::string savingOf(const std::tm& time) {
@@ -98,6 +125,7 @@ std::string savingOf(const std::tm& time) {
 Json jsonOf(const ClockReading& reading) {
   Json json{{"controller", jsonOf(reading.controller)}, {"computer", jsonOf(reading.computer)}};
   json["summer_time"] = reading.computer.tm_isdst > 0;
+  json["held"] = reading.held;
   json["seconds_ahead"] = reading.secondsAhead ? Json(*reading.secondsAhead) : Json();
   return json;
 }

@@ -1,5 +1,6 @@
 #include "cli/things/event.h"
 
+#include "cli/retry.h"
 #include "cli/words.h"
 
 namespace velk::cli {
@@ -7,7 +8,7 @@ namespace velk::cli {
 std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
   constexpr std::size_t recordSize = 5;
   Bytes data;
-  expectDone(serial.Simulation("R", day, hour, data),
+  expectRead([&] { return serial.Simulation("R", day, hour, data); },
              "reading the simulation of " + weekday(day) + " " + timeOfDay(hour, 0));
   std::vector<Event> events;
   for (std::size_t i = 0; i + recordSize <= data.size(); i += recordSize) {

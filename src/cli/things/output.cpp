@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "cli/retry.h"
 #include "cli/words.h"
 #include "parameters/layouts.h"
 
@@ -47,7 +48,7 @@ std::string outputName(Serial& serial, Byte number) {
 
 Output readOutputHead(Serial& serial, Byte number) {
   Output output{.number = number, .name = {}, .mode = {}, .items = {}};
-  expectDone(serial.Ctl_Param("R", number, output.mode, "", std::int16_t{0}),
+  expectRead([&] { return serial.Ctl_Param("R", number, output.mode, "", std::int16_t{0}); },
              "reading output " + std::to_string(number));
   output.name = outputName(serial, number);
   return output;
@@ -56,7 +57,7 @@ Output readOutputHead(Serial& serial, Byte number) {
 Output readOutput(Serial& serial, Byte number) {
   Output output = readOutputHead(serial, number);
   if (output.mode.empty()) return output;
-  expectDone(serial.Ctl_Param("R", number, output.mode, output.items),
+  expectRead([&] { return serial.Ctl_Param("R", number, output.mode, output.items); },
              "reading output " + std::to_string(number));
   return output;
 }

@@ -1,5 +1,6 @@
 #include "cli/things/preset.h"
 
+#include "cli/retry.h"
 #include "cli/words.h"
 
 namespace velk::cli {
@@ -17,9 +18,11 @@ Preset readPreset(Serial& serial, Byte number, Records records) {
   Bytes data;
   Byte simulation = 0;
   const bool all = records == Records::all;
-  expectDone(serial.Preset("R", number, text, all ? highestRecord : firstRecord, data, preset.delay1,
-                           preset.delay2, simulation),
-             "reading preset " + std::to_string(number));
+  const auto read = [&] {
+    return serial.Preset("R", number, text, all ? highestRecord : firstRecord, data, preset.delay1,
+                         preset.delay2, simulation);
+  };
+  expectRead(read, "reading preset " + std::to_string(number));
   preset.text = label(text);
   preset.simulated = simulation != 0;
   for (std::size_t i = 0; all && i < data.size(); i += recordSize) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/retry.h"
+
 namespace velk::cli {
 namespace {
 
@@ -11,10 +13,21 @@ constexpr Byte linkSize = 2;
 SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
   SoftLink link{.source = source, .sub = sub, .toOutput = true};
   std::string kind;
-  expectDone(serial.Ctl_Soft("R", source, sub, link.destination, kind, link.parameters1, link.parameters2,
-                             link.rising, link.falling),
-             "reading link " + titleOf(link));
+  const auto read = [&] {
+    return serial.Ctl_Soft("R", source, sub, link.destination, kind, link.parameters1, link.parameters2,
+                           link.rising, link.falling);
+  };
+  expectRead(read, "reading link " + titleOf(link));
   return link;
+}
+
+/// The first byte of link 0.0 is also the last that the mailbox for modules uses: what a module's data left
+/// there is no link. One that does anything has edges, or parameters in its second byte.
+bool isLeftover(Serial& serial, Byte source, Byte sub, const Bytes& records) {
+  constexpr int edgesOffset = 254;
+  constexpr Byte edgesOfFirst = 0x11;
+  if (source != 0 || sub != 0 || byteAt(records, 1) != 0) return false;
+  return (byteAt(readMemory(serial, 1, source, edgesOffset), 0) & edgesOfFirst) == 0;
 }
 
 }  // namespace
@@ -30,9 +43,10 @@ std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
   const Bytes records = readMemory(serial, linksOfSource * linkSize, source, recordOffset);
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
     const Byte first = byteAt(records, std::size_t{sub} * linkSize);
+    if (first == 0 || isLeftover(serial, source, sub, records)) continue;
     if (first >= outputBit) links.push_back(readOutputLink(serial, source, sub));
     // `Ctl_Soft` reads an input link as nothing, so that its destination is taken from the record.
-    else if (first != 0)
+    else
       links.push_back({.source = source, .sub = sub, .destination = first});
   }
   return links;

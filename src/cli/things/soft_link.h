@@ -26,7 +26,8 @@ struct SoftLink {
 /// Whether an address can be the source of links.
 bool isLinkSource(int address);
 
-/// The links of a source that are there.
+/// The links of a source that are there. A record of link 0.0 that only the mailbox for modules can have
+/// written is none.
 std::vector<SoftLink> readLinks(Serial& serial, Byte source);
 
 /// "30.1".

@@ -1,5 +1,6 @@
 #include "cli/things/switch_time.h"
 
+#include "cli/retry.h"
 #include "cli/words.h"
 
 namespace velk::cli {
@@ -19,7 +20,8 @@ std::string entryText(std::string_view entry) {
 SwitchTime readSwitchTime(Serial& serial, Byte block) {
   constexpr Byte noSwitchTime = 100;
   SwitchTime time{.block = block};
-  const Byte result = serial.SwitchTime("R", block, time.days, time.hour, time.minute, time.data);
+  const Byte result = retry().read(
+      [&] { return serial.SwitchTime("R", block, time.days, time.hour, time.minute, time.data); });
   time.readable = result != noSwitchTime;
   if (time.readable) expectDone(result, "reading switch time " + std::to_string(block));
   return time;

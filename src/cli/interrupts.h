@@ -1,0 +1,20 @@
+#pragma once
+
+/// What asks a program to end while it works: Ctrl-C, the end of its terminal or session, a service manager.
+namespace velk::cli {
+
+/// Keeps these requests until somebody asks for them. On Linux SIGINT, SIGTERM and SIGHUP; on Windows the
+/// console's control events, of which those that close the console or end the session wait for the program's
+/// own end.
+void watchInterrupts();
+
+/// Lets them end the program at once again, as where it waits for a person.
+void unwatchInterrupts();
+
+/// Whether one has come.
+bool isInterrupted();
+
+/// Throws `Failure` with `interrupted` when one has come.
+void checkInterrupt();
+
+}  // namespace velk::cli

@@ -1,0 +1,34 @@
+#include "cli/retry.h"
+
+#include <algorithm>
+
+#include "cli/interrupts.h"
+#include "link/link.h"
+
+namespace velk::cli {
+
+bool isLost(Byte result) {
+  return result >= link::noMatchingReply && result <= link::echoFault;
+}
+
+void Retry::pause() {
+  constexpr std::chrono::nanoseconds slice = std::chrono::milliseconds(100);
+  const auto end = host_.steady() + pauseTime;
+  for (auto rest = end - host_.steady(); rest > std::chrono::nanoseconds::zero();
+       rest = end - host_.steady()) {
+    checkInterrupt();
+    host_.block(platform::Source::nothing, std::min(rest, slice), platform::Messages::held);
+  }
+}
+
+void Retry::again() {
+  pause();
+  ++repeated_;
+}
+
+Retry& retry() {
+  static Retry ofTheProgram(platform::threadHost());
+  return ofTheProgram;
+}
+
+}  // namespace velk::cli
