@@ -4,6 +4,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
 
 #include "cli/tool.h"
 
@@ -281,6 +282,36 @@ TEST_F(BackupTest, AFileChangedByHandIsRestoredOnlyWhenThatIsMeant) {
   }
 }
 
+TEST_F(BackupTest, APartIsContinuedOverAnotherLinkToTheSameController) {
+  Tool source("velk-sim", {"--tcp", "0", "--tcp-s", "0", "--fault", "disconnect@2000", "--for", "600"});
+  EXPECT_NE(velk({"backup", "--tcp", linkOf(source), file("a")}).status, 0);
+  Tool moved("velk-sim", {"--tcp-s", "0", "--for", "600"});
+  const std::string device = behind(moved.line(), "tcp S ");
+  // Modules leave something in the mailbox, which the backup has as well.
+  EXPECT_EQ(velk({"modules", "--tcp", device, "090500"}).status, 0);
+  const auto linesOf = [](Words backup) {
+    backup.insert(backup.begin(), {"backup", "--json"});
+    return nlohmann::json::parse(velk(std::move(backup)).text)["lines"].get<int>();
+  };
+  EXPECT_EQ(linesOf({"--tcp", device, file("a")}), linesOf({"--simulate", file("b")}) - 1999);
+  EXPECT_FALSE(fs::exists(file("a.part.1")));
+  EXPECT_EQ(velk({"diff", "--simulate", file("a")}).status, 0);
+}
+
+TEST_F(BackupTest, WhatWasReadIsKeptEveryFewSeconds) {
+  Tool source("velk-sim", {"--tcp", "0", "--fault", "late=5@*", "--for", "600"});
+  const std::string link = linkOf(source);
+  Tool backup("velk", {"backup", "--tcp", link, file("a")});
+  // At the start it is there for a moment, which tells that it can be.
+  while (std::ifstream(file("a.part")).peek() == EOF)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  EXPECT_EQ(backup.finish(SIGKILL), -1);
+  Tool quick("velk-sim", {"--tcp", "0", "--for", "600"});
+  const std::string complaint = complaintOf({"backup", "--tcp", linkOf(quick), file("a")});
+  EXPECT_EQ(complaint.substr(0, 32), "velk: continuing the backup begu") << complaint;
+  EXPECT_EQ(velk({"diff", "--simulate", file("a")}).status, 0);
+}
+
 TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
   const auto makePart = [&] {
     Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "60"});
@@ -304,7 +335,9 @@ TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
   }
   EXPECT_TRUE(fs::exists(file("a.part.3")));
   makePart();
-  EXPECT_NE(complaintOf({"backup", "--simulate", file("a")}).find("of another link"), std::string::npos);
+  Tool other = emptyController();
+  EXPECT_NE(complaintOf({"backup", "--tcp", linkOf(other), file("a")}).find("of another controller"),
+            std::string::npos);
   EXPECT_TRUE(fs::exists(file("a.part.4")));
   fs::create_directory(file("a.part"));
   EXPECT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);

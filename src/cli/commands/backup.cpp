@@ -34,23 +34,36 @@ std::string now() {
   return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&time))};
 }
 
-/// An unfinished backup of the same link, or a new one.
-Backup begin(PartFile& part, const std::string& link) {
-  if (const std::optional<Backup> found = part.unfinished()) {
-    if (found->link == link) {
-      std::cerr << "velk: continuing the backup begun at " << found->begun << '\n';
-      return *found;
+/// An unfinished backup of the same controller, or a new one. Over another link, which may be the same
+/// interface on another device, the controller itself is asked.
+Backup begin(Serial& serial, PartFile& part, const std::string& link) {
+  if (std::optional<Backup> found = part.unfinished()) {
+    const bool sameLink = found->link == link;
+    if (sameLink || areFrom(serial, found->lines)) {
+      std::cerr << "velk: continuing the backup begun at " << found->begun
+                << (sameLink ? "" : " over " + found->link + ", which was of this controller") << '\n';
+      found->link = link;
+      return *std::move(found);
     }
-    part.putAside("it is of another link (" + found->link + ")");
+    part.putAside("it is of another controller (" + found->link + ")");
   }
   return {.begun = now(), .link = link, .lines = {}, .modules = {}};
 }
 
-void read(Serial& serial, const BackupOptions& options, Backup& backup) {
+/// Every few seconds what was read so far is kept: more than that nothing can cost, not even the power.
+void read(Serial& serial, const BackupOptions& options, Backup& backup, PartFile& part) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds interval{5};
+  auto next = Clock::now() + interval;
   Progress progress("backup");
   readMissing(
       serial, backup.lines, [](Kind /*kind*/) { return true; },
-      [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+      [&](std::size_t done, std::size_t total) {
+        progress.show(done, total);
+        if (Clock::now() < next) return;
+        part.save(backup);
+        next = Clock::now() + interval;
+      });
   backup.modules.clear();
   for (const std::string& number : options.modules) {
     backup.modules.push_back(readModule(serial, number));
@@ -75,7 +88,7 @@ void keep(PartFile& part, Backup& backup) {
 void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup, OutputFile& file,
                 PartFile& part) {
   try {
-    read(serial, options, backup);
+    read(serial, options, backup, part);
     backup.complete = true;
     file.write(textOf(backup));
   } catch (const std::exception&) {
@@ -93,10 +106,10 @@ int carryOutBackup(const BackupOptions& options) {
   // Whether the files can be written is found out before the first request, not after the last.
   OutputFile file(options.file);
   PartFile part(file, options.fresh);
-  Backup backup = begin(part, nameOf(link));
-  const std::size_t before = backup.lines.size();
   const auto connection = open(link);
   watchInterrupts();
+  Backup backup = begin(connection->serial(), part, nameOf(link));
+  const std::size_t before = backup.lines.size();
   const auto start = std::chrono::steady_clock::now();
   readOrKeep(connection->serial(), options, backup, file, part);
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -113,12 +126,14 @@ int carryOutBackup(const BackupOptions& options) {
 }  // namespace
 
 void addBackup(const CommandLine& velk, Run& run) {
-  addCommand<BackupOptions>(velk, run, "backup", "Save the whole configuration in a file",
-                            "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
-                            "  velk backup house.json --modules 090500,100100\n"
-                            "  velk backup - | gzip > house.json.gz\n"
-                            "\nA backup that breaks off leaves FILE.part; the same command continues it.\n",
-                            carryOutBackup);
+  addCommand<BackupOptions>(
+      velk, run, "backup", "Save the whole configuration in a file",
+      "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
+      "  velk backup house.json --modules 090500,100100\n"
+      "  velk backup - | gzip > house.json.gz\n"
+      "\nA backup that breaks off leaves FILE.part; the same command continues it, also over\n"
+      "another link to the same controller.\n",
+      carryOutBackup);
 }
 
 }  // namespace velk::cli
