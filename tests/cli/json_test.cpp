@@ -54,7 +54,7 @@ TEST(Json, ReadsNothingThatIsNotThere) {
 TEST(Json, RefusesEndlessNesting) {
   const auto ignore = [](const Json& /*json*/) {};
   EXPECT_EQ(refusal(std::string(60, '[') + std::string(60, ']'), ignore), "none");
-  EXPECT_EQ(refusal(std::string(1000000, '['), ignore), "it is nested too deep");
+  EXPECT_EQ(refusal(std::string(1000000, '['), ignore), "it is nested more than 64 deep");
 }
 
 }  // namespace
