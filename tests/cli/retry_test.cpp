@@ -18,8 +18,8 @@ class RetryTest : public test::SimulatedHouse {
                       [](const Bytes& reply) { return isLost(byteAt(reply, 0)); });
   }
 
-  void open(const std::string& fault) {
-    test::SimulatedHouse::open(test::LinkKind::ethernetQ, {fault});
+  void open(const std::string& fault, const std::string& another = "silent@100") {
+    test::SimulatedHouse::open(test::LinkKind::ethernetQ, {fault, another});
     for (const int page : {5, 6}) setMemory(page, 4, test::bytes({page}));
   }
 
@@ -45,7 +45,7 @@ TEST_F(RetryTest, AsksThreeTimesAgainForWhatIsLostAndForNothingElse) {
 /// The interface says nothing of the address that it answers: a late answer would be taken for the next one.
 TEST_F(RetryTest, DropsALateAnswer) {
   for (const char* const fault : {"late=2100@1", "late=2900@1", "late=3100@1", "late=3900@1"}) {
-    open(fault);
+    open(fault, "late=950@3");  // so long the next request waits for its own
     Retry retry(host);
     EXPECT_EQ(read(retry, 5), at(5)) << fault;
     EXPECT_EQ(read(retry, 6), at(6)) << fault;
