@@ -131,7 +131,7 @@ TEST_F(BackupTest, RestoresModules) {
 /// 951500 reads selections that it has to be given in another way; 750000 reads what it cannot be given at
 /// all.
 TEST_F(BackupTest, RestoresModulesAsTheyWereAndLeavesOutWhatCannotBe) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = linkOf(simulator);
   // The first selection is none, which reads back as 9.
   std::string video = R"(\x05\x00\x06\x02\x07\x03\x08\x04)";
@@ -178,8 +178,7 @@ TEST_F(BackupTest, AnInterruptedRestorationGoesOn) {
   Tool simulator = emptyController({"--trace", "--fault", "late=100@4016-"});
   const std::string link = linkOf(simulator);
   Tool restore("velk", {"restore", "--tcp", link, "--yes", "--only", "outputs,presets", "--json", file("a")});
-  while (simulator.line().substr(0, 5) != "write") {
-  }
+  ASSERT_TRUE(simulator.reaches("write"));
   EXPECT_EQ(restore.finish(SIGINT), 130);
   const auto account = nlohmann::json::parse(restore.all());
   EXPECT_EQ(account["failure"], "interrupted");
@@ -314,7 +313,7 @@ TEST_F(BackupTest, WhatWasReadIsKeptEveryFewSeconds) {
 
 TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
   const auto makePart = [&] {
-    Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "60"});
+    Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "600"});
     EXPECT_NE(velk({"backup", "--tcp", linkOf(source), file("a")}).status, 0);
   };
   makePart();

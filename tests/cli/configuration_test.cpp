@@ -105,7 +105,7 @@ TEST(ConfigurationTest, SetsOutputs) {
 
 /// The mailbox for modules ends with the first byte of link 0.0.
 TEST(ConfigurationTest, TheMailboxIsNoLink) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   const auto write = [&](const char* offset, const char* byte) {
     return call({"--tcp", link, "WriteCom", "1", "0", offset, "V", byte}).status;
@@ -132,7 +132,7 @@ TEST(ConfigurationTest, TheMailboxIsNoLink) {
 }
 
 TEST(ConfigurationTest, TellsWhenTheClockIsHeld) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   const auto held = [&](const Words& words) {
     Words all = words;
@@ -151,7 +151,7 @@ TEST(ConfigurationTest, TellsWhenTheClockIsHeld) {
   EXPECT_FALSE(held({"clock"}));
 
   // Two requests read the clock, two hold it and the third of the update writes the time.
-  Tool refusing("velk-sim", {"--tcp", "0", "--fault", "status=9@5", "--for", "60"});
+  Tool refusing("velk-sim", {"--tcp", "0", "--fault", "status=9@5", "--for", "600"});
   const std::string other = behind(refusing.line(), "tcp Q ");
   const std::string complaint = complaintOf({"clock", "set", "--tcp", other});
   EXPECT_NE(complaint.find("setting the clock: 9 (status 9 of the controller); the clock is held"),
@@ -160,7 +160,7 @@ TEST(ConfigurationTest, TellsWhenTheClockIsHeld) {
 }
 
 TEST(ConfigurationTest, TheLinkThatIsPrintedOpensTheSameOne) {
-  Tool simulator("velk-sim", {"--fast", "--baud", "19200", "--for", "60"});
+  Tool simulator("velk-sim", {"--fast", "--baud", "19200", "--for", "600"});
   const std::string device = behind(simulator.line(), "fast ");
   const auto link = [](Words words) {
     words.insert(words.begin(), {"status", "--json"});

@@ -16,7 +16,7 @@ std::string file(const std::string& name) {
 TEST(Ending, ADifferenceIsTheOnlyOne) {
   const std::string backup = file("a");
   ASSERT_EQ(velk({"backup", "--simulate", backup}).status, 0);
-  Tool simulator("velk-sim", {"--tcp", "0", "--fault", "status=9@5", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--fault", "status=9@5", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   EXPECT_EQ(velk({"diff", "--tcp", link, "--only", "infrared", backup}).status, 4)
       << "the controller refuses";
@@ -30,11 +30,10 @@ TEST(Ending, ADifferenceIsTheOnlyOne) {
 TEST(Ending, EveryRequestToEndStopsATransfer) {
   const std::string backup = file("b");
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    Tool simulator("velk-sim", {"--tcp", "0", "--fault", "late=20@*", "--trace", "--for", "60"});
+    Tool simulator("velk-sim", {"--tcp", "0", "--fault", "late=20@*", "--trace", "--for", "600"});
     const std::string link = behind(simulator.line(), "tcp Q ");
     Tool transfer("velk", {"backup", "--tcp", link, "--fresh", backup}, STDERR_FILENO);
-    while (simulator.line().substr(0, 5) != "read ") {
-    }
+    ASSERT_TRUE(simulator.reaches("read "));
     EXPECT_EQ(transfer.finish(signal), 130) << signal;
     EXPECT_TRUE(std::filesystem::remove(backup + ".part")) << signal;
     EXPECT_EQ(simulator.finish(signal), 0) << signal;

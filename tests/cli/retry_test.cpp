@@ -101,7 +101,7 @@ TEST_F(RetryTest, WritesAgainOnlyAfterReadingBack) {
 
 /// The tool over a real link: reads, writes and, of a module, nothing twice.
 TEST(ToolRetry, CountsWhatItRepeats) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--tcp", "0", "--fault", "header@2", "--trace", "--for", "100"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--tcp", "0", "--fault", "header@2", "--trace", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   EXPECT_EQ(complaintOf({"links", "--tcp", link}), "velk: 1 request was lost on the way and repeated\n");
   EXPECT_EQ(complaintOf({"ir-text", "--tcp", link, "3", "Radio"}), "")
@@ -109,7 +109,7 @@ TEST(ToolRetry, CountsWhatItRepeats) {
   EXPECT_EQ(complaintOf({"modules", "--tcp", link, "090500"}).substr(0, 29), "velk: reading module 090500: ");
   EXPECT_EQ(complaintOf({"clock", "--tcp", link, "set"}),
             "velk: 1 request was lost on the way and repeated\n");
-  Tool first("velk-sim", {"--tcp", "0", "--fault", "header@1", "--trace", "--for", "60"});
+  Tool first("velk-sim", {"--tcp", "0", "--fault", "header@1", "--trace", "--for", "600"});
   const std::string other = behind(first.line(), "tcp Q ");
   EXPECT_EQ(first.line(), "ready");
   EXPECT_EQ(complaintOf({"ir-text", "--tcp", other, "3", "Radio"}),

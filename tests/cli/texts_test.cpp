@@ -41,7 +41,7 @@ TEST(Texts, AreUtf8OutsideAndBytesInside) {
 }
 
 TEST(Texts, NamesAreShownAsTyped) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--password", "p\u00e9", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--password", "p\u00e9", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   const auto with = [&](Words words, const Words& more) {
     words.insert(words.end(), {"--tcp", link, "--password", "p\u00e9"});

@@ -62,6 +62,14 @@ class Tool {
     return first;
   }
 
+  /// Reads on to a line with such a start; false when the tool ends before it.
+  bool reaches(const std::string& start) {
+    for (std::string next = line(); !next.empty(); next = line()) {
+      if (next.starts_with(start)) return true;
+    }
+    return false;
+  }
+
   std::string all() {
     while (more()) {
     }

@@ -1,7 +1,5 @@
 // A host that ends with open links: the component leaves them to the system.
 
-#include <cstdlib>
-
 #include "client.h"
 #include "support/windows/patched_import.h"
 
@@ -22,11 +20,6 @@ BOOL WINAPI cancel(HANDLE, LPOVERLAPPED) {
   return FALSE;
 }
 
-int portFrom(const char* variable) {
-  const char* const text = std::getenv(variable);
-  return text == nullptr ? 0 : static_cast<short>(std::atoi(text));
-}
-
 class Ending : public Client {
  protected:
   /// Ends the process; `close` before that is for the counterpart that shows that closing is noticed.
@@ -42,12 +35,12 @@ class Ending : public Client {
   }
 
   void endConnected(const wchar_t* close) {
-    if (object_.call(L"OpenTCP", {L"127.0.0.1", portFrom("VELK_TCP_S_PORT")}).value.bVal != 0) ExitProcess(2);
+    if (object_.call(L"OpenTCP", {L"127.0.0.1", toldPort("VELK_TCP_S_PORT")}).value.bVal != 0) ExitProcess(2);
     end(close);
   }
 
   void endWithPort(const wchar_t* close) {
-    if (object_.call(L"OpenCom", {portFrom("VELK_FAST_PORT"), 9600, true}).value.bVal != 0) ExitProcess(2);
+    if (object_.call(L"OpenCom", {toldPort("VELK_FAST_PORT"), 9600, true}).value.bVal != 0) ExitProcess(2);
     end(close);
   }
 };
