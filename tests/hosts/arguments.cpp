@@ -131,8 +131,16 @@ TEST_F(Arguments, arraysComeBackAsArrays) {
     EXPECT_EQ(read(Var::reference(byteArray, &typed)), 0);
     EXPECT_EQ(contentOf(typed), items);
     EXPECT_EQ(typed->rgsabound[0].lLbound, lowest);
+    // Its owner may resize it, and so may the next result; one that is made as a vector is of fixed size.
+    constexpr USHORT vector = 0x2000;
+    EXPECT_EQ(typed->fFeatures & (FADF_FIXEDSIZE | vector), 0);
     SafeArrayDestroy(typed);
   }
+  SAFEARRAY* both = nullptr;
+  const Var same = Var::reference(byteArray, &both);
+  EXPECT_EQ(call(L"Ctl_Param", {L"R", 5, same, same}), 0) << "the mode, and then the longer items";
+  EXPECT_EQ(contentOf(both), items);
+  SafeArrayDestroy(both);
   Var variant = arrayOf(VT_UI1, bytes(3));
   EXPECT_EQ(read(Var::reference(variant)), 0);
   ASSERT_EQ(variant.vt, byteArray);

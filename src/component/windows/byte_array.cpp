@@ -50,7 +50,9 @@ Bytes bytesOf(SAFEARRAY* array) {
 HRESULT storeBytes(const Bytes& bytes, SAFEARRAY*& array) {
   const auto size = static_cast<ULONG>(bytes.size());
   if (array == nullptr) {
-    array = SafeArrayCreateVector(VT_UI1, 0, size);
+    // Not as a vector, which is of fixed size: the next result, or the owner, may want another one.
+    SAFEARRAYBOUND bound{size, 0};
+    array = SafeArrayCreate(VT_UI1, 1, &bound);
     if (array == nullptr) return E_OUTOFMEMORY;
   }
   if (!isListOfBytes(array)) return DISP_E_TYPEMISMATCH;
