@@ -114,21 +114,27 @@ DWORD WINAPI waitForMessages(DWORD, const HANDLE*, DWORD, DWORD, DWORD) {
   return WAIT_TIMEOUT;
 }
 
+int WSAAPI failAtOnce(SOCKET, const sockaddr*, int) {
+  WSASetLastError(WSAENETUNREACH);
+  return SOCKET_ERROR;
+}
+
 TEST(WindowsHost, NothingToWaitForEndsAWaitAtOnce) {
   const PatchedImport sleeping = VELK_PATCH("kernel32.dll", Sleep, sleep);
   const PatchedImport messages = VELK_PATCH("user32.dll", MsgWaitForMultipleObjectsEx, waitForMessages);
-  ASSERT_TRUE(sleeping.isThere() && messages.isThere());
+  const PatchedImport connecting = VELK_PATCH("ws2_32.dll", connect, failAtOnce);
+  ASSERT_TRUE(sleeping.isThere() && messages.isThere() && connecting.isThere());
   Host& host = threadHost();
-  for (const char* const name : {"-", ""}) {
-    if (*name == '\0') host.socket().connect(name, 1);
+  for (const char* const name : {"not connected", "", "127.0.0.1"}) {
+    if (name[0] != 'n') host.socket().connect(name, 1);
+    EXPECT_TRUE(host.socket().isDead()) << name;
     for (const auto how : {Messages::held, Messages::dispatched}) {
       waited = false;
       host.block(Source::socket, 10s, how);
       EXPECT_FALSE(waited) << name;
     }
+    host.socket().close();
   }
-  EXPECT_TRUE(host.socket().isDead());
-  host.socket().close();
 }
 
 HANDLE WINAPI noThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD) {
