@@ -185,6 +185,51 @@ TEST_F(Arguments, otherArraysAreRefused) {
   EXPECT_EQ(object_.get(L"SoortETH").value.text(), L"Q");
 }
 
+// --- Objects
+
+/// An object whose default property is 59. To give it drops the host's last reference to the component.
+class Dropping final : public IDispatch {
+ public:
+  explicit Dropping(Object& host) : host_(host) {}
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                   UINT*) override {
+    IDispatch* const component = host_.dispatch();
+    host_ = Object(Ref<IDispatch>());
+    left = component->AddRef() - 1;
+    component->Release();
+    result->vt = VT_I4;
+    result->lVal = 59;
+    return S_OK;
+  }
+
+  ULONG left = 0;  ///< references to the component behind that
+
+ private:
+  Object& host_;
+};
+
+TEST_F(Client, anObjectMayDropTheComponentThatAsksIt) {
+  Object second;
+  second.dispatch()->AddRef();  // so that the count can be looked at
+  IDispatch* const kept = second.dispatch();
+  Dropping object(second);
+  Var argument;
+  argument.vt = VT_DISPATCH;
+  argument.pdispVal = &object;
+  EXPECT_EQ(second.call(L"DECtoBCD", {argument}).value.bVal, 0x59);
+  EXPECT_EQ(object.left, 2U) << "that of this test, and one that the call holds";
+  EXPECT_EQ(kept->Release(), 0U);
+}
+
 // --- No number
 
 /// Has the processor stop the program at an invalid operation, as some hosts do: in both of its units for

@@ -138,6 +138,13 @@ HRESULT SerialObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD f
   if (passed == nullptr) return E_INVALIDARG;
   const Method* const method = findMethod(static_cast<int>(id));
   if (method == nullptr || !mayBeAsked(*method, flags)) return DISP_E_MEMBERNOTFOUND;
+  // What runs of the host's meanwhile, its message loop or an object's default property, may drop its last
+  // reference.
+  AddRef();
+  struct Hold {
+    SerialObject* object;
+    ~Hold() { object->Release(); }
+  } const hold{this};
   return described(exception, [&] {
     return (flags & DISPATCH_PROPERTYPUT) != 0 ? put(*method, *passed, argumentAtFault)
                                                : call(*method, *passed, result, argumentAtFault);
@@ -150,12 +157,6 @@ HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIA
   Call call(method, passed);
   HRESULT outcome = call.take();
   if (SUCCEEDED(outcome)) {
-    // A method may run the host's message loop: the host may drop its last reference meanwhile.
-    AddRef();
-    struct Hold {
-      SerialObject* object;
-      ~Hold() { object->Release(); }
-    } const hold{this};
     VARIANT returned;
     try {
       returned = variantOf(call.run(serial_));
