@@ -103,6 +103,21 @@ TEST(ConfigurationTest, SetsOutputs) {
   EXPECT_EQ(set({"5"}), timer) << "nothing was written";
 }
 
+/// The component takes a roller for a dimmer when it does not learn of its marker.
+TEST(ConfigurationTest, ALostReplyMakesNoDimmerOfARoller) {
+  // The markers that are read for the mode, for the mode with the items, and with the items themselves.
+  for (const char* const fault : {"header@2", "header@5", "header@8"}) {
+    Tool simulator("velk-sim", {"--tcp", "0", "--fault", fault, "--for", "60"});
+    const std::string link = behind(simulator.line(), "tcp Q ");
+    const Ended ended = velk({"output", "--tcp", link, "--json", "7", "set", "RO", "1=4"});
+    EXPECT_EQ(ended.status, 0) << fault;
+    const Json output = Json::parse(ended.text, nullptr, false);
+    EXPECT_EQ(output["mode"], "RO") << fault;
+    EXPECT_EQ(output["items"][1]["value"], 4) << fault;
+    EXPECT_EQ(output["items"][4]["value"], 25) << fault << ", as it was";
+  }
+}
+
 /// The mailbox for modules ends with the first byte of link 0.0.
 TEST(ConfigurationTest, TheMailboxIsNoLink) {
   Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});

@@ -67,12 +67,18 @@ void storeMode(Serial& serial, Byte number, const Layout& layout) {
              "setting the mode of output " + std::to_string(number));
 }
 
-/// All items in one write, those that are not given as they are.
-void storeItems(Serial& serial, Output output, const Items& items) {
+/// All items in one write, those that are not given as they are. They have to be those of the mode.
+void storeItems(Serial& serial, const Layout& layout, Output output, const Items& items) {
+  if (output.mode != layout.code) {
+    expectDone(201, "reading back the mode of output " + std::to_string(output.number));
+  }
   for (const auto& [index, value] : items) output.items.at(index) = value;
   const auto write = [&] { return serial.Ctl_Param("W", output.number, output.mode, Bytes(output.items)); };
-  expectDone(retry().write(write, [&] { return readOutput(serial, output.number).items == output.items; }),
-             "writing output " + std::to_string(output.number));
+  const auto stands = [&] {
+    const Output now = readOutput(serial, output.number);
+    return now.mode == output.mode && now.items == output.items;
+  };
+  expectDone(retry().write(write, stands), "writing output " + std::to_string(output.number));
 }
 
 void set(Serial& serial, Byte number, const std::vector<std::string>& words) {
@@ -81,7 +87,7 @@ void set(Serial& serial, Byte number, const std::vector<std::string>& words) {
   for (std::size_t i = 2; i < words.size(); ++i)
     items.insert_or_assign(parseAssignment(layout, words[i]).first, parseAssignment(layout, words[i]).second);
   if (readOutputHead(serial, number).mode != layout.code) storeMode(serial, number, layout);
-  if (!items.empty()) storeItems(serial, readOutput(serial, number), items);
+  if (!items.empty()) storeItems(serial, layout, readOutput(serial, number), items);
 }
 
 void print(const Output& output) {

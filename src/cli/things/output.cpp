@@ -5,7 +5,9 @@
 #include <charconv>
 
 #include "cli/retry.h"
+#include "cli/transfer.h"
 #include "cli/words.h"
+#include "controller/modes.h"
 #include "parameters/layouts.h"
 
 namespace velk::cli {
@@ -40,6 +42,18 @@ std::string_view suffixOf(Form form) {
   return form == Form::low ? ".low" : form == Form::high ? ".high" : "";
 }
 
+Byte readByte(Serial& serial, link::Address at, const std::string& what) {
+  return byteAt(readTransfer(serial, {.count = 1, .dph = at.dph, .dpl = at.dpl, .direction = "V"}, what), 0);
+}
+
+/// As `ModeToStr`, which takes a roller for a dimmer when the reading of its marker is lost: here that is
+/// asked again.
+std::string readMode(Serial& serial, Byte number, const std::string& what) {
+  const Byte mode = readByte(serial, {.dph = number, .dpl = parameters::modeOffset}, what);
+  if (mode != controller::rollerMode) return serial.ModeToStr(mode, number);
+  return readByte(serial, controller::rollerMarker(number), what) == number ? "RO" : "DI";
+}
+
 }  // namespace
 
 std::string outputName(Serial& serial, Byte number) {
@@ -47,18 +61,20 @@ std::string outputName(Serial& serial, Byte number) {
 }
 
 Output readOutputHead(Serial& serial, Byte number) {
-  Output output{.number = number, .name = {}, .mode = {}, .items = {}};
-  expectRead([&] { return serial.Ctl_Param("R", number, output.mode, "", std::int16_t{0}); },
-             "reading output " + std::to_string(number));
-  output.name = outputName(serial, number);
-  return output;
+  std::string mode = readMode(serial, number, "output " + std::to_string(number));
+  return {.number = number, .name = outputName(serial, number), .mode = std::move(mode), .items = {}};
 }
 
 Output readOutput(Serial& serial, Byte number) {
   Output output = readOutputHead(serial, number);
   if (output.mode.empty()) return output;
-  expectRead([&] { return serial.Ctl_Param("R", number, output.mode, output.items); },
-             "reading output " + std::to_string(number));
+  const auto read = [&] {
+    std::string mode;
+    const Byte result = serial.Ctl_Param("R", number, mode, output.items);
+    // These are the items of another mode: what was lost is the marker.
+    return result == 0 && mode != output.mode ? Byte{link::noReply} : result;
+  };
+  expectRead(read, "reading output " + std::to_string(number));
   return output;
 }
 
