@@ -59,6 +59,10 @@ Option Option::showDefault() const {
   return *this;
 }
 
+bool Option::isGiven() const {
+  return option_->count() != 0;
+}
+
 CommandLine::CommandLine(const std::string& program, const std::string& description)
     : app_(std::make_shared<CLI::App>(description, program)) {}
 

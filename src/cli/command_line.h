@@ -45,6 +45,9 @@ class Option {
   /// Help shows the present value as the default.
   Option showDefault() const;
 
+  /// Whether it stood on the command line; once that is read.
+  [[nodiscard]] bool isGiven() const;
+
  private:
   CLI::Option* option_;
 };

@@ -33,6 +33,7 @@ void LinkChoice::declare(const CommandLine& line) {
                           .showDefault();
   const Option fast =
       line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
+  address_ = address;
   for (const Option& option : {tcp, serial, simulate, text, password, address, baud, fast})
     option.group(group);
 }
@@ -41,7 +42,12 @@ std::optional<LinkOptions> LinkChoice::find() const {
   if (!text_.empty()) return parseLink(text_);
   if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
     const auto text = environment("VELK_LINK");
-    return text && !text->empty() ? std::optional(parseLink(*text)) : std::nullopt;
+    if (!text || text->empty()) return std::nullopt;
+    // Left out it would be the wrong controller, and which of two is meant is no guess of ours.
+    if (address_ && address_->isGiven()) {
+      throw std::invalid_argument("--address does not go with VELK_LINK, which has an address of its own");
+    }
+    return parseLink(*text);
   }
   LinkOptions link = options_;
   link.password = checkedPassword(unescaped(password_));

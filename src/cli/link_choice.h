@@ -27,6 +27,7 @@ class LinkChoice {
   std::string password_;
   int baud_ = LinkOptions().baud;
   int busAddress_ = LinkOptions().busAddress;
+  std::optional<Option> address_;
 };
 
 /// Opens a link. Throws `Failure` with `noLink` when it does not open.

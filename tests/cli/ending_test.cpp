@@ -70,6 +70,10 @@ TEST(Ending, AnAddressThatNoControllerHasIsRefusedBeforeAnythingIsOpened) {
       EXPECT_EQ(velk({"clock", "--link", std::string(link) + address}).status, 2) << link << address;
     }
   }
+  setenv("VELK_LINK", "tcp://127.0.0.1:1", 1);  // NOLINT(concurrency-mt-unsafe)
+  EXPECT_EQ(velk({"clock", "--address", "5"}).status, 2) << "would be left out: the text has its own";
+  EXPECT_EQ(velk({"clock"}).status, 4);
+  unsetenv("VELK_LINK");  // NOLINT(concurrency-mt-unsafe)
   for (const char* const address : {"2", "99"}) {
     EXPECT_EQ(velk({"clock", "--serial", "/dev/null/none", "--address", address}).status, 4) << address;
     EXPECT_EQ(velk({"clock", "--link", std::string("tcp://127.0.0.1:1?address=") + address}).status, 4);
