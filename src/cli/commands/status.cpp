@@ -5,6 +5,7 @@
 
 #include "cli/commands/command.h"
 #include "cli/link_text.h"
+#include "cli/retry.h"
 #include "cli/things/clock.h"
 
 namespace velk::cli {
@@ -61,7 +62,7 @@ struct Firmware {
 Firmware readFirmware(Serial& serial) {
   constexpr std::size_t clockEnd = 13;
   Bytes block;
-  expectDone(serial.Ctl_Init("R", block), "reading the initialisation block");
+  expectRead([&] { return serial.Ctl_Init("R", block); }, "reading the initialisation block");
   return {.settings = block.substr(0, 3),
           .controller = block.substr(3, 2),
           .kind = byteAt(block, 5),
