@@ -4,6 +4,7 @@
 #include "cli/backup/check.h"
 #include "cli/backup/controller_backup.h"
 #include "cli/backup/describe.h"
+#include "cli/backup/event_list.h"
 #include "cli/backup/memory_reader.h"
 #include "cli/backup/progress.h"
 #include "cli/backup/restorable_module.h"
@@ -58,9 +59,27 @@ std::vector<Piece> piecesOf(const std::vector<Spot>& spots, const Lines& lines) 
   return pieces;
 }
 
+/// What has to be written of a thing that differs: the bytes that do, but a list of events up to its end.
+/// What lies behind the end of the shorter one that the controller has was not compared, and is part of the
+/// list then.
+std::vector<Spot> spotsToWrite(const Difference& difference, const Lines& lines) {
+  constexpr int pageSize = 256;
+  if (difference.spots.empty()) return {};
+  Spot spot = difference.spots.front();
+  if (const auto thing = thingAt(spot); !thing || thing->kind != Kind::events) return difference.spots;
+  std::vector<Spot> spots;
+  Bytes list;
+  for (int offset = 0; offset < pageSize && !endOfEvents(list); ++offset) {
+    spot.offset = static_cast<Byte>(offset);
+    spots.push_back(spot);
+    list += character(byteOf(lines, spot));
+  }
+  return spots;
+}
+
 /// Writes one thing and reads every byte back.
 void restoreOne(Serial& serial, const Difference& difference, const Backup& backup) {
-  for (const Piece& piece : piecesOf(difference.spots, backup.lines)) {
+  for (const Piece& piece : piecesOf(spotsToWrite(difference, backup.lines), backup.lines)) {
     writeBytes(serial, piece.spot, piece.bytes);
     if (readBytes(serial, piece.spot, piece.bytes.size()) != piece.bytes) {
       expectDone(201, "reading back " + difference.title);
