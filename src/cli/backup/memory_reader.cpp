@@ -77,7 +77,7 @@ void writeBytes(Serial& serial, Spot spot, const Bytes& bytes) {
   writeTransfer(serial, transferOf(spot, bytes.size()), bytes, nameOf(spot));
 }
 
-bool areFrom(Serial& serial, const Lines& lines) {
+Origin originOf(Serial& serial, const Lines& lines) {
   constexpr std::size_t samples = 64;
   std::vector<Spot> telling;
   for (const Spot line : fixedLines([](Kind /*kind*/) { return true; })) {
@@ -88,9 +88,9 @@ bool areFrom(Serial& serial, const Lines& lines) {
   for (std::size_t i = 0; i < telling.size(); i += step) {
     const Spot line = telling[i];
     const Bytes now = onlyConfiguration(line, readBytes(serial, line, lineSize));
-    if (!isSame(line, now, lines.at(line))) return false;
+    if (!isSame(line, now, lines.at(line))) return Origin::elsewhere;
   }
-  return !telling.empty();
+  return telling.empty() ? Origin::unknown : Origin::here;
 }
 
 void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step) {

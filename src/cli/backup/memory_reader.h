@@ -16,9 +16,15 @@ using Step = std::function<void(std::size_t done, std::size_t total)>;
 /// after Ctrl-C; the lines read until then stay.
 void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step);
 
-/// Whether lines were read from this controller, as far as that can be told: up to 64 of them, spread over
-/// all, are read again and are the same. Lines of zeros tell nothing. Throws `Failure`.
-bool areFrom(Serial& serial, const Lines& lines);
+/// Where lines were read, as far as that can be told.
+enum class Origin : Byte {
+  here,       ///< from this controller, as it is
+  elsewhere,  ///< from another one, or from this one before it was changed
+  unknown,    ///< all are zero
+};
+
+/// Reads up to 64 of them again, spread over all that are not zero. Throws `Failure`.
+Origin originOf(Serial& serial, const Lines& lines);
 
 /// Reads up to 16 bytes from a spot on; a read that is lost is repeated. Throws `Failure`.
 Bytes readBytes(Serial& serial, Spot spot, std::size_t count);

@@ -34,18 +34,19 @@ std::string now() {
   return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&time))};
 }
 
-/// An unfinished backup of the same controller, or a new one. Over another link, which may be the same
-/// interface on another device, the controller itself is asked.
+/// An unfinished backup of the same controller, or a new one. The controller itself is asked: another link
+/// may lead to the same one, and the same device to another one, in the next house.
 Backup begin(Serial& serial, PartFile& part, const std::string& link) {
   if (std::optional<Backup> found = part.unfinished()) {
     const bool sameLink = found->link == link;
-    if (sameLink || areFrom(serial, found->lines)) {
+    const Origin origin = originOf(serial, found->lines);
+    if (origin == Origin::here || (origin == Origin::unknown && sameLink)) {
       std::cerr << "velk: continuing the backup begun at " << found->begun
                 << (sameLink ? "" : " over " + found->link + ", which was of this controller") << '\n';
       found->link = link;
       return *std::move(found);
     }
-    part.putAside("it is of another controller (" + found->link + ")");
+    part.putAside("it is of another controller (" + found->link + "), or this one was changed since");
   }
   return {.begun = now(), .link = link, .lines = {}, .modules = {}};
 }
