@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "cli/failure.h"
+#include "cli/system_files.h"
 #include "values/runtime_error.h"
 
 namespace velk::cli {
@@ -15,6 +16,7 @@ int guarded(std::string_view program, const std::function<int()>& carryOut) {
     std::cerr << program << ": " << sentence << '\n';
     return status;
   };
+  system::holdStandardStreams();
   try {
     return carryOut();
   } catch (const Failure& failure) {

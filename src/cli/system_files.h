@@ -5,6 +5,10 @@
 /// What files.h asks of the operating system. Everything throws std::system_error with its reason.
 namespace velk::cli::system {
 
+/// Keeps the places of standard streams that were closed from the start: a link that took the place of
+/// standard output would be sent what is printed.
+void holdStandardStreams();
+
 /// Throws "file too large" when there are more bytes than that.
 std::string read(const std::string& path, std::size_t atMost);
 

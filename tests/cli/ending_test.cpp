@@ -53,6 +53,10 @@ TEST(Ending, AStandardOutputThatTakesNothingIsAnError) {
   EXPECT_EQ(status("week --simulate --json >/dev/full"), 5) << "also when the buffer is full before the end";
   EXPECT_EQ(status("--help >/dev/full"), 5);
   EXPECT_EQ(status("methods >&-"), 5);
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = behind(simulator.line(), "tcp Q ");
+  EXPECT_EQ(status("outputs --tcp " + link + " >&-"), 5) << "the socket does not take its place";
+  EXPECT_EQ(status("backup --tcp 127.0.0.1:1 - >&-"), 5) << "before the link is opened";
   EXPECT_EQ(status("diff --simulate " + backup + " >/dev/full"), 0) << "nothing is written";
   EXPECT_EQ(status("call --simulate Ctl_Param R 0 '' >/dev/full"), 5) << "whatever the result";
   EXPECT_EQ(status("call Nothing >/dev/full"), 2);

@@ -96,6 +96,15 @@ class Successor {
   Fd fd_;
 };
 
+Fd standardOutput() {
+  Fd fd(dup(STDOUT_FILENO));
+  check(static_cast<bool>(fd));
+  if ((fcntl(fd.get(), F_GETFL) & O_ACCMODE) == O_RDONLY) {
+    throw std::system_error(std::make_error_code(std::errc::bad_file_descriptor));
+  }
+  return fd;
+}
+
 std::string behindLinks(const std::string& path) {
   std::array<char, PATH_MAX> resolved;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by realpath
   check(realpath(path.c_str(), resolved.data()) != nullptr);
@@ -103,6 +112,15 @@ std::string behindLinks(const std::string& path) {
 }
 
 }  // namespace
+
+void holdStandardStreams() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // Opened the wrong way round, so that using it is the error that it was; it gets the lowest number free.
+    if (fcntl(fd, F_GETFD) < 0) {
+      [[maybe_unused]] const int held = ::open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
+}
 
 std::string read(const std::string& path, std::size_t atMost) {
   const Fd file(path == standardStream ? dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -122,7 +140,7 @@ std::string read(const std::string& path, std::size_t atMost) {
 Destination open(const std::string& path) {
   // A write past the limit of a file's size shall be refused with a reason, not end the program.
   std::signal(SIGXFSZ, SIG_IGN);
-  if (path == standardStream) return {.file = {}, .sink = std::make_unique<OpenFile>(Fd(dup(STDOUT_FILENO)))};
+  if (path == standardStream) return {.file = {}, .sink = std::make_unique<OpenFile>(standardOutput())};
   Fd fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
   const bool isNew = !fd && errno == ENOENT;
   // Made for a moment: that tells whether it can be, and where a link leads that leads nowhere yet.
