@@ -58,12 +58,14 @@ class Retry {
     return result;
   }
 
+  /// Waits for what may be on its way still, behind a request that is not repeated. Ends early, with
+  /// `Failure`, on Ctrl-C.
+  void pause();
+
   /// How many requests were repeated so far.
   [[nodiscard]] int repeated() const { return repeated_; }
 
  private:
-  /// Ends early, with `Failure`, on Ctrl-C.
-  void pause();
   void again();
 
   platform::Host& host_;

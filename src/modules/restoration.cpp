@@ -90,9 +90,14 @@ int piecesToRead(const Subject& subject) {
   return (readLength(subject, startOf(subject)) + pieceSize - 1) / pieceSize;
 }
 
+bool isWhole(const Subject& subject, const Bytes& record) {
+  if (readsLongRecord(subject)) return !record.empty();
+  return record.size() == readLength(subject, startOf(subject));
+}
+
 Restoration restorationOf(const Subject& subject, const Bytes& record) {
   if (readsLongRecord(subject)) return {.data = {}, .obstacle = longOnly};
-  if (record.size() != readLength(subject, startOf(subject))) return {.data = {}, .obstacle = incomplete};
+  if (!isWhole(subject, record)) return {.data = {}, .obstacle = incomplete};
   Restoration found = undone(subject, record);
   if (!found.obstacle.empty()) return found;
   constexpr int otherError = 99;

@@ -20,6 +20,9 @@ bool isOwnModule(std::string_view serieNr);
 /// The number of requests that a read of a record from its start takes.
 int piecesToRead(const Subject& subject);
 
+/// Whether a record that was read from its start came whole, as far as its length tells.
+bool isWhole(const Subject& subject, const Bytes& record);
+
 /// Undoes the translation of a record that `Module` read, from `Offset` 0 on, and checks that the data found
 /// are taken by a write and read back the same. Some types read what they cannot write: another length, or
 /// fields of which reading does not tell all bits.

@@ -106,7 +106,10 @@ TEST(ToolRetry, CountsWhatItRepeats) {
   EXPECT_EQ(complaintOf({"links", "--tcp", link}), "velk: 1 request was lost on the way and repeated\n");
   EXPECT_EQ(complaintOf({"ir-text", "--tcp", link, "3", "Radio"}), "")
       << "it is the second request that is lost";
+  const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(complaintOf({"modules", "--tcp", link, "090500"}).substr(0, 29), "velk: reading module 090500: ");
+  EXPECT_GE(std::chrono::steady_clock::now() - start, Retry::pauseTime)
+      << "a late answer would be taken for one about the next module";
   EXPECT_EQ(complaintOf({"clock", "--tcp", link, "set"}),
             "velk: 1 request was lost on the way and repeated\n");
   Tool first("velk-sim", {"--tcp", "0", "--fault", "header@1", "--trace", "--for", "600"});

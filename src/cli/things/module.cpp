@@ -1,5 +1,9 @@
 #include "cli/things/module.h"
 
+#include <algorithm>
+#include <array>
+
+#include "cli/retry.h"
 #include "cli/words.h"
 #include "modules/restoration.h"
 
@@ -8,6 +12,14 @@ namespace {
 
 std::string obstacleOf(const Module& module) {
   return modules::restorationOf({.serieNr = module.serial, .known = module.known}, module.record).obstacle;
+}
+
+/// Whether a reply may have come too late, so that it would be taken for one about the next module: no
+/// answer, a trigger that stayed set, or a piece left out.
+bool mayBeLate(const Module& module, Byte result) {
+  constexpr std::array<Byte, 3> unanswered{99, 100, 107};
+  if (result == 0) return !modules::isWhole({.serieNr = module.serial, .known = module.known}, module.record);
+  return isLost(result) || std::find(unanswered.begin(), unanswered.end(), result) != unanswered.end();
 }
 
 /// The component counts one piece more for a known model.
@@ -31,10 +43,12 @@ Module readModule(Serial& serial, const std::string& number) {
   if (modules::isOwnModule(number)) forgetModel(serial);
   Byte offset = 0;
   std::string model;
-  expectDone(serial.Module("R", number, module.record, offset, model, module.cpuType, module.firmware),
-             "reading module " + number);
-  module.model = label(model);
+  const Byte result =
+      serial.Module("R", number, module.record, offset, model, module.cpuType, module.firmware);
   module.known = isKnown(number, offset);
+  if (mayBeLate(module, result)) retry().pause();
+  expectDone(result, "reading module " + number);
+  module.model = label(model);
   module.obstacle = obstacleOf(module);
   return module;
 }
