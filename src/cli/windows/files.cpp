@@ -106,9 +106,12 @@ class Successor {
     handle_.reset();
     const bool kept = ReplaceFileW(file.c_str(), name_.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                                    nullptr, nullptr) != 0;
-    check(kept ||
-          MoveFileExW(name_.c_str(), file.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0);
-    name_.clear();
+    // Without a name for the file before, this failure has removed that, and the new one is all there is.
+    const bool isAlone = !kept && GetLastError() == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+    const bool moved = kept || MoveFileExW(name_.c_str(), file.c_str(),
+                                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    if (moved || isAlone) name_.clear();
+    check(moved);
   }
 
  private:

@@ -21,6 +21,8 @@ BOOL WINAPI onEvent(DWORD event) {
 }  // namespace
 
 void watchInterrupts() {
+  // Each call would add it once more, and one removal leave the others.
+  SetConsoleCtrlHandler(onEvent, FALSE);
   SetConsoleCtrlHandler(onEvent, TRUE);
 }
 
