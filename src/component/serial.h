@@ -161,8 +161,8 @@ class Serial : public link::Settings {
   /// (0x0208 to 0x020A, read only). A write ends before the clock or covers positions 8 to 13; the clock then
   /// takes the last seven characters. A read that reaches position 13 appends the three further bytes. What
   /// was read before a failure stays in `Parameters`. With an `Aantal` of 0 a write transfers nothing; a read
-  /// gives an empty text below `Offset` 6 and nothing at 6, but above that what the link takes a count of 0
-  /// for: 16 bytes.
+  /// gives an empty text below `Offset` 6, nothing at 6 and the three further bytes at 13, but between them
+  /// asks for what the link takes a count of 0 for: 16 bytes.
   /// @param ReadOrWrite "R" reads; "W", "RW" and "" write.
   /// @param Parameters the bytes; on reading replaced by those read.
   /// @return 0; 99 nothing transferred; 101 bad `ReadOrWrite`; 102 `Offset` + `Aantal` above 16; 103 `Offset`

@@ -102,6 +102,22 @@ TEST_F(BackupTest, TellsDifferencesInWords) {
             "infrared text 1: text Radio -> Tuner\n");
 }
 
+/// What was deleted lies behind the end mark still.
+TEST_F(BackupTest, RestoresEventsOverWhatIsLeftOfOthers) {
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  const std::string link = linkOf(simulator);
+  const auto record = [&](const std::string& data) {
+    EXPECT_EQ(call({"--tcp", link, "Simulation", "W", "2", "3", "Data=" + data}).status, 0);
+  };
+  record(R"(\x0f\x1e\x05\x00\x02)");
+  ASSERT_EQ(velk({"backup", "--tcp", link, file("a")}).status, 0);
+  record(R"(\x0f\x1e\x05\x07\x02)");
+  record("");
+  EXPECT_EQ(velk({"restore", "--tcp", link, "--yes", file("a")}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "Simulation", "R", "2", "3"}).text,
+            "0  (done)\nData=\\x0f\\x1e\\x05\\x00\\x02\n");
+}
+
 TEST_F(BackupTest, RestoresModules) {
   Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = linkOf(simulator);
@@ -338,6 +354,15 @@ TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
   EXPECT_NE(complaintOf({"backup", "--tcp", linkOf(other), file("a")}).find("of another controller"),
             std::string::npos);
   EXPECT_TRUE(fs::exists(file("a.part.4")));
+
+  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "60"});
+  const std::string link = linkOf(source);
+  EXPECT_NE(velk({"backup", "--tcp", link, file("a")}).status, 0);
+  EXPECT_EQ(call({"--tcp", link, "WriteCom", "1", "1", "2", "V", "\\x07"}).status, 0);
+  EXPECT_NE(complaintOf({"backup", "--tcp", link, file("a")}).find("or this one was changed since"),
+            std::string::npos)
+      << "over the same link, too";
+  fs::remove(file("a.part"));
   fs::create_directory(file("a.part"));
   EXPECT_EQ(velk({"backup", "--simulate", file("a")}).status, 0);
 }
