@@ -214,10 +214,13 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk-sim", description);
   Options options;
   declare(line, options);
-  if (const auto status = line.parse(argc, argv)) return *status;
-  watchInterrupts();
-  run(options);
-  return success;
+  const auto status = line.parse(argc, argv);
+  if (!status) {
+    watchInterrupts();
+    run(options);
+  }
+  if (!std::cout.flush()) throw Failure(badFile, "standard output cannot be written");
+  return status.value_or(success);
 }
 
 }  // namespace

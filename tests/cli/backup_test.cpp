@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -318,7 +319,8 @@ TEST_F(BackupTest, WhatWasReadIsKeptEveryFewSeconds) {
   const std::string link = linkOf(source);
   Tool backup("velk", {"backup", "--tcp", link, file("a")});
   // At the start it is there for a moment, which tells that it can be.
-  while (std::ifstream(file("a.part")).peek() == EOF)
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (std::ifstream(file("a.part")).peek() == EOF && std::chrono::steady_clock::now() < end)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   EXPECT_EQ(backup.finish(SIGKILL), -1);
   Tool quick("velk-sim", {"--tcp", "0", "--for", "600"});

@@ -41,19 +41,21 @@ TEST(Ending, EveryRequestToEndStopsATransfer) {
 }
 
 TEST(Ending, AStandardOutputThatTakesNothingIsAnError) {
-  const std::string velk = std::string(VELK_BIN_DIR) + "/velk ";
-  const auto status = [&](const std::string& words) {
+  const auto statusOf = [](const std::string& words) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe, cert-env33-c)
-    const int ended = std::system((velk + words + " 2>/dev/null").c_str());
+    const int ended = std::system((VELK_BIN_DIR "/" + words + " 2>/dev/null").c_str());
     return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
   };
+  const auto status = [&](const std::string& words) { return statusOf("velk " + words); };
   const std::string backup = file("c");
   EXPECT_EQ(status("backup --simulate " + backup), 0);
   EXPECT_EQ(status("outputs --simulate >/dev/full"), 5);
   EXPECT_EQ(status("week --simulate --json >/dev/full"), 5) << "also when the buffer is full before the end";
   EXPECT_EQ(status("--help >/dev/full"), 5);
   EXPECT_EQ(status("methods >&-"), 5);
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  EXPECT_EQ(statusOf("velk-sim --help >/dev/full"), 5);
+  EXPECT_EQ(statusOf("velk-sim --for 0 >/dev/full"), 5);
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = behind(simulator.line(), "tcp Q ");
   EXPECT_EQ(status("outputs --tcp " + link + " >&-"), 5) << "the socket does not take its place";
   EXPECT_EQ(status("backup --tcp 127.0.0.1:1 - >&-"), 5) << "before the link is opened";

@@ -36,7 +36,7 @@ void apply(const SerialSettings& settings, DCB& state) {
   state.Parity = parityCode(settings.parity);
   state.StopBits = stopCode(settings.stopBits);
   state.fBinary = TRUE;
-  state.fParity = settings.parity != 'N';
+  state.fParity = TRUE;
   state.fDtrControl = DTR_CONTROL_ENABLE;
   state.fRtsControl = RTS_CONTROL_ENABLE;
   state.fOutxCtsFlow = FALSE;

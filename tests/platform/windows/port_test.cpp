@@ -138,7 +138,7 @@ TEST_F(WindowsPort, EveryFieldOfTheStateThatMattersIsSet) {
   EXPECT_EQ(state.Parity, 0);
   EXPECT_EQ(state.StopBits, 0);
   EXPECT_EQ(state.fBinary, 1U);
-  EXPECT_EQ(state.fParity, 0U);
+  EXPECT_EQ(state.fParity, 1U);
   EXPECT_EQ(state.fDtrControl, 1U);
   EXPECT_EQ(state.fRtsControl, 1U);
   EXPECT_EQ(state.fOutxCtsFlow, 0U);
