@@ -69,9 +69,10 @@ table() { # every host over every link
   echo
 }
 
-# held_up FILE: whether a check failed since a link lost something. The clocks here are real: a byte on a line in echo
-# mode has 0.1 s to come back, and on a busy machine one of many thousand comes later.
-held_up() { grep -A12 -e '^FAILED' -e ': Failure' "$1" | grep -qE "got \[25[1-4]\]|\(25[1-4][,)]"; }
+# held_up FILE: whether a host did not start at all, which is Wine's doing, or a check failed since a link lost
+# something. The clocks here are real: a byte on a line in echo mode has 0.1 s to come back, and on a busy machine one
+# of many thousand comes later.
+held_up() { [ ! -s "$1" ] || grep -A12 -e '^FAILED' -e ': Failure' "$1" | grep -qE "got \[25[1-4]\]|\(25[1-4][,)]"; }
 
 until_not_held_up() { # until_not_held_up FILE COMMAND...: three times at most; the output goes to the file
   log=$1
@@ -79,7 +80,7 @@ until_not_held_up() { # until_not_held_up FILE COMMAND...: three times at most; 
   for _ in 1 2; do
     "$@" >"$log" && return
     held_up "$log" || return
-    echo "$(basename "$log" .log): once more, a link was held up"
+    echo "$(basename "$log" .log): once more, it was held up"
   done
   "$@" >"$log"
 }
@@ -111,7 +112,11 @@ end_children() {
   for child in $children; do kill "$child" 2>/dev/null && wait "$child" 2>/dev/null; done
   children=
 }
-trap end_children EXIT
+end() {
+  end_children
+  wineserver -k >/dev/null 2>&1
+}
+trap end EXIT
 trap 'exit 130' INT TERM
 
 wait_for() { # wait_for FILE PATTERN: until a child has said so
@@ -245,6 +250,8 @@ if [ ! -e "$WINEPREFIX/system.reg" ]; then
   timeout -k 5 "$longest" wineboot -i >/dev/null 2>&1
   timeout -k 5 "$longest" wineserver -w # it goes on filling the registry behind our back
 fi
+# One server for all hosts: left to itself Wine starts one for each, and on a busy machine a host met one that ended.
+wineserver -p >/dev/null 2>&1
 rm -f "$work/outcomes"
 registration
 start_controller
