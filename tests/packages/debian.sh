@@ -40,7 +40,7 @@ check "  and that of the tools" \
   test "$("$usr/bin/velk" --version), $("$usr/bin/velk-sim" --version)" = "velk $version, velk-sim $version"
 check "  and of the manual page" sh -c "zcat -f '$usr'/share/man/man1/velk.1* | grep -F '\"VelkCom $version\"'"
 check "  and the newest that CHANGELOG.md tells of" \
-  test "$(zcat -f "$usr"/share/doc/velkcom/CHANGELOG.md* | grep -m1 '^## ')" = "## $version"
+  test "$(zcat -f "$usr"/share/doc/velkcom/CHANGELOG.md* | grep '^## [0-9]' | head -n 1)" = "## $version"
 completes() { # completes "WORDS" COMPLETION: bash, with the cursor behind the words, offers the completion
   bash -c '. "$1"; COMP_WORDS=($2); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _velk
     printf "%s\n" "${COMPREPLY[@]}" | grep -qx -- "$3"' completes "$usr/share/bash-completion/completions/velk" "$@"
