@@ -1,5 +1,7 @@
 #include "cli/guarded.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <iostream>
 #include <new>
 #include <stdexcept>
@@ -11,12 +13,26 @@
 
 namespace velk::cli {
 
-int guarded(std::string_view program, const std::function<int()>& carryOut) {
+namespace {
+
+/// Says why when standard output has failed, now or before.
+bool outputFailed(std::string_view program) {
+  errno = 0;
+  std::cout.flush();
+  const bool flushed = std::fflush(stdout) == 0;
+  const int reason = errno;
+  if (flushed && std::ferror(stdout) == 0 && std::cout) return false;
+  std::cerr << program << ": standard output cannot be written";
+  if (reason != 0) std::cerr << ": " << std::generic_category().message(reason);
+  std::cerr << '\n';
+  return true;
+}
+
+int statusOf(std::string_view program, const std::function<int()>& carryOut) {
   const auto report = [&](std::string_view sentence, ExitStatus status) {
     std::cerr << program << ": " << sentence << '\n';
     return status;
   };
-  system::holdStandardStreams();
   try {
     return carryOut();
   } catch (const Failure& failure) {
@@ -32,6 +48,15 @@ int guarded(std::string_view program, const std::function<int()>& carryOut) {
   } catch (const std::exception& error) {
     return report(error.what(), runtimeError);
   }
+}
+
+}  // namespace
+
+int guarded(std::string_view program, const std::function<int()>& carryOut) {
+  system::holdStandardStreams();
+  const int status = statusOf(program, carryOut);
+  const bool isError = status != success && status != badResult;
+  return outputFailed(program) && !isError ? badFile : status;
 }
 
 }  // namespace velk::cli

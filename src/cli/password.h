@@ -2,16 +2,16 @@
 
 #include <stdexcept>
 
+#include "link/settings.h"
 #include "values/bytes.h"
 
 namespace velk::cli {
 
-/// What an interface takes; a longer password it would cut, and which part is meant is no guess of ours.
-constexpr std::size_t passwordLength = 4;
-
-/// The password, unless it is longer; throws std::invalid_argument then.
+/// The password, unless it is longer than an interface takes; throws std::invalid_argument then: a longer one
+/// would be cut, and which part is meant is no guess of ours.
 inline Bytes checkedPassword(Bytes password) {
-  if (password.size() > passwordLength) throw std::invalid_argument("a password has at most four characters");
+  if (password.size() > link::passwordLength)
+    throw std::invalid_argument("a password has at most four characters");
   return password;
 }
 

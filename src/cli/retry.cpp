@@ -1,6 +1,7 @@
 #include "cli/retry.h"
 
 #include <algorithm>
+#include <iostream>
 
 #include "cli/interrupts.h"
 #include "link/link.h"
@@ -29,6 +30,13 @@ void Retry::again() {
 Retry& retry() {
   static Retry ofTheProgram(platform::threadHost());
   return ofTheProgram;
+}
+
+void tellRepeats() {
+  if (const int count = retry().repeated(); count != 0) {
+    std::cerr << "velk: " << count << (count == 1 ? " request was" : " requests were")
+              << " lost on the way and repeated\n";
+  }
 }
 
 }  // namespace velk::cli

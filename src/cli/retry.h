@@ -28,14 +28,7 @@ class Retry {
   /// Carries out a read until its outcome is not lost; returns the last one.
   template <class Read, class Lost>
   auto read(Read read, Lost lost) {
-    auto outcome = read();
-    int tries = 0;
-    for (; lost(outcome) && tries < times; ++tries) {
-      again();
-      outcome = read();
-    }
-    if (tries != 0) pause();
-    return outcome;
+    return repeat(read, read, lost);
   }
 
   /// The same for reads that end with a result byte.
@@ -48,14 +41,8 @@ class Retry {
   /// controller before it writes again. `stands` reads back whether all is there.
   template <class Write, class Stands>
   Byte write(Write write, Stands stands) {
-    Byte result = write();
-    int tries = 0;
-    for (; isLost(result) && tries < times; ++tries) {
-      again();
-      result = stands() ? Byte{0} : write();
-    }
-    if (tries != 0) pause();
-    return result;
+    return repeat(
+        write, [&] { return stands() ? Byte{0} : write(); }, isLost);
   }
 
   /// Waits for what may be on its way still, behind a request that is not repeated. Ends early, with
@@ -66,6 +53,17 @@ class Retry {
   [[nodiscard]] int repeated() const { return repeated_; }
 
  private:
+  template <class First, class Next, class Lost>
+  auto repeat(First first, Next next, Lost lost) {
+    auto outcome = first();
+    int tries = 0;
+    for (; lost(outcome) && tries < times; ++tries) {
+      again();
+      outcome = next();
+    }
+    if (tries != 0) pause();
+    return outcome;
+  }
   void again();
 
   platform::Host& host_;
@@ -74,6 +72,9 @@ class Retry {
 
 /// That of the program's own link.
 Retry& retry();
+
+/// Says at the end of a command how many requests were lost on the way and repeated.
+void tellRepeats();
 
 /// Carries out a read as `Retry` does. Throws `Failure` that names what was tried, unless its result is 0.
 template <class Read>

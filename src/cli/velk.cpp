@@ -1,9 +1,9 @@
 #include <iostream>
 
 #include "cli/commands/command.h"
-#include "cli/ending.h"
 #include "cli/guarded.h"
 #include "cli/native_text.h"
+#include "cli/retry.h"
 
 /// The controller's configuration, and the component's methods, from the command line.
 namespace velk::cli {
@@ -67,6 +67,8 @@ int carryOut(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
-    return velk::cli::ended(velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); }));
+    const int status = velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
+    velk::cli::tellRepeats();
+    return status;
   });
 }

@@ -112,7 +112,7 @@ void print(const std::string& line) {
 SessionOptions sessionOptions(const Options& options) {
   SessionOptions result;
   result.busAddress = static_cast<Byte>(options.busAddress);
-  result.password = padded(checkedPassword(bytesOfUtf8(options.password)), passwordLength, '\0');
+  result.password = padded(checkedPassword(bytesOfUtf8(options.password)), link::passwordLength, '\0');
   for (const std::string& fault : options.faults) result.faults.add(fault);
   if (options.trace) result.trace = print;
   return result;
@@ -219,7 +219,6 @@ int carryOut(int argc, char** argv) {
     watchInterrupts();
     run(options);
   }
-  if (!std::cout.flush()) throw Failure(badFile, "standard output cannot be written");
   return status.value_or(success);
 }
 

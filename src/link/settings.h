@@ -11,6 +11,9 @@ constexpr Byte lowestBusAddress = 2;
 constexpr Byte highestBusAddress = 99;
 constexpr Byte defaultBusAddress = 2;
 
+/// The bytes of the password with which a host logs in to an Ethernet interface of kind "Q".
+constexpr std::size_t passwordLength = 4;
+
 /// The public settings of a `Serial` object, read at every transaction. Writing one has no effect but on the
 /// next transaction.
 struct Settings {

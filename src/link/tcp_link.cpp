@@ -6,7 +6,6 @@ namespace velk::link {
 namespace {
 
 constexpr Seconds greetingTime(1.5);
-constexpr std::size_t passWordLength = 4;
 
 /// Bytes of value 0 are a password, blanks are none.
 bool isBlank(std::string_view text) {
@@ -14,7 +13,7 @@ bool isBlank(std::string_view text) {
 }
 
 Byte logIn(Link link, std::string& passWord) {
-  passWord = padded(passWord, passWordLength, '\0');
+  passWord = padded(passWord, passwordLength, '\0');
   const Bytes reply =
       tranceivTcp(link, {.protocol = 1, .id = 1, .attempts = 0, .function = tcpLogin, .data = passWord});
   return byteAt(reply, 0);
@@ -24,7 +23,7 @@ Byte logIn(Link link, std::string& passWord) {
 
 Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, std::string& passWord,
              Byte rsAddress) {
-  if (isBlank(passWord)) passWord.assign(passWordLength, '\0');
+  if (isBlank(passWord)) passWord.assign(passwordLength, '\0');
   link.settings.NoEcho = true;
   // A signed 16-bit number reaches the upper ports as negative ones.
   link.host.socket().connect(ipAddress, static_cast<std::uint16_t>(portNumber));
