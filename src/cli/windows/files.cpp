@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "cli/system_files.h"
+#include "cli/windows/wide.h"
 #include "platform/windows/handle.h"
 
 namespace velk::cli::system {
@@ -19,28 +20,6 @@ constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 void check(bool succeeded) {
   if (!succeeded) fail();
-}
-
-/// Texts are UTF-8; what is not is taken as the system's code page has it.
-std::wstring wide(std::string_view text) {
-  const auto length = static_cast<int>(text.size());
-  for (const UINT page : {UINT{CP_UTF8}, UINT{CP_ACP}}) {
-    const DWORD strict = page == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-    const int size = MultiByteToWideChar(page, strict, text.data(), length, nullptr, 0);
-    if (size == 0) continue;
-    std::wstring result(static_cast<std::size_t>(size), L'\0');
-    MultiByteToWideChar(page, strict, text.data(), length, result.data(), size);
-    return result;
-  }
-  return {};
-}
-
-std::string narrow(std::wstring_view text) {
-  const auto length = static_cast<int>(text.size());
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string result(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, result.data(), size, nullptr, nullptr);
-  return result;
 }
 
 Handle openFile(const std::wstring& path, DWORD access, DWORD disposition) {
@@ -137,7 +116,7 @@ void holdStandardStreams() {}
 
 std::string read(const std::string& path, std::size_t atMost) {
   const bool standard = path == standardStream;
-  const Handle file = standard ? nullptr : openFile(wide(path), GENERIC_READ, OPEN_EXISTING);
+  const Handle file = standard ? nullptr : openFile(wideOf(path), GENERIC_READ, OPEN_EXISTING);
   check(standard || file);
   HANDLE const handle = standard ? GetStdHandle(STD_INPUT_HANDLE) : file.get();
   std::string text;
@@ -155,7 +134,7 @@ std::string read(const std::string& path, std::size_t atMost) {
 
 Destination open(const std::string& path) {
   if (path == standardStream) return {.file = {}, .sink = std::make_unique<StandardOutput>()};
-  const std::wstring name = wide(path);
+  const std::wstring name = wideOf(path);
   Handle handle = openFile(name, GENERIC_WRITE, OPEN_EXISTING);
   const bool isNew = !handle && GetLastError() == ERROR_FILE_NOT_FOUND;
   // Made for a moment: that tells whether it can be, and where a link leads that leads nowhere yet.
@@ -168,25 +147,25 @@ Destination open(const std::string& path) {
   handle.reset();
   if (isNew) DeleteFileW(file.c_str());
   const Successor inItsFolder(file);
-  return {.file = narrow(file), .sink = nullptr};
+  return {.file = utf8Of(file), .sink = nullptr};
 }
 
 /// A new file has the access rights that its folder hands down.
 void replace(const std::string& file, const std::string& /*like*/, std::string_view text) {
-  const std::wstring name = wide(file);
+  const std::wstring name = wideOf(file);
   Successor successor(name);
   writeAll(successor.get(), text);
   successor.takePlaceOf(name);
 }
 
 bool rename(const std::string& from, const std::string& to) {
-  if (MoveFileExW(wide(from).c_str(), wide(to).c_str(), MOVEFILE_WRITE_THROUGH) != 0) return true;
+  if (MoveFileExW(wideOf(from).c_str(), wideOf(to).c_str(), MOVEFILE_WRITE_THROUGH) != 0) return true;
   if (GetLastError() == ERROR_ALREADY_EXISTS || GetLastError() == ERROR_FILE_EXISTS) return false;
   fail();
 }
 
 void remove(const std::string& file) noexcept {
-  DeleteFileW(wide(file).c_str());
+  DeleteFileW(wideOf(file).c_str());
 }
 
 }  // namespace velk::cli::system

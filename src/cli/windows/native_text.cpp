@@ -5,23 +5,9 @@
 #include <shellapi.h>
 
 #include "cli/terminal.h"
+#include "cli/windows/wide.h"
 
 namespace velk::cli {
-namespace {
-
-/// Halves of surrogate pairs that stand alone become U+FFFD, which no text of the controller has.
-std::string utf8Of(std::wstring_view wide) {
-  if (wide.empty()) return {};
-  const auto length = static_cast<int>(wide.size());
-  std::string text(static_cast<std::size_t>(
-                       WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr)),
-                   '\0');
-  WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, text.data(), static_cast<int>(text.size()), nullptr,
-                      nullptr);
-  return text;
-}
-
-}  // namespace
 
 /// The words of `main` are in the system's code page, which has not every character.
 std::vector<std::string> commandLine(int argc, char** argv) {
