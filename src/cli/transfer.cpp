@@ -1,16 +1,16 @@
 #include "cli/transfer.h"
 
 #include "cli/retry.h"
+#include "link/link.h"
 
 namespace velk::cli {
 namespace {
 
 /// The status; an empty reply, or a good one without all its data, counts as none.
 Byte statusOf(const Bytes& reply, std::size_t size) {
-  constexpr Byte noReply = 252;
-  if (reply.empty()) return noReply;
+  if (reply.empty()) return link::noReply;
   const Byte status = byteValue(reply.front());
-  return status == 0 && reply.size() < size + 1 ? noReply : status;
+  return status == 0 && reply.size() < size + 1 ? Byte{link::noReply} : status;
 }
 
 }  // namespace

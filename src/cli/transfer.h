@@ -8,16 +8,16 @@ namespace velk::cli {
 
 /// Bytes of the controller's memory, as the link addresses them.
 struct Transfer {
-  Byte count;  ///< 1 to 16, in the high bank of the block area 128 more
+  /// What the count has more in the high bank of the block area.
+  static constexpr Byte highBank = 128;
+
+  Byte count;  ///< 1 to 16, and `highBank`
   Byte dph;
   Byte dpl;
   const char* direction;  ///< "V" the external memory, "H" the block area
 
   /// How many bytes it moves.
-  [[nodiscard]] std::size_t size() const {
-    constexpr Byte highBank = 128;
-    return count % highBank;
-  }
+  [[nodiscard]] std::size_t size() const { return count % highBank; }
 };
 
 /// Reads them; what is lost on the way is asked again (see `Retry`). Throws `Failure` that names `what`.

@@ -42,7 +42,8 @@ bool readOnce(const Mailbox& mailbox, Bytes& data, Byte& result) {
 void read(const Mailbox& mailbox, const Header& header, Bytes& data, Byte& result) {
   // Only the trigger is repeated: the header stays, but for the reply code over its marker.
   mailbox.address(header, false);
-  for (int i = 0; i < attempts && !readOnce(mailbox, data, result); ++i) {
+  for (int i = 0; i < attempts; ++i) {
+    if (readOnce(mailbox, data, result)) return;
   }
 }
 

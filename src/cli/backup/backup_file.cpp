@@ -16,15 +16,11 @@ constexpr const char* format = "velk-backup";
 constexpr int unverifiedVersion = 1;
 constexpr int version = 2;
 
-std::string addressOf(Spot spot) {
-  return hex(Bytes{character(spot.page), character(spot.offset)});
-}
-
 Json jsonOf(const Lines& lines) {
   Json json = Json::object();
   for (const std::string_view name : areaNames) json[name] = Json::object();
   for (const auto& [spot, bytes] : lines) {
-    json[areaNames.at(static_cast<std::size_t>(spot.area))][addressOf(spot)] = hex(bytes);
+    json[areaOf(spot)][addressOf(spot)] = hex(bytes);
   }
   return json;
 }

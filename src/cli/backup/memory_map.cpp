@@ -135,9 +135,16 @@ bool lineHolds(Spot line, const Wanted& wanted) {
 
 }  // namespace
 
+std::string_view areaOf(Spot spot) {
+  return areaNames.at(static_cast<std::size_t>(spot.area));
+}
+
+std::string addressOf(Spot spot) {
+  return hex(Bytes{character(spot.page), character(spot.offset)});
+}
+
 std::string keyOf(Spot spot) {
-  return std::string(areaNames.at(static_cast<std::size_t>(spot.area))) + " " +
-         hex(Bytes{character(spot.page), character(spot.offset)});
+  return std::string(areaOf(spot)) + " " + addressOf(spot);
 }
 
 std::optional<Thing> thingAt(Spot spot) {

@@ -29,7 +29,9 @@ struct Spot {
 /// The areas' names in backups, by their numbers.
 constexpr std::array<std::string_view, 3> areaNames{"V", "H", "H+"};
 
-/// A spot as backups name it: "V 0510", page and offset in hexadecimal digits.
+/// A spot as backups name it: its area, its page and offset in hexadecimal digits, and both: "V 0510".
+std::string_view areaOf(Spot spot);
+std::string addressOf(Spot spot);
 std::string keyOf(Spot spot);
 
 /// How many bytes one transaction reads, from an offset that is a multiple of it.

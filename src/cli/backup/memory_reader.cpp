@@ -9,9 +9,8 @@ namespace velk::cli {
 namespace {
 
 Transfer transferOf(Spot spot, std::size_t count) {
-  constexpr std::size_t highBank = 128;
   if (spot.area == Area::external) return {static_cast<Byte>(count), spot.page, spot.offset, "V"};
-  const std::size_t bank = spot.area == Area::highBlock ? highBank : 0;
+  const std::size_t bank = spot.area == Area::highBlock ? Transfer::highBank : 0;
   return {static_cast<Byte>(bank + count), spot.offset, spot.page, "H"};
 }
 

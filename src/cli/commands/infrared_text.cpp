@@ -21,9 +21,9 @@ struct InfraredTextOptions : LinkedOptions {
 constexpr std::size_t longest = 16;
 
 Bytes readText(Serial& serial, Byte number) {
-  constexpr Byte highBank = 128;
   const link::Address at = parameters::infraredText(number);
-  return readTransfer(serial, {.count = highBank + longest, .dph = at.dph, .dpl = at.dpl, .direction = "H"},
+  return readTransfer(serial,
+                      {.count = Transfer::highBank + longest, .dph = at.dph, .dpl = at.dpl, .direction = "H"},
                       "infrared text " + std::to_string(number));
 }
 
