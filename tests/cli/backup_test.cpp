@@ -105,7 +105,7 @@ TEST_F(BackupTest, TellsDifferencesInWords) {
 
 /// What was deleted lies behind the end mark still.
 TEST_F(BackupTest, RestoresEventsOverWhatIsLeftOfOthers) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--for", "60"});
+  Tool simulator("velk-sim", {"--tcp", "0", "--for", "600"});
   const std::string link = linkOf(simulator);
   const auto record = [&](const std::string& data) {
     EXPECT_EQ(call({"--tcp", link, "Simulation", "W", "2", "3", "Data=" + data}).status, 0);
@@ -357,7 +357,7 @@ TEST_F(BackupTest, APartThatCannotBeBelievedIsPutAside) {
             std::string::npos);
   EXPECT_TRUE(fs::exists(file("a.part.4")));
 
-  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "60"});
+  Tool source("velk-sim", {"--tcp", "0", "--fault", "disconnect@100", "--for", "600"});
   const std::string link = linkOf(source);
   EXPECT_NE(velk({"backup", "--tcp", link, file("a")}).status, 0);
   EXPECT_EQ(call({"--tcp", link, "WriteCom", "1", "1", "2", "V", "\\x07"}).status, 0);

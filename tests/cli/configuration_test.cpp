@@ -107,7 +107,7 @@ TEST(ConfigurationTest, SetsOutputs) {
 TEST(ConfigurationTest, ALostReplyMakesNoDimmerOfARoller) {
   // The markers that are read for the mode, for the mode with the items, and with the items themselves.
   for (const char* const fault : {"header@2", "header@5", "header@8"}) {
-    Tool simulator("velk-sim", {"--tcp", "0", "--fault", fault, "--for", "60"});
+    Tool simulator("velk-sim", {"--tcp", "0", "--fault", fault, "--for", "600"});
     const std::string link = behind(simulator.line(), "tcp Q ");
     const Ended ended = velk({"output", "--tcp", link, "--json", "7", "set", "RO", "1=4"});
     EXPECT_EQ(ended.status, 0) << fault;
