@@ -225,9 +225,9 @@ class Serial : public link::Settings {
   /// Reads or writes switch-time block `BlokNummer` (0 to 127), at page `BlokNummer` + 128 from offset 200
   /// on.
   /// @param ReadOrWrite "R" reads, anything else writes.
-  /// @param Dagen day selection, bit 0 Monday to bit 6 Sunday. @param Uur hour, taken modulo 24. @param
-  /// Minuten minute, modulo
-  ///   60. All three 0 clear the block.
+  /// @param Dagen day selection, bit 0 Monday to bit 6 Sunday.
+  /// @param Uur hour, taken modulo 24.
+  /// @param Minuten minute, modulo 60. All three 0 clear the block.
   /// @param Data two bytes (101 to 124, 1 to 4), or entries of three bytes whose first is 3 or more; empty
   ///   for a block without action, whose day selection is lost.
   /// @return 0; 104 wrong length; 105 a value out of its range; 100 a block or place that does not exist, or
@@ -249,8 +249,7 @@ class Serial : public link::Settings {
   /// in pieces of at most 16 bytes. Lengths and checks by module type: docs/modules.md.
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Data the record. A read that is refused before it gets to the record (an identification that
-  /// fails,
-  ///   106) leaves the former value; one that fails later leaves what it has read so far.
+  ///   fails, 106) leaves the former value; one that fails later leaves what it has read so far.
   /// @param Offset number of the first piece; grows by 1 for a known model and by 1 for each piece.
   /// @param ModType model name; on entry one that is known already is kept instead of the one that the module
   ///   reports.

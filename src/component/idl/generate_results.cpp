@@ -40,8 +40,7 @@ constexpr std::array advices{
     Advice{107, "Try again after a second: the controller may be busy with another module."},
     Advice{111,
            "On reading: the output is not in use, its mode is none of 1 to 21. On writing: read the output "
-           "first "
-           "and use the mode it has, or one of those in [outputs.md](outputs.md)."},
+           "first and use the mode it has, or one of those in [outputs.md](outputs.md)."},
     Advice{112, "Compare each address with its range in [reference.md](reference.md)."},
     Advice{113, "Pass 1 to 92."},
     Advice{115, "Pass 0 to 3."},
