@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 add_library(velkcom STATIC)
-foreach(part values platform link controller parameters modules timed component simulator)
+foreach(part IN LISTS VELK_LIBRARIES)
   target_sources(velkcom PRIVATE $<TARGET_OBJECTS:velk_${part}>)
 endforeach()
 set_target_properties(velkcom PROPERTIES LINKER_LANGUAGE CXX)
@@ -28,7 +28,7 @@ install(EXPORT VelkComTargets NAMESPACE VelkCom:: DESTINATION ${config_dir})
 install(FILES ${PROJECT_BINARY_DIR}/VelkComConfig.cmake ${PROJECT_BINARY_DIR}/VelkComConfigVersion.cmake
         DESTINATION ${config_dir})
 install(FILES ${PROJECT_BINARY_DIR}/velkcom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-foreach(part values platform link controller parameters modules timed component simulator)
+foreach(part IN LISTS VELK_LIBRARIES)
   install(DIRECTORY src/${part} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velkcom FILES_MATCHING PATTERN "*.h"
           PATTERN posix EXCLUDE PATTERN windows EXCLUDE PATTERN idl EXCLUDE)
 endforeach()
