@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "component/method.h"
+
 namespace velk {
 namespace {
 

@@ -4,10 +4,11 @@
 #include <string>
 #include <string_view>
 
-#include "component/method.h"
 #include "values/bytes.h"
 
 namespace velk {
+
+struct Method;
 
 /// A result byte and what it says to a user.
 struct ResultCode {

@@ -5,12 +5,14 @@
 #include "controller/ctl_lang.h"
 #include "controller/ctl_soft.h"
 #include "controller/modes.h"
+#include "link/memory.h"
 #include "link/serial_link.h"
 #include "link/tcp_link.h"
 #include "link/tcp_transaction.h"
 #include "link/transaction.h"
 #include "modules/conversion.h"
 #include "modules/gsm_text.h"
+#include "modules/model.h"
 #include "modules/module.h"
 #include "modules/sample.h"
 #include "modules/version.h"
@@ -22,6 +24,14 @@
 #include "values/helpers.h"
 
 namespace velk {
+
+link::Link Serial::link() {
+  return {.settings = *this, .host = host_};
+}
+
+link::Memory Serial::memory() {
+  return link::Memory(link());
+}
 
 template <class Body>
 Byte Serial::trappedModule(Body body) {

@@ -4,14 +4,19 @@
 #include <string>
 
 #include "component/in_out.h"
-#include "link/memory.h"
 #include "link/settings.h"
-#include "modules/model.h"
+#include "modules/identity.h"
 #include "platform/host.h"
 #include "values/bytes.h"
+#include "values/runtime_error.h"
 #include "values/value.h"
 
 namespace velk {
+
+namespace link {
+struct Link;
+class Memory;
+}  // namespace link
 
 /// One connection to the controller of the bus, over a serial port or TCP: the whole of what a host program
 /// sees.
@@ -21,7 +26,7 @@ namespace velk {
 /// that the method names, any other value the status of the transaction that failed (251 to 254: the link's
 /// own codes, see `TranCeiv`). They trap run-time errors and return `ConvertErr` of them. The value helpers,
 /// `ModeToStr`, `TranCeiv`, `ReadCom` and `WriteCom` let a run-time error reach the caller: a host as its own
-/// error, a C++ program as `velk::RuntimeError`, which "values/runtime_error.h" declares.
+/// error, a C++ program as `velk::RuntimeError`.
 ///
 /// Addresses of the controller's memory are 16 bits, named page (high byte) and offset (low byte). Arguments
 /// of type `InOut` are written back into the caller's variable, also when the method fails half-way.
@@ -300,8 +305,8 @@ class Serial : public link::Settings {
   Byte GSMtext(const std::string& ReadOrWrite, const std::string& SerieNr, Byte Offset, InOut<Bytes> Data);
 
  private:
-  link::Link link() { return {.settings = *this, .host = host_}; }
-  link::Memory memory() { return link::Memory(link()); }
+  link::Link link();
+  link::Memory memory();
 
   /// Runs the body of a module method, which sets its result as it goes.
   template <class Body>

@@ -1,10 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
-
-#include "values/bytes.h"
 
 /// Who a module is: its serial number, its type, its model.
 namespace velk::modules {
@@ -17,14 +14,6 @@ bool inModelList(std::string_view name);
 
 /// The numeric value of a whole serial number.
 double serialValue(std::string_view serieNr);
-
-/// What `Serial` keeps of the module that was read last.
-struct Identity {
-  std::string model;     ///< CurModType
-  Byte cpuType = 0;      ///< CurCPUtype
-  std::string firmware;  ///< CurFWVersie
-  bool known = false;    ///< CurKnownModel: records carry one leading byte more
-};
 
 /// A range of whole serial numbers, both ends included.
 struct SerialRange {

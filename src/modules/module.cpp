@@ -1,5 +1,6 @@
 #include "modules/module.h"
 
+#include "modules/model.h"
 #include "modules/module_directions.h"
 #include "modules/version.h"
 #include "values/helpers.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "modules/identity.h"
 #include "modules/mailbox.h"
-#include "modules/model.h"
 
 namespace velk::modules {
 

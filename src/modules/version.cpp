@@ -1,5 +1,6 @@
 #include "modules/version.h"
 
+#include "modules/model.h"
 #include "values/helpers.h"
 
 namespace velk::modules {

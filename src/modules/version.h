@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "modules/identity.h"
 #include "modules/mailbox.h"
-#include "modules/model.h"
 
 namespace velk::modules {
 
