@@ -4,15 +4,38 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 add_library(velkcom STATIC)
-foreach(part IN LISTS VELK_LIBRARIES)
+set(velkcom_parts ${VELK_LIBRARIES})
+list(REMOVE_ITEM velkcom_parts simulator)
+foreach(part IN LISTS velkcom_parts)
   target_sources(velkcom PRIVATE $<TARGET_OBJECTS:velk_${part}>)
 endforeach()
 set_target_properties(velkcom PROPERTIES LINKER_LANGUAGE CXX)
 target_compile_features(velkcom INTERFACE cxx_std_20)
-target_include_directories(velkcom INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
-                                             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/velkcom>)
 target_link_libraries(velkcom INTERFACE Threads::Threads)
 add_library(VelkCom::velkcom ALIAS velkcom)
+
+# What a program includes, as <velkcom/serial.h>: these headers stand in one folder there, and include each other so.
+set(header_dir ${PROJECT_BINARY_DIR}/include)
+foreach(header component/in_out component/result_codes component/serial link/settings modules/identity platform/host
+               platform/serial_port platform/socket values/bytes values/runtime_error values/value)
+  cmake_path(GET header FILENAME name)
+  add_custom_command(
+    OUTPUT ${header_dir}/velkcom/${name}.h
+    COMMAND sed "s,^#include \".*/\\(.*\\)\",#include <velkcom/\\1>," ${PROJECT_SOURCE_DIR}/src/${header}.h >
+            ${header_dir}/velkcom/${name}.h
+    DEPENDS src/${header}.h
+    VERBATIM)
+  list(APPEND public_headers ${header_dir}/velkcom/${name}.h)
+endforeach()
+add_custom_target(public_headers ALL DEPENDS ${public_headers})
+add_dependencies(velkcom public_headers)
+target_sources(velkcom PUBLIC FILE_SET HEADERS BASE_DIRS ${header_dir} FILES ${public_headers})
+if(BUILD_TESTING) # each header compiles alone, and a program with them alone
+  set_target_properties(velkcom PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+  add_executable(presets_example examples/linux/presets.cpp)
+  target_link_libraries(presets_example PRIVATE VelkCom::velkcom)
+  add_dependencies(presets_example velkcom_verify_interface_header_sets)
+endif()
 
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VelkCom)
 configure_package_config_file(packaging/VelkComConfig.cmake.in ${PROJECT_BINARY_DIR}/VelkComConfig.cmake
@@ -23,15 +46,11 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/VelkComConfigVersion.cmak
 file(RELATIVE_PATH PC_UP /usr/${CMAKE_INSTALL_LIBDIR}/pkgconfig /usr)
 configure_file(packaging/velkcom.pc.in ${PROJECT_BINARY_DIR}/velkcom.pc @ONLY)
 
-install(TARGETS velkcom EXPORT VelkComTargets)
+install(TARGETS velkcom EXPORT VelkComTargets FILE_SET HEADERS)
 install(EXPORT VelkComTargets NAMESPACE VelkCom:: DESTINATION ${config_dir})
 install(FILES ${PROJECT_BINARY_DIR}/VelkComConfig.cmake ${PROJECT_BINARY_DIR}/VelkComConfigVersion.cmake
         DESTINATION ${config_dir})
 install(FILES ${PROJECT_BINARY_DIR}/velkcom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-foreach(part IN LISTS VELK_LIBRARIES)
-  install(DIRECTORY src/${part} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velkcom FILES_MATCHING PATTERN "*.h"
-          PATTERN posix EXCLUDE PATTERN windows EXCLUDE PATTERN idl EXCLUDE)
-endforeach()
 install(TARGETS velk velk-sim)
 configure_file(docs/velk.1 ${PROJECT_BINARY_DIR}/velk.1 @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velk.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

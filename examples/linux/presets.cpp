@@ -2,13 +2,12 @@
 //   presets HOST PORT PASSWORD
 //   presets DEVICE              a serial line in echo mode, such as /dev/ttyUSB0
 
+#include <velkcom/result_codes.h>
+#include <velkcom/serial.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-
-#include "component/result_codes.h"
-#include "component/serial.h"
-#include "platform/host.h"
 
 namespace {
 
