@@ -37,6 +37,15 @@ if(BUILD_TESTING) # each header compiles alone, and a program with them alone
   add_dependencies(presets_example velkcom_verify_interface_header_sets)
 endif()
 
+# Has FILE of the build folder compressed there.
+function(compressed file)
+  add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/${file}.gz
+    COMMAND gzip -9nc ${PROJECT_BINARY_DIR}/${file} > ${PROJECT_BINARY_DIR}/${file}.gz
+    DEPENDS ${PROJECT_BINARY_DIR}/${file})
+  add_custom_target(compressed_${file} ALL DEPENDS ${PROJECT_BINARY_DIR}/${file}.gz)
+endfunction()
+
 set(config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VelkCom)
 configure_package_config_file(packaging/VelkComConfig.cmake.in ${PROJECT_BINARY_DIR}/VelkComConfig.cmake
                               INSTALL_DESTINATION ${config_dir})
@@ -53,7 +62,8 @@ install(FILES ${PROJECT_BINARY_DIR}/VelkComConfig.cmake ${PROJECT_BINARY_DIR}/Ve
 install(FILES ${PROJECT_BINARY_DIR}/velkcom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(TARGETS velk velk-sim)
 configure_file(docs/velk.1 ${PROJECT_BINARY_DIR}/velk.1 @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/velk.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+compressed(velk.1)
+install(FILES ${PROJECT_BINARY_DIR}/velk.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 add_custom_command(
   OUTPUT ${PROJECT_BINARY_DIR}/velk.bash
   COMMAND velk completion bash > ${PROJECT_BINARY_DIR}/velk.bash
@@ -62,17 +72,34 @@ add_custom_target(completion ALL DEPENDS ${PROJECT_BINARY_DIR}/velk.bash)
 install(FILES ${PROJECT_BINARY_DIR}/velk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
         RENAME velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
-install(FILES ${documents} README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${documents} README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples/linux DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velkcom)
 set(CPACK_PACKAGE_VENDOR VelkCom)
-set(CPACK_PACKAGE_CONTACT "VelkCom maintainers <velkcom@localhost>")
+set(CPACK_PACKAGE_CONTACT "VelkCom maintainers <velkcom@example.org>")
 set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
 set(CPACK_PACKAGE_DESCRIPTION
-    "velk configures the controller over a serial port or TCP; velk-sim stands in for one.\nThe library gives the same to C++ programs.")
+    "velk configures the controller over a serial port or TCP; velk-sim stands\nin for one. The library gives the same to C++ programs.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
+
+# What Debian wants of each package: the licence in a form to be read by machine, its own kind of change log. Beside
+# them the notices of what the tools contain of others.
+file(READ LICENSE license)
+string(REGEX REPLACE "^.*\n\n(Permission.*)\n$" "\\1" LICENSE_TEXT "${license}")
+string(REPLACE "\n\n" "\n.\n" LICENSE_TEXT "${LICENSE_TEXT}")
+string(REPLACE "\n" "\n " LICENSE_TEXT "${LICENSE_TEXT}")
+string(REPLACE "Copyright (c) " "" COPYRIGHT_HOLDER "${COPYRIGHT}")
+configure_file(packaging/copyright.in ${PROJECT_BINARY_DIR}/copyright @ONLY)
+string(TIMESTAMP BUILD_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
+configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/changelog @ONLY)
+compressed(changelog)
+install(FILES ${PROJECT_BINARY_DIR}/copyright ${PROJECT_BINARY_DIR}/changelog.gz DESTINATION ${CMAKE_INSTALL_DOCDIR})
+foreach(package libcli11-dev nlohmann-json3-dev)
+  install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR}/licenses RENAME ${package}
+          OPTIONAL)
+endforeach()
 include(CPack)

@@ -28,7 +28,12 @@ binaries x64 "$x64" x86_64
 binaries x86 "$x86" i686
 mkdir "$tree/docs"
 cp "$source"/docs/*.md "$tree/docs/"
-cp "$source"/{README.md,CHANGELOG.md} "$tree/"
+cp "$source"/{README.md,CHANGELOG.md,SECURITY.md} "$tree/"
+sed 's/$/\r/' "$source/LICENSE" >"$tree/LICENSE.txt"
+mkdir "$tree/licenses" # of what the programs contain of others
+for package in libcli11-dev nlohmann-json3-dev mingw-w64-x86-64-dev; do
+  sed 's/$/\r/' "/usr/share/doc/$package/copyright" >"$tree/licenses/$package.txt"
+done
 cp -r "$source/examples/windows" "$tree/examples"
 
 (cd "$work" && cmake -E tar cf "$output/$name.zip" --format=zip "$name")
@@ -36,5 +41,6 @@ cp -r "$source/examples/windows" "$tree/examples"
 # The uninstaller removes just the files that were installed, and folders that are empty then.
 (cd "$tree" && find . -mindepth 1 -depth \( -type d -printf 'RMDir "$INSTDIR/%P"\n' \) -o -printf 'Delete /REBOOTOK "$INSTDIR/%P"\n') |
   sed 'y,/,\\,; s,^Delete \\REBOOTOK,Delete /REBOOTOK,' >"$work/remove.nsh"
-makensis -V2 -NOCD -DVERSION="$version" -DTREE="$tree" -DREMOVE="$work/remove.nsh" \
+copyright=$(grep '^Copyright' "$source/LICENSE")
+makensis -V2 -NOCD -DVERSION="$version" -DCOPYRIGHT="$copyright" -DTREE="$tree" -DREMOVE="$work/remove.nsh" \
   -DOUTPUT="$output/$name-setup.exe" "$here/velkcom.nsi"

@@ -1,6 +1,6 @@
 ; The setup program: both components side by side, for everybody or for the current user.
 ; Command line: /S silent, /AllUsers or /CurrentUser, /D=FOLDER (last). Exit code 0, or 2 when nothing was installed.
-; Defines: VERSION, TREE (the files), REMOVE (script lines that delete them), OUTPUT.
+; Defines: VERSION, COPYRIGHT, TREE (the files), REMOVE (script lines that delete them), OUTPUT.
 
 Unicode true
 ; The uninstaller reads no switches.
@@ -31,8 +31,12 @@ VIAddVersionKey ProductName "VelkCom"
 VIAddVersionKey ProductVersion "${VERSION}"
 VIAddVersionKey FileVersion "${VERSION}"
 VIAddVersionKey FileDescription "Setup of VelkCom"
-VIAddVersionKey LegalCopyright ""
+VIAddVersionKey LegalCopyright "${COPYRIGHT}"
 
+; The licence asks for no consent, so the page that shows it has a button to go on and none to agree.
+!define MUI_LICENSEPAGE_TEXT_BOTTOM "Everybody may use, copy and change VelkCom."
+!define MUI_LICENSEPAGE_BUTTON "&Next >"
+!insertmacro MUI_PAGE_LICENSE "${TREE}/LICENSE.txt"
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES

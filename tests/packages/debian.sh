@@ -23,9 +23,11 @@ check() { # check NAME COMMAND...
   if "$@" >"$work/log" 2>&1; then echo "ok $name"; else echo "FAILED $name"; cat "$work/log"; exit 1; fi
 }
 
+check "lintian finds no error in the package" lintian --allow-root --fail-on error "$package"
 # Of this build's own tree nothing may be needed.
 check "the package unpacks" dpkg-deb -x "$package" "$work/root"
 usr=$work/root/usr
+check "its headers lie in one folder" test "$(ls "$usr/include")" = velkcom
 check "the example finds the package" \
   env -C "$work" cmake -S "$example" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$usr" -DCMAKE_CXX_FLAGS=-Werror
 check "  and builds with it" cmake --build "$work/cmake"

@@ -82,7 +82,7 @@ uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of 
 
 has_files() { # has_files FOLDER
   for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.md README.md \
-    examples/set_clock.vbs uninstall.exe; do
+    LICENSE.txt licenses/libcli11-dev.txt examples/set_clock.vbs uninstall.exe; do
     [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
   done
 }
