@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/backup/backup_file.h"
-#include "support/require.h"
+#include "support/target.h"
 
 namespace velk::fuzz {
 namespace {
@@ -54,11 +54,11 @@ void edit(std::string_view recipe) {
 }
 
 }  // namespace
-}  // namespace velk::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string text(reinterpret_cast<const char*>(data), size);
-  velk::fuzz::read(text);
-  velk::fuzz::edit(text);
-  return 0;
+void run(Input input) {
+  const std::string text = input.rest();
+  read(text);
+  edit(text);
 }
+
+}  // namespace velk::fuzz

@@ -1,9 +1,8 @@
 /// Greeting and login: a raw greeting, raw login replies, any password and address.
 
 #include "link/tcp_frames.h"
-#include "support/input.h"
-#include "support/links.h"
-#include "support/require.h"
+#include "support/bench.h"
+#include "support/target.h"
 
 namespace velk::fuzz {
 namespace {
@@ -28,6 +27,8 @@ class RawPeer final : public simulator::Peer {
 
   Input& input_;
 };
+
+}  // namespace
 
 void run(Input input) {
   simulator::LoopbackHost host;
@@ -57,10 +58,4 @@ void run(Input input) {
           "the address is within its range");
 }
 
-}  // namespace
 }  // namespace velk::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  velk::fuzz::run({data, size});
-  return 0;
-}

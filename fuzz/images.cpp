@@ -4,18 +4,15 @@
 #include <sstream>
 
 #include "simulator/image.h"
-#include "support/require.h"
-#include "values/bytes.h"
+#include "support/target.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace velk::simulator;
-  std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
+void velk::fuzz::run(Input input) {
+  std::istringstream in(input.rest());
   try {
-    const Store store = readImage(in);
+    const simulator::Store store = simulator::readImage(in);
     std::stringstream copy;
     writeImage(copy, store);
-    velk::fuzz::require(readImage(copy) == store, "an image reads back as it was written");
-  } catch (const ImageError&) {
+    require(simulator::readImage(copy) == store, "an image reads back as it was written");
+  } catch (const simulator::ImageError&) {
   }
-  return 0;
 }

@@ -2,11 +2,8 @@
 /// line has been quiet, a good request is answered.
 
 #include "link/tcp_frames.h"
-#include "simulator/house.h"
-#include "simulator/house_modules.h"
-#include "support/input.h"
-#include "support/links.h"
-#include "support/require.h"
+#include "support/bench.h"
+#include "support/target.h"
 
 namespace velk::fuzz {
 namespace {
@@ -22,11 +19,12 @@ Bytes goodRequest(LinkKind kind) {
   return kind == LinkKind::ethernetQ ? link::requestQ(request) : link::requestS(request);
 }
 
+}  // namespace
+
 void run(Input input) {
-  simulator::Controller controller(simulator::house());
-  simulator::attachModules(controller);
-  const auto kind = allLinks.at(input.below(allLinks.size()));
-  const auto session = makeSession(kind, controller);
+  Bench bench;
+  const auto kind = linkOf(input);
+  const auto session = makeSession(kind, bench.controller);
   session->connected();
   while (!input.isEmpty()) {
     constexpr Byte lineBreak = 255;
@@ -46,15 +44,8 @@ void run(Input input) {
   }
   const auto deliveries = session->received(goodRequest(kind));
   require(!deliveries.empty(), "a good request is answered");
-  const Bytes expected = controller.answer(readMode).bytes();
-  require(deliveries.back().bytes.find(expected) != Bytes::npos,
+  require(deliveries.back().bytes.find(bench.mode()) != Bytes::npos,
           "the answer holds what the controller holds");
 }
 
-}  // namespace
 }  // namespace velk::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  velk::fuzz::run({data, size});
-  return 0;
-}

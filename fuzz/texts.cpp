@@ -8,7 +8,7 @@
 #include "cli/escapes.h"
 #include "simulator/faults.h"
 #include "simulator/loopback_host.h"
-#include "support/require.h"
+#include "support/target.h"
 
 namespace velk::fuzz {
 namespace {
@@ -37,7 +37,10 @@ void callOf(const std::string& text) {
           "a call can be told as JSON");
 }
 
-void run(const std::string& text) {
+}  // namespace
+
+void run(Input input) {
+  const std::string text = input.rest();
   require(cli::unescaped(cli::escaped(text)) == text, "escapes read back the same");
   require(cli::unescaped(cli::shown(text)) == text, "a text that is shown reads back the same");
   mayRefuse([&] { cli::unescaped(text); });
@@ -54,10 +57,4 @@ void run(const std::string& text) {
   });
 }
 
-}  // namespace
 }  // namespace velk::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  velk::fuzz::run({reinterpret_cast<const char*>(data), size});
-  return 0;
-}

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "support/require.h"
+#include "support/target.h"
 #include "values/runtime_error.h"
 
 namespace velk::fuzz {
@@ -34,19 +34,6 @@ Value valueOf(Form form, Input& input) {
     default:
       return {};
   }
-}
-
-Bytes recipeOf(const Value& value) {
-  const Bytes form(1, character(static_cast<int>(value.index()) + 1));
-  if (const auto* number = std::get_if<Byte>(&value)) return form + character(*number);
-  if (const auto* string = std::get_if<std::string>(&value)) {
-    return form + character(static_cast<int>(string->size())) + *string;
-  }
-  if (const auto* flag = std::get_if<bool>(&value)) return form + character(*flag ? 1 : 0);
-  const auto bits = static_cast<std::uint32_t>(static_cast<std::int32_t>(toNumber(value)));
-  Bytes number = form;
-  for (int shift = 24; shift >= 0; shift -= 8) number += character(static_cast<int>(bits >> shift & 255));
-  return number;
 }
 
 }  // namespace
@@ -84,10 +71,20 @@ void call(Serial& serial, Input& input, bool withLinks) {
   }
 }
 
-Bytes recipe(const Method& method, const std::vector<Value>& arguments) {
-  Bytes bytes(1, character(method.id));
-  if (method.put != nullptr) bytes += '\0';
-  for (const Value& value : arguments) bytes += recipeOf(value);
+Bytes recipe(std::string_view words) {
+  Bytes bytes;
+  for (std::size_t start = 0; start <= words.size();) {
+    const std::string_view word = words.substr(start, words.find('|', start) - start);
+    start += word.size() + 1;  // an empty word at the end counts
+    if (bytes.empty()) {
+      const Method* const method = findMethod(word);
+      require(method != nullptr, "a call names a method");
+      bytes += character(method->id);
+      if (method->put != nullptr) bytes += '\0';
+    } else {
+      bytes += Bytes{character(text), character(static_cast<int>(word.size()))} + Bytes(word);
+    }
+  }
   return bytes;
 }
 

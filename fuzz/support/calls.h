@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vector>
+#include <string_view>
 
 #include "component/methods.h"
 #include "component/serial.h"
@@ -14,7 +14,7 @@ namespace velk::fuzz {
 /// open and close links are left out unless `withLinks`.
 void call(Serial& serial, Input& input, bool withLinks);
 
-/// The bytes that make `call` take this method with these arguments.
-Bytes recipe(const Method& method, const std::vector<Value>& arguments);
+/// The bytes that make `call` take a method by its name with texts for arguments, such as "LdZr|7|3".
+Bytes recipe(std::string_view words);
 
 }  // namespace velk::fuzz

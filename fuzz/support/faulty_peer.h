@@ -30,4 +30,9 @@ class FaultyPeer final : public simulator::Peer {
   Input& input_;
 };
 
+/// Puts the input's faults on each interface that a link is opened to.
+inline auto throughHandsOf(Input& faults) {
+  return [&faults](auto session) { return std::make_unique<FaultyPeer>(std::move(session), faults); };
+}
+
 }  // namespace velk::fuzz

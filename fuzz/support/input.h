@@ -13,9 +13,12 @@ namespace velk::fuzz {
 /// so that a short input still stands for a whole run.
 class Input {
  public:
+  Input() = default;
   Input(const std::uint8_t* data, std::size_t size) : rest_(reinterpret_cast<const char*>(data), size) {}
+  explicit Input(std::string_view bytes) : rest_(bytes) {}
 
   [[nodiscard]] bool isEmpty() const { return rest_.empty(); }
+  [[nodiscard]] std::size_t size() const { return rest_.size(); }
 
   Byte byte() {
     if (rest_.empty()) return 0;
