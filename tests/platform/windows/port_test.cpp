@@ -4,9 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <thread>
 #include <vector>
 
+#include "platform/host.h"
 #include "support/bytes.h"
 #include "support/windows/patched_import.h"
 
@@ -18,6 +22,11 @@ using test::PatchedImport;
 
 /// A driver that a test sets up; the port's calls come here.
 struct Driver {
+  DWORD openError = 0;
+  std::string opened;  ///< the last device that was asked for
+  HANDLE device = nullptr;
+  bool takesState = true;
+  bool takesTimeOuts = true;
   DCB state{};            ///< as another program has left it
   DCB handedOver{};       ///< what the port was set to
   COMMTIMEOUTS timeOuts;  ///< the same
@@ -25,6 +34,10 @@ struct Driver {
   DWORD breakError = 0;  ///< 0: the line has a break
   std::vector<DWORD> breaks;
   DWORD waiting = 0;  ///< how many bytes it says it has, for ever
+  ULONG_PTR readStatus = 0;
+  ULONG_PTR writeStatus = 0;
+  DWORD lost = 0;  ///< bytes of each write
+  int cancelled = 0;
   std::vector<DWORD> written;
   bool takes = true;            ///< what is written
   std::vector<DWORD> patience;  ///< how long the port was ready to wait for that, in ms
@@ -32,8 +45,16 @@ struct Driver {
 
 Driver driver;
 
-HANDLE WINAPI createFile(LPCSTR, DWORD, DWORD, LPSECURITY_ATTRIBUTES, DWORD, DWORD, HANDLE) {
-  return CreateEventW(nullptr, TRUE, FALSE, nullptr);
+HANDLE WINAPI createFile(LPCSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES, DWORD how,
+                         DWORD flags, HANDLE) {
+  EXPECT_EQ(access, GENERIC_READ | GENERIC_WRITE);
+  EXPECT_EQ(share, 0U) << "a port is not shared";
+  EXPECT_EQ(how, 3U) << "what is not there is not made";
+  EXPECT_EQ(flags, 0x40000000U) << "overlapped";
+  driver.opened = path;
+  SetLastError(driver.openError);
+  if (driver.openError != 0) return INVALID_HANDLE_VALUE;
+  return driver.device = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 }
 
 BOOL WINAPI getCommState(HANDLE, LPDCB state) {
@@ -44,12 +65,12 @@ BOOL WINAPI getCommState(HANDLE, LPDCB state) {
 
 BOOL WINAPI setCommState(HANDLE, LPDCB state) {
   driver.handedOver = *state;
-  return TRUE;
+  return driver.takesState ? TRUE : FALSE;
 }
 
 BOOL WINAPI setCommTimeouts(HANDLE, LPCOMMTIMEOUTS timeOuts) {
   driver.timeOuts = *timeOuts;
-  return TRUE;
+  return driver.takesTimeOuts ? TRUE : FALSE;
 }
 
 BOOL WINAPI escapeCommFunction(HANDLE, DWORD function) {
@@ -78,18 +99,21 @@ BOOL pend(LPOVERLAPPED overlapped) {
 
 BOOL WINAPI readFile(HANDLE, LPVOID, DWORD size, LPDWORD, LPOVERLAPPED overlapped) {
   if (driver.waiting == 0) return pend(overlapped);
-  complete(overlapped, 0, size);
+  complete(overlapped, driver.readStatus, size);
   return TRUE;
 }
 
 BOOL WINAPI writeFile(HANDLE, LPCVOID, DWORD size, LPDWORD, LPOVERLAPPED overlapped) {
   driver.written.push_back(size);
   if (!driver.takes) return pend(overlapped);
-  complete(overlapped, 0, size);
+  complete(overlapped, driver.writeStatus, size - driver.lost);
   return TRUE;
 }
 
-BOOL WINAPI cancelIoEx(HANDLE, LPOVERLAPPED overlapped) {
+BOOL WINAPI cancelIoEx(HANDLE device, LPOVERLAPPED overlapped) {
+  DWORD flags = 0;
+  EXPECT_NE(GetHandleInformation(device, &flags), 0) << "a transfer is cancelled before its device is closed";
+  ++driver.cancelled;
   constexpr ULONG_PTR cancelled = 0xC0000120;
   complete(overlapped, cancelled, 0);
   return TRUE;
@@ -100,6 +124,11 @@ DWORD WINAPI waitForSingleObject(HANDLE event, DWORD longest) {
   if (longest == INFINITE) return WaitForSingleObjectEx(event, longest, FALSE);  // not the port's
   driver.patience.push_back(longest);
   return WaitForSingleObjectEx(event, 0, FALSE);
+}
+
+bool isClosed(HANDLE handle) {
+  DWORD flags = 0;
+  return GetHandleInformation(handle, &flags) == 0;
 }
 
 class WindowsPort : public testing::Test {
@@ -127,34 +156,24 @@ class WindowsPort : public testing::Test {
   WindowsSerialPort port;
 };
 
-/// A state full of ones has every handshake on that there is, and equal characters for both ends of one.
+/// A state full of ones has every handshake on that there is, and equal characters for both ends of one; the
+/// driver's own limits and what has no name stay.
 TEST_F(WindowsPort, EveryFieldOfTheStateThatMattersIsSet) {
-  std::fill_n(reinterpret_cast<unsigned char*>(&driver.state), sizeof driver.state, 0xFF);
-  port.open(1, {});
-  const DCB& state = driver.handedOver;
-  EXPECT_EQ(state.DCBlength, sizeof(DCB));
-  EXPECT_EQ(state.BaudRate, 9600U);
-  EXPECT_EQ(state.ByteSize, 8);
-  EXPECT_EQ(state.Parity, 0);
-  EXPECT_EQ(state.StopBits, 0);
-  EXPECT_EQ(state.fBinary, 1U);
-  EXPECT_EQ(state.fParity, 1U);
-  EXPECT_EQ(state.fDtrControl, 1U);
-  EXPECT_EQ(state.fRtsControl, 1U);
-  EXPECT_EQ(state.fOutxCtsFlow, 0U);
-  EXPECT_EQ(state.fOutxDsrFlow, 0U);
-  EXPECT_EQ(state.fDsrSensitivity, 0U);
-  EXPECT_EQ(state.fOutX, 0U);
-  EXPECT_EQ(state.fInX, 0U);
-  EXPECT_EQ(state.fErrorChar, 0U);
-  EXPECT_EQ(state.fNull, 0U);
-  EXPECT_EQ(state.fAbortOnError, 0U);
-  EXPECT_EQ(state.wReserved, 0);
-  EXPECT_EQ(state.XonChar, 0x11);
-  EXPECT_EQ(state.XoffChar, 0x13);
-  EXPECT_EQ(state.XonLim, 0xFFFF) << "the driver's own limits stay";
-  EXPECT_EQ(driver.timeOuts.ReadIntervalTimeout, 0U);
-  EXPECT_EQ(driver.timeOuts.ReadTotalTimeoutMultiplier, 0U);
+  using Words = std::array<std::uint32_t, sizeof(DCB) / 4>;
+  constexpr std::uint32_t ones = 0xFFFFFFFF;
+  const struct {
+    int fill;
+    Words expected;
+  } rows[] = {{0xFF, {28, 9600, 0xFFFF9093, 0xFFFF0000, 0x0008FFFF, 0xFF131100, ones}},
+              {0, {28, 9600, 0x00001013, 0, 0x00080000, 0x00131100, 0}}};
+  for (const auto& row : rows) {
+    std::memset(&driver.state, row.fill, sizeof driver.state);
+    port.open(1, {});
+    EXPECT_EQ(std::bit_cast<Words>(driver.handedOver), row.expected);
+    using TimeOuts = std::array<DWORD, 5>;
+    EXPECT_EQ(std::bit_cast<TimeOuts>(driver.timeOuts), TimeOuts{});
+    port.close();
+  }
 }
 
 TEST_F(WindowsPort, SettingsHaveTheirCodes) {
@@ -173,9 +192,78 @@ TEST_F(WindowsPort, SettingsHaveTheirCodes) {
     EXPECT_EQ(state.ByteSize, row.size) << row.settings;
     EXPECT_EQ(state.Parity, row.parity) << row.settings;
     EXPECT_EQ(state.StopBits, row.stop) << row.settings;
-    EXPECT_EQ(state.fParity, 1U);
     port.close();
   }
+}
+
+TEST_F(WindowsPort, WhatCannotBeOpenedIsTold) {
+  const struct {
+    DWORD openError;
+    bool isGone, takesState, takesTimeOuts;
+    int error;
+  } rows[] = {{ERROR_ACCESS_DENIED, false, true, true, 8005},
+              {ERROR_SHARING_VIOLATION, false, true, true, 8005},
+              {ERROR_FILE_NOT_FOUND, false, true, true, 8002},
+              {ERROR_GEN_FAILURE, false, true, true, 8002},
+              {0, true, true, true, 8002},
+              {0, false, false, true, 380},
+              {0, false, true, false, 380}};
+  for (const auto& row : rows) {
+    driver.openError = row.openError;
+    driver.isGone = row.isGone;
+    driver.takesState = row.takesState;
+    driver.takesTimeOuts = row.takesTimeOuts;
+    EXPECT_EQ(errorOf([&] { port.open(17, {}); }), row.error) << row.openError;
+    EXPECT_EQ(driver.opened, R"(\\.\COM17)");
+    EXPECT_FALSE(port.isOpen());
+    EXPECT_EQ(openDevices(), 0);
+    EXPECT_TRUE(isClosed(driver.device));
+  }
+  driver = {};
+  EXPECT_EQ(errorOf([&] { port.open(0, {}); }), 8002);
+  EXPECT_EQ(driver.opened, "") << "no port has that number";
+  EXPECT_EQ(errorOf([&] { port.close(); }), 8012);
+  EXPECT_EQ(errorOf([&] { port.read(); }), 8018);
+  EXPECT_EQ(errorOf([&] { port.write("x"); }), 8018);
+  EXPECT_EQ(errorOf([&] { port.setBreak(true); }), 8018);
+  port.open(255, {});
+  EXPECT_EQ(driver.opened, R"(\\.\COM255)");
+  EXPECT_EQ(errorOf([&] { port.open(1, {}); }), 8005);
+  EXPECT_TRUE(port.isOpen());
+}
+
+/// What is under way fails, and what comes behind it; then the port can be closed and opened anew.
+TEST_F(WindowsPort, AnAdapterMayBePulledOut) {
+  constexpr ULONG_PTR removed = 0xC00002B6;
+  const auto reads = [&] { port.read(); };
+  const auto writes = [&] { port.write("xyz"); };
+  for (const DWORD lost : {0U, 1U, 3U}) {
+    driver = {};
+    port.open(1, {});
+    EXPECT_TRUE(port.read().empty());
+    driver.writeStatus = lost == 0 ? removed : 0;
+    driver.lost = lost;
+    EXPECT_EQ(errorOf(writes), 8020) << lost << " bytes lost";
+    driver.waiting = 1;
+    driver.readStatus = removed;
+    port.close();
+    EXPECT_TRUE(isClosed(driver.device));
+    port.open(1, {});
+    EXPECT_EQ(WaitForSingleObjectEx(port.event(), 0, FALSE), WAIT_OBJECT_0) << "whoever waits learns of it";
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(errorOf(reads), 8020);
+    port.close();
+    EXPECT_EQ(openDevices(), 0);
+  }
+}
+
+TEST_F(WindowsPort, AThreadMayEndWithAnOpenPort) {
+  std::thread([] {
+    threadHost().port().open(1, {});
+    EXPECT_EQ(openDevices(), 1);
+  }).join();
+  EXPECT_EQ(openDevices(), 0);
+  EXPECT_EQ(driver.cancelled, 1) << "the reading that runs while a port is open";
+  EXPECT_TRUE(isClosed(driver.device));
 }
 
 TEST_F(WindowsPort, ALineWithoutABreakIsNoFailure) {
