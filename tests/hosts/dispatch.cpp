@@ -4,21 +4,6 @@
 
 namespace hosts {
 
-Var Var::of(VARTYPE type, double number) {
-  Var var;
-  var.vt = VT_R8;
-  var.dblVal = number;
-  VariantChangeTypeEx(&var, &var, LOCALE_INVARIANT, 0, type);
-  return var;
-}
-
-Var Var::omitted() {
-  Var var;
-  var.vt = VT_ERROR;
-  var.scode = DISP_E_PARAMNOTFOUND;
-  return var;
-}
-
 Var Var::reference(VARTYPE type, void* variable) {
   Var var;
   var.vt = static_cast<VARTYPE>(VT_BYREF | type);

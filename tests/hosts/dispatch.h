@@ -53,12 +53,6 @@ struct Var : VARIANT {
   }
   ~Var() { VariantClear(this); }
 
-  /// A variant of type `type` whose value is made from a number.
-  static Var of(VARTYPE type, double number);
-
-  /// What leaves an argument out.
-  static Var omitted();
-
   /// A reference of a typed caller: `type` says to what.
   static Var reference(VARTYPE type, void* variable);
 

@@ -1,11 +1,14 @@
 // The links as a host sees them, against a simulated controller whose ports the runner tells.
 
+#include <cstring>
 #include <string>
 
 #include "client.h"
 
 namespace hosts {
 namespace {
+
+using std::string_literals::operator""s;
 
 /// Counts the ticks of a window timer: whether the host is alive.
 class Ticks {
@@ -74,112 +77,37 @@ TEST_F(Links, waitingKeepsTheHostAlive) {
   EXPECT_EQ(message.wParam, 7U);
 }
 
-TEST_F(Links, resultsInTheCallersTypes) {
-  BSTR passWord = SysAllocString(L"pass");
-  ASSERT_EQ(
-      object_.call(L"OpenTCP", {L"localhost", toldPort("VELK_TCP_PORT"), Var::reference(VT_BSTR, &passWord)})
-          .value.bVal,
-      0);
-  SysFreeString(passWord);
-  const auto read = [&](const Var& mode, const Var& items, const Var& count) {
-    const Outcome outcome = object_.call(L"Ctl_Param", {L"R", 5, mode, items, count});
-    EXPECT_EQ(outcome.value.vt, SUCCEEDED(outcome.code) ? VT_UI1 : VT_EMPTY);
-    EXPECT_EQ(outcome.value.bVal, 0);
-    return outcome.code;
-  };
-  BSTR mode = nullptr;
-  BSTR items = nullptr;
-  short count = 255;
-  EXPECT_EQ(
-      read(Var::reference(VT_BSTR, &mode), Var::reference(VT_BSTR, &items), Var::reference(VT_I2, &count)),
-      S_OK);
-  ASSERT_LT(count, 255);
-  EXPECT_EQ(SysStringLen(mode), 2U);
-  EXPECT_EQ(SysStringLen(items), static_cast<UINT>(count));
-
-  double real = 255;
-  EXPECT_EQ(read(Var(), Var(), Var::reference(VT_R8, &real)), S_OK);
-  EXPECT_EQ(real, count);
-  Var text(L"255");
-  EXPECT_EQ(read(Var(), Var(), Var::reference(text)), S_OK);
-  EXPECT_EQ(text.text(), std::to_wstring(count)) << "a text stays a text";
-  Var number(5);
-  EXPECT_EQ(read(Var::reference(number), Var(), 255), S_OK);
-  EXPECT_EQ(number.text(), Var::textOf(mode)) << "a number cannot hold a mode";
-  short wrong = 5;
-  EXPECT_EQ(read(Var::reference(VT_I2, &wrong), Var(), 255), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(wrong, 5);
-  SysFreeString(mode);
-  SysFreeString(items);
-  EXPECT_EQ(object_.call(L"CloseTCP", {}).value.bVal, 0);
-}
-
-/// How a C++ host finds a method: by its name while it runs, or in the type library when it is built.
-enum class Binding : std::uint8_t { late, early };
-
-struct Way {
-  Binding binding;
-  const char* link;  ///< as the runner's table of hosts and links calls it
-  const char* port;
-};
-
-class EachWay : public Client, public testing::WithParamInterface<Way> {
- protected:
-  void SetUp() override {
-    Client::SetUp();
-    object_.dispatch()->GetTypeInfo(0, LOCALE_USER_DEFAULT, types_.out());
-  }
-
+/// Methods found in the type library, and variables of fixed types: texts, numbers, and the arrays of hosts
+/// whose texts are no bytes.
+TEST_F(Links, earlyBoundCalls) {
+  Ref<ITypeInfo> types;
+  ASSERT_EQ(object_.dispatch()->GetTypeInfo(0, LOCALE_USER_DEFAULT, types.out()), S_OK);
   /// Arguments from the last to the first.
-  BYTE call(const wchar_t* name, std::vector<Var> arguments) {
-    DISPID id = object_.id(name);
-    if (GetParam().binding == Binding::early) {
-      id = DISPID_UNKNOWN;
-      auto* text = const_cast<LPOLESTR>(name);
-      types_->GetIDsOfNames(&text, 1, &id);
-    }
-    return object_.invoke(id, DISPATCH_METHOD, std::move(arguments)).value.bVal;
-  }
-
-  Ref<ITypeInfo> types_;
-};
-
-TEST_P(EachWay, readsAnOutput) {
-  const std::string link = GetParam().link;
-  const int port = toldPort(GetParam().port);
-  const bool tcp = link.starts_with("tcp");
-  Var passWord(L"pass");
-  ASSERT_EQ(tcp ? call(L"OpenTCP", {2, Var::reference(passWord), port, L"127.0.0.1"})
-                : call(L"OpenCom", {Var(link == "fast"), 9600, port}),
-            0);
+  const auto call = [&](const wchar_t* name, const std::vector<Var>& arguments) {
+    DISPID id = DISPID_UNKNOWN;
+    auto* text = const_cast<LPOLESTR>(name);
+    types->GetIDsOfNames(&text, 1, &id);
+    return object_.invoke(id, DISPATCH_METHOD, arguments).value;
+  };
+  ASSERT_EQ(open(), 0);
   BSTR mode = nullptr;
-  BSTR items = nullptr;
+  SAFEARRAY* items = nullptr;
   short count = 255;
-  EXPECT_EQ(call(L"Ctl_Param", {0, Var::reference(VT_I2, &count), Var::reference(VT_BSTR, &items),
-                                Var::reference(VT_BSTR, &mode), 5, L"R"}),
+  EXPECT_EQ(call(L"Ctl_Param", {0, Var::reference(VT_I2, &count), Var::reference(VT_ARRAY | VT_UI1, &items),
+                                Var::reference(VT_BSTR, &mode), 5, L"R"})
+                .bVal,
             0);
   EXPECT_EQ(Var::textOf(mode), L"T1");
   EXPECT_EQ(count, 12);
-  EXPECT_EQ(SysStringLen(items), 12U);
+  ASSERT_NE(items, nullptr);
+  EXPECT_EQ(items->rgsabound[0].cElements, 12U);
+  std::memcpy(items->pvData, "\0\xFE\xFF 12 bytes", 12);
+  EXPECT_EQ(call(L"WriteCom", {Var::reference(VT_ARRAY | VT_UI1, &items), L"V", 200, 5, 12}).text(), L"\0"s);
+  EXPECT_EQ(call(L"ReadCom", {L"V", 200, 5, 12}).text(), L"\0\0\xFE\xFF 12 bytes"s);
   SysFreeString(mode);
-  SysFreeString(items);
-  EXPECT_EQ(call(tcp ? L"CloseTCP" : L"CloseCom", {}), 0);
+  SafeArrayDestroy(items);
+  EXPECT_EQ(call(L"CloseTCP", {}).bVal, 0);
 }
-
-std::string nameOf(const testing::TestParamInfo<Way>& info) {
-  return std::string(info.param.binding == Binding::late ? "late_" : "early_") + info.param.link;
-}
-
-INSTANTIATE_TEST_SUITE_P(Cpp, EachWay,
-                         testing::Values(Way{Binding::late, "tcpQ", "VELK_TCP_PORT"},
-                                         Way{Binding::late, "tcpS", "VELK_TCP_S_PORT"},
-                                         Way{Binding::late, "echo", "VELK_ECHO_PORT"},
-                                         Way{Binding::late, "fast", "VELK_FAST_PORT"},
-                                         Way{Binding::early, "tcpQ", "VELK_TCP_PORT"},
-                                         Way{Binding::early, "tcpS", "VELK_TCP_S_PORT"},
-                                         Way{Binding::early, "echo", "VELK_ECHO_PORT"},
-                                         Way{Binding::early, "fast", "VELK_FAST_PORT"}),
-                         nameOf);
 
 /// The waits of module services, and answers so quick that nothing is waited for.
 TEST_F(Links, modulesAndQuickAnswersKeepTheHostAlive) {

@@ -24,13 +24,10 @@ End Sub
 Dim number, text, mixed
 number = 59
 text = " 59 "
-Check "a literal", serial.DECtoBCD(59), CByte(89)
 Check "a variable", serial.DECtoBCD(number), CByte(89)
 Check "a text variable", serial.dectobcd(text), CByte(89)
 Check "an expression", serial.DECtoBCD(number + 0.4), CByte(89)
 Check "an uninitialised variable", serial.DECtoBCD(mixed), CByte(0)
-Check "a truth value", serial.IfSetBit(64, 6), True
-Check "true as a byte", serial.Minimum(True, 250), CByte(250)
 Check "a text result", serial.LdZr(-7, 3), "007"
 Check "a fraction", serial.LdZr(CSng(0.1), 5), "000.1"
 Check "a number of more than 32 bits", serial.LdZr("&H100000000", 10), "4294967296"
@@ -48,9 +45,9 @@ Check "a text property", serial.SoortETH, "Q"
 
 ' Bytes in texts.
 Dim code, all, back
-' The codes between are other characters to a script host.
 all = ""
 For code = 0 To 255
+  ' The codes between are other characters to a script host.
   If code < 128 Or code > 159 Then all = all & Chr(code)
 Next
 serial.SoortETH = all
@@ -64,7 +61,6 @@ passWord = ""
 kept = 5678
 Check "a refused connection", serial.OpenTCP("127.0.0.1", 1, passWord), CByte(252)
 Check "a result in an argument", Len(passWord), CLng(4)
-Check "the socket is in use", serial.OpenTCP("127.0.0.1", 1), CByte(58)
 Check "close", serial.CloseTCP, CByte(0)
 serial.OpenTCP "127.0.0.1", 1, kept
 Check "an unchanged argument keeps its type", TypeName(kept) & kept, "Integer5678"
@@ -78,8 +74,6 @@ text = serial.ReadCom(1, 5, 1, "V")
 CheckError "port not open", 8018
 number = serial.DECtoBCD(256)
 CheckError "too large an argument", 6
-number = serial.DECtoBCD("abc")
-CheckError "no number", 13
 number = serial.DECtoBCD("2,5")
 CheckError "a decimal comma", 13
 number = serial.DECtoBCD(1, 2)

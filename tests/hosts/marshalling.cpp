@@ -1,0 +1,557 @@
+// Calls of made-up methods with arguments of every type, form and order: what the method gets, what comes
+// back to the caller, that nothing else of the caller's changes and that nothing is lost. VELK_FUZZ_SEED and
+// VELK_FUZZ_CALLS stand for another seed and number of calls.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <deque>
+#include <random>
+
+#include "component/windows/byte_array.h"
+#include "component/windows/call.h"
+#include "component/windows/serial_object.h"
+#include "host_settings.h"
+#include "values/runtime_error.h"
+
+namespace velk::com {
+namespace {
+
+/// Stand for a value in the table of samples.
+enum Fault : int { over = 100'000, none };
+
+/// What a variant has to be to a method: the one place that says so. The euro sign is one byte of the code
+/// page, the last two texts have a character that is none.
+struct Sample {
+  VARTYPE type;
+  const wchar_t* made;       ///< the text that the system makes the value from
+  int truth, byte, integer;  ///< or a `Fault`
+  const char* text;          ///< none: no method takes such a variant, and `truth` is its fault
+};
+
+constexpr const wchar_t* omitted = L"left out";
+constexpr const wchar_t* noNumber = L"NaN";
+constexpr const wchar_t* infinite = L"infinity";
+constexpr const wchar_t* square = L"two dimensions";
+constexpr Sample samples[] = {
+    {VT_EMPTY, L"", 0, 0, 0, ""},
+    {VT_I1, L"-128", 1, over, -128, "-128"},
+    {VT_UI1, L"0", 0, 0, 0, "0"},
+    {VT_UI1, L"255", 1, 255, 255, "255"},
+    {VT_I2, L"-32768", 1, over, -32768, "-32768"},
+    {VT_I2, L"256", 1, over, 256, "256"},
+    {VT_UI2, L"32767", 1, over, 32767, "32767"},
+    {VT_UI2, L"65535", 1, over, over, "65535"},
+    {VT_I4, L"-1", 1, over, -1, "-1"},
+    {VT_I4, L"32768", 1, over, over, "32768"},
+    {VT_UI4, L"4294967295", 1, over, over, "4294967295"},
+    {VT_INT, L"-32769", 1, over, over, "-32769"},
+    {VT_UINT, L"2147483648", 1, over, over, "2147483648"},
+    {VT_I8, L"-4294967296", 1, over, over, "-4294967296"},
+    {VT_UI8, L"4294967296", 1, over, over, "4294967296"},
+    {VT_R4, L"0.1", 1, 0, 0, "0.1"},
+    {VT_R8, L"254.5", 1, 254, 254, "254.5"},
+    {VT_R8, L"255.5", 1, over, 256, "255.5"},
+    {VT_R8, L"-0.5", 1, 0, 0, "-0.5"},
+    {VT_R8, L"32767.5", 1, over, over, "32767.5"},
+    {VT_R8, infinite, 1, over, over, "-inf"},
+    {VT_DATE, L"1.5", 1, 2, 2, "1.5"},
+    {VT_CY, L"-0.0001", 1, 0, 0, "-0.0001"},
+    {VT_DECIMAL, L"58.6", 1, 59, 59, "58.6"},
+    {VT_DECIMAL, L"-7", 1, over, -7, "-7"},
+    {VT_BOOL, L"True", 1, 255, -1, "True"},
+    {VT_BOOL, L"False", 0, 0, 0, "False"},
+    {VT_BSTR, L"", none, none, none, ""},
+    {VT_BSTR, L" 12 ", 1, 12, 12, " 12 "},
+    {VT_BSTR, L"2,5", none, none, none, "2,5"},
+    {VT_BSTR, L"&hFF", 1, 255, 255, "&hFF"},
+    {VT_BSTR, L"-1E999", 1, over, over, "-1E999"},
+    {VT_BSTR, L"tRUE", 1, none, none, "tRUE"},
+    {VT_BSTR, L"\u20AC\xFF", none, none, none, "\x80\xFF"},
+    {VT_BSTR, L"a\u4E2D", 0, 0, 0, nullptr},
+    {VT_BSTR, L"\uFF21", 0, 0, 0, nullptr},
+    {byteArray, L"", none, none, none, ""},
+    {byteArray, L"7\xFF", none, none, none, "7\xFF"},
+    {byteArray, square, none, 0, 0, nullptr},
+    {VT_R4, noNumber, over, 0, 0, nullptr},
+    {VT_R8, noNumber, over, 0, 0, nullptr},
+    {VT_DATE, noNumber, over, 0, 0, nullptr},
+    {VT_NULL, L"", none, 0, 0, nullptr},
+    {VT_DISPATCH, L"", none, 0, 0, nullptr},
+    {VT_ARRAY | VT_I2, L"", none, 0, 0, nullptr},
+    {VT_ERROR, L"", none, 0, 0, nullptr},
+    {VT_ERROR, omitted, none, 0, 0, nullptr},
+};
+
+/// The types that take numbers, with what they hold of small ones, and what true is there.
+struct NumberType {
+  VARTYPE type;
+  int lowest, highest;
+  const char* isTrue;
+};
+constexpr int all = 1'000'000;
+constexpr NumberType numberTypes[] = {{VT_I1, -128, 127, "-1"},     {VT_UI1, 0, 255, "255"},
+                                      {VT_I2, -32768, 32767, "-1"}, {VT_UI2, 0, 65535, "65535"},
+                                      {VT_I4, -all, all, "-1"},     {VT_UI4, 0, all, "4294967295"},
+                                      {VT_INT, -all, all, "-1"},    {VT_UINT, 0, all, "4294967295"},
+                                      {VT_I8, -all, all, "-1"},     {VT_UI8, 0, all, "18446744073709551615"},
+                                      {VT_R4, -all, all, "-1"},     {VT_R8, -all, all, "-1"},
+                                      {VT_CY, -all, all, "-1"},     {VT_DATE, -all, all, "-1"},
+                                      {VT_DECIMAL, -all, all, "-1"}};
+
+std::string shown(VARTYPE type, const std::string& content, LONG lowest = 0) {
+  return std::to_string(type) + ":" + content + (type == byteArray ? "@" + std::to_string(lowest) : "");
+}
+
+const NumberType* numberType(VARTYPE type) {
+  const auto* const found = std::find_if(std::begin(numberTypes), std::end(numberTypes),
+                                         [=](const NumberType& n) { return n.type == type; });
+  return found == std::end(numberTypes) ? nullptr : found;
+}
+
+/// The type and the content of a variant, read without the component.
+std::string shown(const VARIANT& variant) {
+  if (variant.vt == byteArray && variant.parray != nullptr) {
+    const SAFEARRAYBOUND& bound = variant.parray->rgsabound[0];
+    return shown(byteArray, {static_cast<const char*>(variant.parray->pvData), bound.cElements},
+                 bound.lLbound);
+  }
+  VARIANT number = variant;
+  if (number.vt == VT_DATE) number.vt = VT_R8;
+  VARIANT text{};
+  VariantChangeTypeEx(&text, &number, LOCALE_INVARIANT, 0, VT_BSTR);  // what has no text stays empty
+  std::string content;
+  for (UINT i = 0; i < SysStringLen(text.bstrVal); ++i) content += static_cast<char>(text.bstrVal[i]);
+  VariantClear(&text);
+  return shown(variant.vt, content);
+}
+
+/// A variable of the caller's. `choice` is what it has at random.
+struct Cell {
+  Cell(const Sample& made, unsigned choice) : sample(&made), choice(choice) {
+    make();
+    value.vt = made.type;
+    expected = shown(value);
+    if (isPlainDecimal()) value.decVal.wReserved = reserved;
+    before = value;
+  }
+  Cell(const Cell&) = delete;
+  Cell& operator=(const Cell&) = delete;
+  ~Cell() {
+    if (value.vt == byteArray && value.parray != nullptr)
+      value.parray->fFeatures &= ~(FADF_FIXEDSIZE | FADF_STATIC);
+    if (isLocked()) SafeArrayUnlock(value.parray);
+    VariantClear(&value);
+  }
+
+  void make() {
+    if (sample->made == square) {
+      std::array<SAFEARRAYBOUND, 2> bounds{{{2, 0}, {2, 0}}};
+      value.parray = SafeArrayCreate(VT_UI1, 2, bounds.data());
+    } else if (sample->type == byteArray && !isNoArray()) {
+      SAFEARRAYBOUND bound{static_cast<ULONG>(std::strlen(sample->text)), lowest()};
+      value.parray = SafeArrayCreate(VT_UI1, 1, &bound);
+      std::memcpy(value.parray->pvData, sample->text, bound.cElements);
+      if (isFixed()) value.parray->fFeatures |= static_cast<USHORT>(isTyped() ? FADF_STATIC : FADF_FIXEDSIZE);
+      if (isLocked()) SafeArrayLock(value.parray);
+    } else if (sample->made == noNumber) {
+      value.ullVal = sample->type == VT_R4 ? 0x7FA0'0001 : 0xFFF0'0000'0000'0001;  // they signal, both
+    } else if (sample->made == infinite) {
+      value.ullVal = 0xFFF0'0000'0000'0000;
+    } else if (sample->type == VT_ERROR) {
+      value.scode = sample->made == omitted ? DISP_E_PARAMNOTFOUND : E_FAIL;
+    } else if (sample->text != nullptr || sample->type == VT_BSTR) {
+      value.vt = VT_BSTR;
+      value.bstrVal = SysAllocString(sample->made);
+      const VARTYPE type = sample->type == VT_DATE ? VARTYPE{VT_R8} : sample->type;
+      VariantChangeTypeEx(&value, &value, LOCALE_INVARIANT, 0, type);
+    }
+  }
+
+  [[nodiscard]] bool isTyped() const { return choice % 2 != 0 && sample->type != VT_EMPTY; }
+  [[nodiscard]] bool isArray(unsigned kind) const {
+    return sample->type == byteArray && sample->text != nullptr && choice / 2 % 4 == kind;
+  }
+  [[nodiscard]] bool isFixed() const { return isArray(1); }
+  [[nodiscard]] bool isLocked() const { return isArray(2); }
+  [[nodiscard]] bool isNoArray() const { return isArray(3) && sample->text[0] == '\0'; }
+  [[nodiscard]] LONG lowest() const { return isNoArray() ? 0 : static_cast<LONG>(choice / 8 % 3) - 1; }
+
+  /// Where a host that refers to a variable of a fixed type has it: hosts keep them inside variants, too.
+  void* inside() { return sample->type == VT_DECIMAL ? static_cast<void*>(&value.decVal) : &value.byref; }
+
+  /// The value, also where a decimal variable is no part of a variant and has a reserved word of its own.
+  [[nodiscard]] VARIANT content() const {
+    VARIANT copy = value;
+    if (isPlainDecimal()) copy.vt = value.decVal.wReserved == reserved ? VT_DECIMAL : VT_ILLEGAL;
+    return copy;
+  }
+
+  /// Whether it holds what it has to. What is no result is not even written again; a new array can be
+  /// resized.
+  [[nodiscard]] bool isRight() const {
+    if (!written) return std::memcmp(&before, &value, sizeof value) == 0 && shown(content()) == expected;
+    constexpr USHORT vector = 0x2000;
+    const bool isStiff =
+        value.vt == byteArray && value.parray != nullptr && (value.parray->fFeatures & vector) != 0;
+    return !isStiff && shown(content()) == expected;
+  }
+
+  static constexpr USHORT reserved = 0x4242;
+  [[nodiscard]] bool isPlainDecimal() const { return isTyped() && sample->type == VT_DECIMAL; }
+
+  const Sample* sample;
+  unsigned choice;
+  VARIANT value{};
+  VARIANT before{};
+  std::string expected;
+  bool written = false;
+};
+
+// --- What has to come back
+
+/// A result in a type that is not its own, into `content`.
+HRESULT convertResult(const Value& value, const Cell& cell, std::string& content) {
+  const VARTYPE type = cell.sample->type;
+  const auto* const text = std::get_if<std::string>(&value);
+  const auto* const truth = std::get_if<bool>(&value);
+  std::string digits = toText(value);
+  const bool isNumber = text == nullptr || *text == "12";
+  const int number = isNumber ? static_cast<int>(toNumber(value)) : 0;
+  const NumberType* const found = numberType(type);
+  if (found != nullptr && isNumber && (text == nullptr || type != VT_DATE)) {
+    if (truth == nullptr && (number < found->lowest || number > found->highest)) return DISP_E_OVERFLOW;
+    if (truth != nullptr) digits = *truth ? found->isTrue : "0";
+  } else if (type == VT_BOOL && isNumber) {
+    digits = number != 0 ? "-1" : "0";
+  } else if (type != VT_BSTR && (type != byteArray || text == nullptr)) {
+    return DISP_E_TYPEMISMATCH;
+  }
+  content = shown(type, digits, cell.isTyped() ? cell.lowest() : 0);
+  return S_OK;
+}
+
+/// Notes what a cell has to hold behind a result, and returns what the call has to say of it.
+HRESULT store(Cell& cell, const Value& value) {
+  cell.written = true;
+  if (!cell.isTyped() && cell.isLocked()) return DISP_E_ARRAYISLOCKED;
+  std::string content;
+  const HRESULT code = convertResult(value, cell, content);
+  if (cell.isTyped()) {
+    const bool isStiff = cell.isFixed() || cell.isLocked();
+    if (SUCCEEDED(code) && isStiff && content.size() != cell.expected.size()) return DISP_E_ARRAYISLOCKED;
+    if (SUCCEEDED(code)) cell.expected = content;
+    return code;
+  }
+  constexpr VARTYPE own[] = {VT_EMPTY, VT_BOOL, VT_UI1, VT_I2, VT_I4, VT_R8, VT_BSTR};
+  const auto* const truth = std::get_if<bool>(&value);
+  if (FAILED(code))
+    content = shown(own[value.index()], truth == nullptr ? toText(value) : *truth ? "-1" : "0");
+  cell.expected = content;
+  return S_OK;
+}
+
+// --- What a method has to get
+
+constexpr HRESULT raises = E_INVALIDARG;  ///< stands for run-time error 5
+
+int columnOf(const Sample& sample, Type wanted) {
+  if (wanted == Type::boolean) return sample.truth;
+  if (wanted == Type::byte) return sample.byte;
+  return wanted == Type::integer ? sample.integer : 0;
+}
+
+HRESULT faultOfLoading(const Sample& sample, Type wanted) {
+  if (sample.made == omitted) return S_OK;
+  if (sample.text == nullptr && sample.type == VT_BSTR) return raises;
+  if (sample.text == nullptr) return sample.truth == over ? DISP_E_OVERFLOW : DISP_E_TYPEMISMATCH;
+  return sample.type == byteArray && wanted != Type::text ? DISP_E_TYPEMISMATCH : S_OK;
+}
+
+HRESULT faultOfConverting(const Sample& sample, Type wanted) {
+  const int column = columnOf(sample, wanted);
+  return column == over ? DISP_E_OVERFLOW : column == none ? DISP_E_TYPEMISMATCH : S_OK;
+}
+
+bool isExpected(const Value& value, const Sample& sample, Type wanted) {
+  const int column = columnOf(sample, wanted);
+  if (wanted == Type::boolean) return value == Value(column != 0);
+  if (wanted == Type::byte) return value == Value(static_cast<Byte>(column));
+  if (wanted == Type::integer) return value == Value(static_cast<std::int16_t>(column));
+  return wanted == Type::text ? value == Value(std::string(sample.text)) : toText(value) == sample.text;
+}
+
+// --- One call
+
+/// What the made-up methods were called with, and what they make of it; none: they leave it.
+std::vector<Value> received;
+std::vector<std::optional<Value>> results;
+
+Value madeUp(Serial& /*serial*/, Value* arguments) {
+  received.assign(arguments, arguments + results.size());
+  for (std::size_t i = 0; i < results.size(); ++i) arguments[i] = results[i].value_or(arguments[i]);
+  return {};
+}
+
+constexpr unsigned mostReferences = 4;
+
+/// An argument on its way: a value, or a reference over some variants that refer to one another.
+struct Passed {
+  Cell* cell;
+  bool isReference;
+  unsigned depth;          ///< references to variants, up to the variable
+  bool isNowhere = false;  ///< the last reference is none
+  std::array<VARIANT, mostReferences + 2> chain{};
+
+  [[nodiscard]] bool isGood() const { return !isReference || (depth <= mostReferences && !isNowhere); }
+
+  VARIANT make() {
+    if (!isReference) return cell->content();
+    VARIANT last{};
+    last.vt = static_cast<VARTYPE>(VT_BYREF | (cell->isTyped() ? int{cell->sample->type} : VT_VARIANT));
+    last.byref = isNowhere ? nullptr : cell->isTyped() ? cell->inside() : &cell->value;
+    for (unsigned i = cell->isTyped() ? 0 : 1; i < depth; ++i) {
+      chain[i] = last;
+      last.vt = VT_BYREF | VT_VARIANT;
+      last.pvarVal = &chain[i];
+    }
+    return last;
+  }
+};
+
+/// What a step of a call says: its code, and the position of the argument at fault in the host's list.
+struct Said {
+  HRESULT code = S_OK;
+  UINT fault = 99;  ///< nowhere
+
+  bool operator==(const Said&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Said& said) {
+  return out << std::hex << said.code << std::dec << " for argument " << said.fault;
+}
+
+/// A call at random, and what has to come of it.
+class RandomCall {
+ public:
+  explicit RandomCall(std::mt19937& random) : random_(random) {
+    makeMethod();
+    count_ = isOneIn(8) ? below(method_.count + 2) : method_.count;
+    makeNames(isOneIn(3) ? below(count_ + 1) : 0);
+    for (std::size_t k = 0; k < count_; ++k) makeArgument(k);
+    for (Passed& argument : passed_) variants_.push_back(argument.make());
+  }
+
+  void run(Serial& serial) {
+    const auto names = static_cast<UINT>(ids_.size() + (isOneIn(200) ? count_ + 1 : 0));
+    const DISPPARAMS parameters{variants_.data(), ids_.data(), static_cast<UINT>(count_), names};
+    Call call(method_, parameters);
+    Said expected = expectToTake(names > count_);
+    Said said;
+    try {
+      const hosts::InvalidOperationsStop stop;
+      said.code = call.take();
+    } catch (const RuntimeError& error) {
+      said.code = error.number() == 5 ? raises : E_UNEXPECTED;
+    }
+    if (SUCCEEDED(said.code) && SUCCEEDED(expected.code)) {
+      for (std::size_t i = 0; i < method_.count; ++i) avoidTheUntold(i);
+      call.run(serial);
+      for (std::size_t i = 0; i < method_.count; ++i) {
+        ASSERT_TRUE(isRight(i)) << "parameter " << i << " got '" << toText(received[i]) << "'";
+      }
+      expected = expectBack();
+      said.code = call.giveBack();
+    }
+    call.reportFault(&said.fault);
+    EXPECT_EQ(said, expected);
+    for (const Cell& cell : cells_) {
+      EXPECT_TRUE(cell.isRight()) << "the variable of " << shown(cell.sample->type, "") << " "
+                                  << shown(cell.content()) << " has to hold " << cell.expected;
+    }
+  }
+
+ private:
+  std::size_t below(std::size_t end) { return random_() % end; }
+  bool isOneIn(unsigned count) { return below(count) == 0; }
+
+  void makeMethod() {
+    method_.call = &madeUp;
+    method_.count = below(mostParameters + 1);
+    results.assign(method_.count, {});
+    for (std::size_t i = 0; i < method_.count; ++i) {
+      const Type type =
+          std::array{Type::boolean, Type::byte, Type::integer, Type::text, Type::variant}[below(5)];
+      const bool isPlain = type != Type::variant;
+      method_.slots[i] = {{}, type, isPlain && !isOneIn(3), isPlain && isOneIn(3), isOneIn(2) ? 0 : 7};
+      if (!isOneIn(3)) results[i] = resultOf(type, below(4));
+    }
+  }
+
+  static Value resultOf(Type type, std::size_t choice) {
+    if (type == Type::boolean) return choice < 2;
+    if (type == Type::byte) return std::array<Byte, 4>{0, 7, 12, 255}[choice];
+    if (type == Type::integer) return std::array<std::int16_t, 4>{12, 200, 300, 32767}[choice];
+    return std::array<std::string, 4>{"", "12", "T1", "\xFFz"}[choice];
+  }
+
+  /// The last parameters that have an argument get theirs by name.
+  void makeNames(std::size_t named) {
+    for (std::size_t id = count_ - named; id < count_; ++id) ids_.push_back(static_cast<DISPID>(id));
+    std::shuffle(ids_.begin(), ids_.end(), random_);
+    for (DISPID& id : ids_) {
+      if (isOneIn(40)) id = static_cast<DISPID>(below(mostParameters + 3)) - 1;
+    }
+  }
+
+  /// The parameter that the argument at a position of the host's list is for.
+  [[nodiscard]] std::size_t parameterOf(std::size_t k) const {
+    return k < ids_.size() ? static_cast<std::size_t>(ids_[k]) : count_ - 1 - k;
+  }
+
+  /// Most arguments are good ones: a single bad one ends the call.
+  void makeArgument(std::size_t k) {
+    const bool any = isOneIn(24) || parameterOf(k) >= method_.count;
+    const auto fits = [&](const Sample& sample) {
+      if (any) return true;
+      const Parameter& parameter = method_.slots[parameterOf(k)];
+      if (sample.made == omitted) return parameter.optional;
+      return faultOfLoading(sample, parameter.type) == S_OK &&
+             faultOfConverting(sample, parameter.type) == S_OK;
+    };
+    Cell* cell = cells_.empty() || !isOneIn(3) ? nullptr : &cells_[below(cells_.size())];
+    if (cell == nullptr || !fits(*cell->sample)) {
+      const Sample* sample = samples;
+      while (!fits(*(sample = &samples[below(std::size(samples))]))) continue;
+      cell = &cells_.emplace_back(*sample, static_cast<unsigned>(random_()));
+    }
+    const auto depth =
+        static_cast<unsigned>(below(mostReferences) + (cell->isTyped() ? 0 : 1) + (any ? 1 : 0));
+    passed_.push_back({cell, !isOneIn(4), depth, any && isOneIn(4)});
+  }
+
+  /// What the system makes of the text of just any number, and of true as a decimal number, is not told here.
+  void avoidTheUntold(std::size_t i) {
+    if (!isGiven(i)) return;
+    const VARTYPE type = sources_[i]->cell->sample->type;
+    const bool isText = type == VT_BSTR || type == byteArray || type == VT_EMPTY;
+    if (method_.slots[i].type == Type::text && !isText && !results[i]) results[i] = "12";
+    if (method_.slots[i].type == Type::boolean && type == VT_DECIMAL) results[i] = false;
+  }
+
+  Said expectToTake(bool tooManyNames) {
+    const auto required = std::count_if(method_.slots.begin(), method_.slots.begin() + method_.count,
+                                        [](const Parameter& parameter) { return !parameter.optional; });
+    if (count_ > method_.count || tooManyNames) return {DISP_E_BADPARAMCOUNT};
+    sources_.assign(method_.count, nullptr);
+    for (std::size_t k = ids_.size(); k < count_; ++k) sources_[parameterOf(k)] = &passed_[k];
+    for (std::size_t k = 0; k < ids_.size(); ++k) {
+      const std::size_t i = parameterOf(k);
+      if (i >= method_.count || sources_[i] != nullptr) return {DISP_E_PARAMNOTFOUND, static_cast<UINT>(k)};
+      sources_[i] = &passed_[k];
+    }
+    if (count_ < static_cast<std::size_t>(required)) return {DISP_E_BADPARAMCOUNT};
+    for (const auto fault : {&RandomCall::faultAtLoading, &RandomCall::faultAtConverting}) {
+      for (std::size_t i = 0; i < method_.count; ++i) {
+        const HRESULT code = (this->*fault)(i);
+        if (FAILED(code)) return code == raises ? Said{raises} : Said{code, position(i)};
+      }
+    }
+    return {};
+  }
+
+  [[nodiscard]] HRESULT faultAtLoading(std::size_t i) const {
+    if (sources_[i] == nullptr) return S_OK;
+    return sources_[i]->isGood() ? faultOfLoading(*sources_[i]->cell->sample, method_.slots[i].type)
+                                 : DISP_E_TYPEMISMATCH;
+  }
+  [[nodiscard]] HRESULT faultAtConverting(std::size_t i) const {
+    if (isGiven(i)) return faultOfConverting(*sources_[i]->cell->sample, method_.slots[i].type);
+    return method_.slots[i].optional ? S_OK : DISP_E_PARAMNOTOPTIONAL;
+  }
+  [[nodiscard]] bool isGiven(std::size_t i) const {
+    return sources_[i] != nullptr && sources_[i]->cell->sample->made != omitted;
+  }
+  [[nodiscard]] UINT position(std::size_t i) const {
+    return sources_[i] == nullptr ? Said().fault : static_cast<UINT>(sources_[i] - passed_.data());
+  }
+
+  /// Whether a parameter got what it has to.
+  [[nodiscard]] bool isRight(std::size_t i) const {
+    const Parameter& parameter = method_.slots[i];
+    if (isGiven(i)) return isExpected(received[i], *sources_[i]->cell->sample, parameter.type);
+    if (parameter.type == Type::text) return received[i] == Value(std::string());
+    if (parameter.type == Type::boolean) return received[i] == Value(parameter.fallback != 0);
+    return holds(received[i], parameter.type) && toNumber(received[i]) == parameter.fallback;
+  }
+
+  /// Notes what the caller's variables have to hold behind the call.
+  Said expectBack() {
+    Said said;
+    for (std::size_t i = 0; i < method_.count; ++i) {
+      if (!method_.slots[i].inOut || !isGiven(i) || !sources_[i]->isReference) continue;
+      Cell& cell = *sources_[i]->cell;
+      const Value& value = results[i] ? *results[i] : received[i];
+      if (value == received[i] && cell.sample->type != VT_EMPTY && !cell.written) continue;
+      if (const HRESULT code = store(cell, value); FAILED(code)) said = {code, position(i)};
+    }
+    return said;
+  }
+
+  std::mt19937& random_;
+  Method method_;
+  std::size_t count_ = 0;
+  std::vector<DISPID> ids_;
+  std::deque<Cell> cells_;
+  std::vector<Passed> passed_;
+  std::vector<VARIANT> variants_;
+  std::vector<Passed*> sources_;  ///< of each parameter
+};
+
+unsigned told(const char* variable, unsigned otherwise) {
+  const char* const text = std::getenv(variable);
+  return text == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+}
+
+TEST(Marshalling, callsAtRandom) {
+  const unsigned seed = told("VELK_FUZZ_SEED", 11);
+  const unsigned calls = told("VELK_FUZZ_CALLS", 30'000);
+  std::printf("seed %u, %u calls\n", seed, calls);
+  std::mt19937 random(seed);
+  Serial serial;
+  const hosts::MallocSpy spy;
+  for (unsigned i = 0; i < calls && !HasFailure(); ++i) {
+    const long before = spy.blocks();
+    RandomCall(random).run(serial);
+    EXPECT_EQ(spy.blocks(), before) << "blocks left, or freed twice";
+    EXPECT_FALSE(HasFailure()) << "in call " << i << " of seed " << seed;
+  }
+}
+
+/// A result that nobody asks for, and one of a call whose variable cannot hold what comes back.
+TEST(Marshalling, unusedResultsAreFreed) {
+  const hosts::MallocSpy spy;
+  auto* const object = new SerialObject;
+  constexpr DISPID convertSim = 67;
+  short variable = 12;  // the text "12", whose characters are BCD
+  VARIANT argument{};
+  argument.vt = VT_BYREF | VT_I2;
+  argument.piVal = &variable;
+  DISPPARAMS passed{&argument, nullptr, 1, 0};
+  VARIANT result{};
+  const auto call = [&](VARIANT* to) {
+    return object->Invoke(convertSim, IID_NULL, 0, DISPATCH_METHOD, &passed, to, nullptr, nullptr);
+  };
+  EXPECT_EQ(call(&result), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(result.vt, VT_EMPTY);
+  EXPECT_EQ(variable, 12);
+  argument.vt = VT_I2;
+  argument.iVal = 12;
+  EXPECT_EQ(call(nullptr), S_OK);
+  EXPECT_EQ(spy.blocks(), 0);
+  object->Release();
+}
+
+}  // namespace
+}  // namespace velk::com
