@@ -22,8 +22,9 @@ BOOL WINAPI cancel(HANDLE, LPOVERLAPPED) {
 
 class Ending : public Client {
  protected:
-  /// Ends the process; `close` before that is for the counterpart that shows that closing is noticed.
-  void end(const wchar_t* close) {
+  /// Opens a link and ends the process; `close` before that shows that closing is noticed.
+  void end(const wchar_t* open, const std::vector<Var>& arguments, const wchar_t* close) {
+    if (object_.call(open, arguments).value.bVal != 0) ExitProcess(2);
     HMODULE const component = GetModuleHandleW(L"VelkCom.dll");
     const PatchedImport socket(component, L"ws2_32.dll", "closesocket",
                                reinterpret_cast<const void*>(&closeSocket));
@@ -33,25 +34,17 @@ class Ending : public Client {
     if (close != nullptr) object_.call(close, {});
     ExitProcess(0);
   }
-
-  void endConnected(const wchar_t* close) {
-    if (object_.call(L"OpenTCP", {L"127.0.0.1", toldPort("VELK_TCP_S_PORT")}).value.bVal != 0) ExitProcess(2);
-    end(close);
-  }
-
-  void endWithPort(const wchar_t* close) {
-    if (object_.call(L"OpenCom", {toldPort("VELK_FAST_PORT"), 9600, true}).value.bVal != 0) ExitProcess(2);
-    end(close);
-  }
 };
 
 using testing::ExitedWithCode;
 
 TEST_F(Ending, closesNothing) {
-  EXPECT_EXIT(endConnected(nullptr), ExitedWithCode(0), "");
-  EXPECT_EXIT(endConnected(L"CloseTCP"), ExitedWithCode(closedSomething), "") << "closing is noticed";
-  EXPECT_EXIT(endWithPort(nullptr), ExitedWithCode(0), "");
-  EXPECT_EXIT(endWithPort(L"CloseCom"), ExitedWithCode(closedSomething), "") << "closing is noticed";
+  const std::vector<Var> server{L"127.0.0.1", toldPort("VELK_TCP_S_PORT")};
+  const std::vector<Var> line{toldPort("VELK_FAST_PORT"), 9600, true};
+  EXPECT_EXIT(end(L"OpenTCP", server, nullptr), ExitedWithCode(0), "");
+  EXPECT_EXIT(end(L"OpenTCP", server, L"CloseTCP"), ExitedWithCode(closedSomething), "");
+  EXPECT_EXIT(end(L"OpenCom", line, nullptr), ExitedWithCode(0), "");
+  EXPECT_EXIT(end(L"OpenCom", line, L"CloseCom"), ExitedWithCode(closedSomething), "");
 }
 
 }  // namespace

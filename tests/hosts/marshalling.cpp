@@ -21,8 +21,7 @@ namespace {
 /// Stand for a value in the table of samples.
 enum Fault : int { over = 100'000, none };
 
-/// What a variant has to be to a method: the one place that says so. The euro sign is one byte of the code
-/// page, the last two texts have a character that is none.
+/// What a variant has to be to a method: the rows are those of variants.inc.
 struct Sample {
   VARTYPE type;
   const wchar_t* made;       ///< the text that the system makes the value from
@@ -35,53 +34,7 @@ constexpr const wchar_t* noNumber = L"NaN";
 constexpr const wchar_t* infinite = L"infinity";
 constexpr const wchar_t* square = L"two dimensions";
 constexpr Sample samples[] = {
-    {VT_EMPTY, L"", 0, 0, 0, ""},
-    {VT_I1, L"-128", 1, over, -128, "-128"},
-    {VT_UI1, L"0", 0, 0, 0, "0"},
-    {VT_UI1, L"255", 1, 255, 255, "255"},
-    {VT_I2, L"-32768", 1, over, -32768, "-32768"},
-    {VT_I2, L"256", 1, over, 256, "256"},
-    {VT_UI2, L"32767", 1, over, 32767, "32767"},
-    {VT_UI2, L"65535", 1, over, over, "65535"},
-    {VT_I4, L"-1", 1, over, -1, "-1"},
-    {VT_I4, L"32768", 1, over, over, "32768"},
-    {VT_UI4, L"4294967295", 1, over, over, "4294967295"},
-    {VT_INT, L"-32769", 1, over, over, "-32769"},
-    {VT_UINT, L"2147483648", 1, over, over, "2147483648"},
-    {VT_I8, L"-4294967296", 1, over, over, "-4294967296"},
-    {VT_UI8, L"4294967296", 1, over, over, "4294967296"},
-    {VT_R4, L"0.1", 1, 0, 0, "0.1"},
-    {VT_R8, L"254.5", 1, 254, 254, "254.5"},
-    {VT_R8, L"255.5", 1, over, 256, "255.5"},
-    {VT_R8, L"-0.5", 1, 0, 0, "-0.5"},
-    {VT_R8, L"32767.5", 1, over, over, "32767.5"},
-    {VT_R8, infinite, 1, over, over, "-inf"},
-    {VT_DATE, L"1.5", 1, 2, 2, "1.5"},
-    {VT_CY, L"-0.0001", 1, 0, 0, "-0.0001"},
-    {VT_DECIMAL, L"58.6", 1, 59, 59, "58.6"},
-    {VT_DECIMAL, L"-7", 1, over, -7, "-7"},
-    {VT_BOOL, L"True", 1, 255, -1, "True"},
-    {VT_BOOL, L"False", 0, 0, 0, "False"},
-    {VT_BSTR, L"", none, none, none, ""},
-    {VT_BSTR, L" 12 ", 1, 12, 12, " 12 "},
-    {VT_BSTR, L"2,5", none, none, none, "2,5"},
-    {VT_BSTR, L"&hFF", 1, 255, 255, "&hFF"},
-    {VT_BSTR, L"-1E999", 1, over, over, "-1E999"},
-    {VT_BSTR, L"tRUE", 1, none, none, "tRUE"},
-    {VT_BSTR, L"\u20AC\xFF", none, none, none, "\x80\xFF"},
-    {VT_BSTR, L"a\u4E2D", 0, 0, 0, nullptr},
-    {VT_BSTR, L"\uFF21", 0, 0, 0, nullptr},
-    {byteArray, L"", none, none, none, ""},
-    {byteArray, L"7\xFF", none, none, none, "7\xFF"},
-    {byteArray, square, none, 0, 0, nullptr},
-    {VT_R4, noNumber, over, 0, 0, nullptr},
-    {VT_R8, noNumber, over, 0, 0, nullptr},
-    {VT_DATE, noNumber, over, 0, 0, nullptr},
-    {VT_NULL, L"", none, 0, 0, nullptr},
-    {VT_DISPATCH, L"", none, 0, 0, nullptr},
-    {VT_ARRAY | VT_I2, L"", none, 0, 0, nullptr},
-    {VT_ERROR, L"", none, 0, 0, nullptr},
-    {VT_ERROR, omitted, none, 0, 0, nullptr},
+#include "variants.inc"
 };
 
 /// The types that take numbers, with what they hold of small ones, and what true is there.

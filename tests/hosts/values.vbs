@@ -24,36 +24,26 @@ End Sub
 Dim number, text, mixed
 number = 59
 text = " 59 "
-Check "a variable", serial.DECtoBCD(number), CByte(89)
 Check "a text variable", serial.dectobcd(text), CByte(89)
 Check "an expression", serial.DECtoBCD(number + 0.4), CByte(89)
 Check "an uninitialised variable", serial.DECtoBCD(mixed), CByte(0)
-Check "a text result", serial.LdZr(-7, 3), "007"
 Check "a fraction", serial.LdZr(CSng(0.1), 5), "000.1"
-Check "a number of more than 32 bits", serial.LdZr("&H100000000", 10), "4294967296"
 Check "an empty result", IsEmpty(serial.WhatBit(0)), True
-Check "a variant result", serial.WhatBit(12), CByte(2)
 Check "a variable stays as it was", TypeName(text) & text, "String 59 "
 
 ' Properties.
-Check "a fresh property", serial.FlgBreak, True
-serial.FlgBreak = False
-Check "a changed property", serial.FlgBreak, False
 serial.SerAddress = "17"
 Check "a property from a text", serial.SerAddress, CByte(17)
-Check "a text property", serial.SoortETH, "Q"
 
 ' Bytes in texts.
-Dim code, all, back
+Dim code, all
 all = ""
 For code = 0 To 255
   ' The codes between are other characters to a script host.
   If code < 128 Or code > 159 Then all = all & Chr(code)
 Next
 serial.SoortETH = all
-back = serial.SoortETH
-Check "bytes in a text: length", Len(back), CLng(224)
-Check "bytes in a text", back = all, True
+Check "bytes in a text", serial.SoortETH = all, True
 
 ' Results that come back in arguments.
 Dim passWord, kept
@@ -72,14 +62,10 @@ number = serial.DECtoBCD(160)
 CheckError "overflow", 6
 text = serial.ReadCom(1, 5, 1, "V")
 CheckError "port not open", 8018
-number = serial.DECtoBCD(256)
-CheckError "too large an argument", 6
 number = serial.DECtoBCD("2,5")
 CheckError "a decimal comma", 13
 number = serial.DECtoBCD(1, 2)
 CheckError "too many arguments", 450
-number = serial.DECtoBCD()
-CheckError "too few arguments", 450
 number = serial.NoSuchMethod(1)
 CheckError "no such method", 438
 Check "trapped errors are results", serial.CloseCom, CByte(84)
