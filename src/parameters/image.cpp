@@ -11,9 +11,7 @@ void Image::fetch(const Run& run) {
 
 Byte Image::at(Area area, Byte offset) const {
   for (const Piece& piece : std::span(pieces_).first(count_)) {
-    const Run& run = piece.run;
-    if (run.area == area && offset >= run.at && offset < run.at + run.size)
-      return byteAt(piece.bytes, offset - run.at);
+    if (piece.run.holds(area, offset)) return byteAt(piece.bytes, offset - piece.run.at);
   }
   throw RuntimeError(RuntimeError::invalidArgument);
 }

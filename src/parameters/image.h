@@ -19,7 +19,7 @@ class Image {
   [[nodiscard]] Byte at(Area area, Byte offset) const;
 
  private:
-  static constexpr std::size_t mostRuns = 8;
+  static constexpr std::size_t mostRuns = 4;  ///< the mode, the layout's two runs, the further byte
 
   struct Piece {
     Run run;

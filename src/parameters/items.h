@@ -22,10 +22,10 @@ enum class Form : Byte {
 
 struct Item {
   Form form = Form::whole;
-  Byte at = 0;                 ///< page offset, or position in the output's block
+  Byte at{};                   ///< page offset, or position in the output's block
   Byte mask = 255;             ///< the bits of the byte that belong to the item
-  char set = 0;                ///< the letter for a bit that is set, for not 0, for 4
-  char clear = 0;              ///< the letter for a bit that is clear, for 0, for 3
+  char set{};                  ///< the letter for a bit that is set, for not 0, for 4
+  char clear{};                ///< the letter for a bit that is clear, for 0, for 3
   Area area = Area::external;  ///< where `at` counts: the output's page, or its block in the block area
 };
 

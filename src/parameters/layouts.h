@@ -13,9 +13,13 @@ namespace velk::parameters {
 
 /// A run of bytes that is read at once.
 struct Run {
-  Byte at = 0;
+  Byte at{};
   Byte size = 0;
   Area area = Area::external;
+
+  [[nodiscard]] constexpr bool holds(Area where, Byte offset) const {
+    return where == area && offset >= at && offset < at + size;
+  }
 };
 
 /// What `Offset` may be.

@@ -92,8 +92,8 @@ void compose(const Memory& memory, Byte output, const std::vector<Assignment>& a
   for (Change& change : changes) {
     if (change.shared) change.value = image.at(change.area, change.at);
     for (const auto& [item, value] : assignments) {
-      if (item.form == Form::stored || item.area != change.area || item.at != change.at) continue;
-      change.value = encoded(item, value, change.value).value_or(change.value);
+      if (item.area == change.area && item.at == change.at)
+        change.value = encoded(item, value, change.value).value_or(change.value);
     }
   }
 }
