@@ -37,23 +37,10 @@ struct Bounds {
   Byte high = 255;
 };
 
-/// What each position may be written as. The day has a rule of its own on top.
-constexpr std::array<Bounds, blockSize> bounds{{{10, 99},
-                                                {104, 128},
-                                                {},
-                                                {},
-                                                {},
-                                                {},
-                                                {0, 99},
-                                                {1, 12},
-                                                {1, 255},
-                                                {0, 7},
-                                                {0, 23},
-                                                {0, 59},
-                                                {0, 59},
-                                                {},
-                                                {},
-                                                {}}};
+/// What the positions up to the clock's last may be written as; the others take any byte. The day has a rule
+/// of its own on top.
+constexpr std::array<Bounds, seconds> bounds{
+    {{10, 99}, {104, 128}, {}, {}, {}, {}, {0, 99}, {1, 12}, {1, 255}, {0, 7}, {0, 23}, {0, 59}, {0, 59}}};
 
 /// The positions that a call names, from `offset` + 1 to `end`, and their bytes.
 struct Positions {
@@ -70,17 +57,17 @@ struct Positions {
 /// The last day of the month that a write names. Outside 1 to 12 the day is not checked: the month fails
 /// itself.
 int lastDay(const Positions& positions) {
-  constexpr std::array<Byte, 13> days{0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  constexpr std::array days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   const Byte m = positions.at(month);
   if (m < 1 || m > 12) return 255;
   // Only February asks for the year, which is a run-time error when the range begins behind it.
   const bool leapDay = m == 2 && positions.at(year) % 4 == 0;
-  return days.at(m) + (leapDay ? 1 : 0);
+  return days.at(m - 1U) + (leapDay ? 1 : 0);
 }
 
 void checkWrite(const Positions& positions) {
   bool good = true;
-  for (int p = positions.offset + 1; p <= positions.end; ++p) {
+  for (int p = positions.offset + 1; p <= std::min(positions.end, seconds); ++p) {
     const Bounds& bound = bounds.at(static_cast<std::size_t>(p - 1));
     const int value = positions.at(p);
     if (p == day && value > lastDay(positions)) good = false;
