@@ -71,8 +71,9 @@ const Method* findMethod(std::string_view name) {
 }
 
 const Method* findMethod(int id) {
-  if (id < 0 || static_cast<std::size_t>(id) >= slotCount) return nullptr;
-  const Byte row = byId[static_cast<std::size_t>(id)];
+  const auto slot = static_cast<std::size_t>(id);  // beyond the slots for an id below 0
+  if (slot >= byId.size()) return nullptr;
+  const Byte row = byId[slot];
   return row == 0 ? nullptr : &table[row - std::size_t{1}];
 }
 

@@ -45,20 +45,22 @@ struct Exception {
   Outcome outcome;
 };
 
-/// The methods whose result is no result byte.
+/// The methods whose result is no result byte, by name.
 constexpr std::array exceptions{
-    Exception{"TranCeiv", Outcome::reply},      Exception{"ReadCom", Outcome::reply},
-    Exception{"WriteCom", Outcome::reply},      Exception{"TranceivTcp", Outcome::reply},
-    Exception{"ConvertErr", Outcome::value},    Exception{"DECtoBCD", Outcome::value},
-    Exception{"IfSetBit", Outcome::value},      Exception{"LdZr", Outcome::value},
-    Exception{"LowNibbleBit", Outcome::value},  Exception{"Minimum", Outcome::value},
-    Exception{"WhatBit", Outcome::value},       Exception{"ModeToNr", Outcome::value},
-    Exception{"ModeToStr", Outcome::value},     Exception{"DPHPreset", Outcome::value},
-    Exception{"DPLPreset", Outcome::value},     Exception{"ModuleType", Outcome::value},
-    Exception{"ConvertRXData", Outcome::value}, Exception{"ConvertTXData", Outcome::value},
-    Exception{"ConvertRXSub", Outcome::value},  Exception{"ConvertTXSub", Outcome::value},
-    Exception{"ConvertSim", Outcome::value},
+    Exception{"ConvertErr", Outcome::value},    Exception{"ConvertRXData", Outcome::value},
+    Exception{"ConvertRXSub", Outcome::value},  Exception{"ConvertSim", Outcome::value},
+    Exception{"ConvertTXData", Outcome::value}, Exception{"ConvertTXSub", Outcome::value},
+    Exception{"DECtoBCD", Outcome::value},      Exception{"DPHPreset", Outcome::value},
+    Exception{"DPLPreset", Outcome::value},     Exception{"IfSetBit", Outcome::value},
+    Exception{"LdZr", Outcome::value},          Exception{"LowNibbleBit", Outcome::value},
+    Exception{"Minimum", Outcome::value},       Exception{"ModeToNr", Outcome::value},
+    Exception{"ModeToStr", Outcome::value},     Exception{"ModuleType", Outcome::value},
+    Exception{"ReadCom", Outcome::reply},       Exception{"TranCeiv", Outcome::reply},
+    Exception{"TranceivTcp", Outcome::reply},   Exception{"WhatBit", Outcome::value},
+    Exception{"WriteCom", Outcome::reply},
 };
+static_assert(std::is_sorted(exceptions.begin(), exceptions.end(),
+                             [](const Exception& a, const Exception& b) { return a.method < b.method; }));
 
 }  // namespace
 
