@@ -260,16 +260,18 @@ class Tests:
         return sorted(files, key=lambda f: (not f.startswith("src/"), f))
 
     def read_dependents(self):
-        """For each header the files of src/ that see it."""
+        """For each header the files of src/ that see it, and the tests that mirror its folder: a default of an argument
+        is compiled where the call stands."""
         text = subprocess.run(["ninja", "-C", self.tree, "-t", "deps"], check=True, capture_output=True, text=True).stdout
         by_object = {os.path.relpath(o, self.tree): f for f, o in self.objects.items()}
         result, current = collections.defaultdict(list), None
         for line in text.split("\n"):
             if line and not line[0].isspace():
                 current = by_object.get(line.split(":")[0])
-            elif line.strip() and current and current.startswith("src/") and current in self.linked:
-                path = os.path.normpath(os.path.join(self.tree, line.strip()))
-                result[os.path.relpath(path, ROOT)].append(current)
+            elif line.strip() and current and current in self.linked:
+                header = os.path.relpath(os.path.normpath(os.path.join(self.tree, line.strip())), ROOT)
+                if current.startswith(("src/", f"tests/{'/'.join(header.split('/')[1:2])}/")):
+                    result[header].append(current)
         return result
 
     @staticmethod
