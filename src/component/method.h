@@ -20,9 +20,9 @@ constexpr std::size_t mostParameters = 9;
 struct Parameter {
   std::string_view name;
   Type type = Type::none;
-  bool inOut = false;     ///< written back into the caller's variable
-  bool optional = false;  ///< may be left out
-  int fallback = 0;       ///< what stands for an argument left out; for texts always the empty text
+  bool inOut{};     ///< written back into the caller's variable
+  bool optional{};  ///< may be left out
+  int fallback{};   ///< what stands for an argument left out; for texts always the empty text
 };
 
 /// The value of an argument that was left out.
@@ -33,7 +33,7 @@ enum class Kind : Byte { method, property };
 /// One method or property of `Serial`, as every caller that does not know C++ types needs it.
 struct Method {
   std::string_view name;
-  int id = 0;  ///< dispatch id, fixed for ever
+  int id{};  ///< dispatch id, fixed for ever
   Kind kind = Kind::method;
   Type result = Type::none;
   std::array<Parameter, mostParameters> slots{};
@@ -119,7 +119,7 @@ struct Field<T Owner::*> {
 struct Named {
   std::string_view name;
   bool optional = false;
-  int fallback = 0;
+  int fallback{};
 
   // NOLINTBEGIN(google-explicit-constructor): rows of the method table are written as plain lists
   constexpr Named(const char* parameter) : name(parameter) {}

@@ -37,7 +37,7 @@ void read(const Memory& memory, const SoftLink& link) {
   // An input link reads back as nothing, whatever it was written with.
   const bool isOutput = first >= outputBit;
   link.kind = isOutput ? "O" : "I";
-  link.destination = isOutput ? static_cast<Byte>(first - outputBit) : Byte{0};
+  link.destination = isOutput ? static_cast<Byte>(first & 127) : Byte{0};
   const Byte second = isOutput ? byteAt(record, 1) : Byte{0};
   link.parameters1 = second / 16;
   link.parameters2 = second & 15;

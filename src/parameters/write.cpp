@@ -20,7 +20,7 @@ struct Change {
   Byte at;
   Byte mask;    ///< the bits that the write gives
   bool shared;  ///< the byte that is there has to be known
-  Byte value = 0;
+  Byte value{};
 };
 
 /// An item and the character to put into it.
