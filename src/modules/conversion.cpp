@@ -12,8 +12,19 @@ namespace {
 
 using Positions = std::vector<Byte>;
 
-constexpr SerialRange secondGroupSerials{230000, 839999};
 constexpr SerialRange twentySevens{270000, 279999};
+
+// Modules whose fields stay as they are, in front of the rule for 27 and behind it.
+constexpr std::array neverReceived{SerialRange{50000, 69999}};
+constexpr std::array notReceived{SerialRange{80000, 89999}, SerialRange{910000, 919999},
+                                 SerialRange{980100, 1e300}};
+constexpr std::array neverSent{SerialRange{50000, 69999}, SerialRange{110000, 119999},
+                               SerialRange{240000, 249999}};
+constexpr std::array notSent{SerialRange{80000, 89999}, SerialRange{910000, 919999},
+                             SerialRange{930000, 939999}, SerialRange{970000, 979999},
+                             SerialRange{980100, 1e300}};
+static_assert(std::ranges::is_sorted(notReceived) && std::ranges::is_sorted(neverSent) &&
+              std::ranges::is_sorted(notSent));
 
 std::size_t indexOf(std::string_view data, Byte position) {
   if (position == 0 || position > data.size()) throw RuntimeError(RuntimeError::invalidArgument);
@@ -26,44 +37,40 @@ bool anyContains(const Ranges& ranges, double serial) {
                      [&](const SerialRange& range) { return range.contains(serial); });
 }
 
-/// The fields of a known model: the first block, and the further ones by type.
+/// A group of four fields, two bytes each.
+void addGroup(Positions& fields, Byte first) {
+  for (int i = 0; i < 4; ++i) fields.push_back(static_cast<Byte>(first + 2 * i));
+}
+
+/// The fields of a known model: the first group, and a further one by type.
 Positions knownModelFields(std::int16_t type, double serial) {
-  Positions fields{2, 4, 6, 8};
-  const bool second = type == 7 && secondGroupSerials.contains(serial);
-  const bool third = type == 96 || (type == 95 && serial >= 951000);
-  if (second) fields.insert(fields.end(), {10, 12, 14, 16});
-  if (third) fields.insert(fields.end(), {26, 28, 30, 32});
+  Positions fields;
+  addGroup(fields, 2);
+  if (type == 7 && longSevens.contains(serial)) addGroup(fields, 10);
+  if (type == 96 || (type == 95 && serial >= 951000)) addGroup(fields, 26);
   return fields;
 }
 
 }  // namespace
 
 Positions positionsReceived(std::string_view serieNr, bool knownModel) {
-  constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999}};
-  constexpr std::array second{SerialRange{80000, 89999}, SerialRange{980100, 1e300},
-                              SerialRange{910000, 919999}};
   const double serial = serialValue(serieNr);
   const std::int16_t type = ModuleType(serieNr);
-  if (anyContains(first, serial)) return {};
+  if (anyContains(neverReceived, serial)) return {};
   if (twentySevens.contains(serial)) return {2};
-  if (anyContains(second, serial) || !knownModel) return {};
+  if (anyContains(notReceived, serial) || !knownModel) return {};
   if (type == 29) return {2};
   return knownModelFields(type, serial);
 }
 
 Positions positionsSent(std::string_view serieNr, std::size_t size, bool knownModel) {
-  constexpr std::array first{SerialRange{50000, 59999}, SerialRange{60000, 69999},
-                             SerialRange{110000, 119999}, SerialRange{240000, 249999}};
-  constexpr std::array second{SerialRange{80000, 89999}, SerialRange{980100, 1e300},
-                              SerialRange{910000, 919999}, SerialRange{930000, 939999},
-                              SerialRange{970000, 979999}};
   constexpr SerialRange singleField{831000, 839999};
   constexpr Byte singlePosition = 38;
   const double serial = serialValue(serieNr);
   const std::int16_t type = ModuleType(serieNr);
-  if (anyContains(first, serial)) return {};
+  if (anyContains(neverSent, serial)) return {};
   if (twentySevens.contains(serial)) return {2};
-  if (anyContains(second, serial)) return {};
+  if (anyContains(notSent, serial)) return {};
   if (singleField.contains(serial)) return size < singlePosition ? Positions{} : Positions{singlePosition};
   if (!knownModel) return {};
   if (type == 29) return {2};

@@ -7,15 +7,14 @@ using link::Stop;
 
 constexpr Byte readLongRecord = 31;
 constexpr Byte writeLongRecord = 159;
-constexpr std::size_t textSize = 64;
+constexpr int blocks = 4;
 constexpr int attempts = 3;
 
 /// The blocks of a text. A bad status of the first ends the method, one of the others only the attempt.
 Byte readBlocks(const Mailbox& mailbox, Bytes& data) {
   Bytes text = mailbox.getLong(0);
   try {
-    for (Byte position = pieceSize; position < textSize; position += pieceSize)
-      text += mailbox.getLong(position);
+    for (int i = 1; i < blocks; ++i) text += mailbox.getLong(static_cast<Byte>(i * pieceSize));
   } catch (const Stop& stop) {
     return stop.result;
   }

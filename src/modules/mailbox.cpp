@@ -100,7 +100,7 @@ Polled Mailbox::poll(Address at, Seconds longest) const {
   for (;;) {
     const auto start = host_.steady();
     const Bytes reply = memory_.tryRead(1, at);
-    Polled last{.status = byteAt(reply, 0), .present = reply.size() > 1, .value = 0};
+    Polled last{.status = byteAt(reply, 0), .present = reply.size() > 1};
     if (last.present) last.value = byteAt(reply, 1);
     host_.yield();
     const auto rest = std::min(start + shortest - host_.steady(), deadline.remaining());

@@ -18,8 +18,8 @@ constexpr Byte pieceSize = 16;
 /// The request header, six bytes. The reply code overwrites its first byte; modules take a repeated trigger
 /// without the marker.
 struct Header {
-  Byte number = 0;     ///< which piece, sample or text
-  Byte direction = 0;  ///< length and direction
+  Byte number;     ///< which piece, sample or text
+  Byte direction;  ///< length and direction
   std::string_view serieNr;
 
   [[nodiscard]] Bytes bytes() const;
@@ -27,9 +27,9 @@ struct Header {
 
 /// What the last reading of a polled byte gave.
 struct Polled {
-  Byte status = 0;
-  bool present = false;  ///< the reply had a second byte
-  Byte value = 0;
+  Byte status;
+  bool present;  ///< the reply had a second byte
+  Byte value;
 
   [[nodiscard]] bool isZero() const { return status == 0 && present && value == 0; }
 
@@ -47,8 +47,8 @@ struct Timing {
 
 /// How a request ended.
 struct Exchange {
-  Polled trigger;
-  Polled reply;  ///< not polled while the trigger is set
+  Polled trigger{};
+  Polled reply{};  ///< not polled while the trigger is set
 };
 
 /// The result byte for a final reply code: 0, the module's own 127, 128 and 255, else 100.

@@ -1,6 +1,5 @@
 #include "modules/model.h"
 
-#include <algorithm>
 #include <array>
 
 #include "values/numbers.h"
@@ -17,37 +16,44 @@ constexpr std::string_view modelList =
     "MT037";
 static_assert(modelList.size() == 223);
 
-/// Prefixes that share a type.
+std::int16_t own(int prefix) {
+  return static_cast<std::int16_t>(prefix);
+}
+
+/// The fold keeps the sign of the prefix.
+std::int16_t folded(int prefix) {
+  return static_cast<std::int16_t>(prefix % 8);
+}
+
+template <std::int16_t type>
+std::int16_t always(int /*prefix*/) {
+  return type;
+}
+
+/// What prefixes make of themselves, from one on up to the next row's.
 struct Family {
-  SerialRange prefixes;
-  std::int16_t type;
+  double from;
+  std::int16_t (*typeOf)(int prefix);
 };
 
 constexpr std::array families{
-    Family{{12, 12}, 4}, Family{{13, 13}, 4}, Family{{14, 14}, 4}, Family{{16, 16}, 4},
-    Family{{84, 87}, 7}, Family{{89, 89}, 7}, Family{{30, 39}, 7}, Family{{40, 49}, 7},
-    Family{{50, 59}, 7}, Family{{60, 64}, 7}, Family{{69, 69}, 7}, Family{{6, 6}, 5},
-};
-
-/// Prefixes that are their own type.
-constexpr std::array ownTypes{
-    SerialRange{90, 1e300}, SerialRange{83, 83}, SerialRange{88, 88}, SerialRange{21, 21},
-    SerialRange{26, 26},    SerialRange{27, 27}, SerialRange{29, 29}, SerialRange{10, 10},
-    SerialRange{70, 79},    SerialRange{11, 11}, SerialRange{24, 24},
+    Family{6, always<5>},  Family{7, folded},     Family{10, own},       Family{12, always<4>},
+    Family{15, folded},    Family{16, always<4>}, Family{17, folded},    Family{21, own},
+    Family{22, folded},    Family{24, own},       Family{25, folded},    Family{26, own},
+    Family{28, folded},    Family{29, own},       Family{30, always<7>}, Family{65, folded},
+    Family{69, always<7>}, Family{70, own},       Family{80, folded},    Family{83, own},
+    Family{84, always<7>}, Family{88, own},       Family{89, always<7>}, Family{90, own},
 };
 
 }  // namespace
 
 std::int16_t ModuleType(std::string_view serieNr) {
   const double prefix = leadingNumber(serieNr.substr(0, 2));
+  auto* typeOf = folded;
   for (const Family& family : families) {
-    if (family.prefixes.contains(prefix)) return family.type;
+    if (prefix >= family.from) typeOf = family.typeOf;
   }
-  const bool isOwnType = std::any_of(ownTypes.begin(), ownTypes.end(),
-                                     [&](const SerialRange& range) { return range.contains(prefix); });
-  const auto rounded = roundTo<std::int16_t>(prefix);
-  // The fold keeps the sign of the prefix.
-  return isOwnType ? rounded : static_cast<std::int16_t>(rounded % 8);
+  return typeOf(roundTo<std::int16_t>(prefix));
 }
 
 bool inModelList(std::string_view name) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string_view>
 
@@ -21,6 +22,11 @@ struct SerialRange {
   double last;
 
   [[nodiscard]] constexpr bool contains(double serial) const { return serial >= first && serial <= last; }
+
+  friend constexpr auto operator<=>(const SerialRange&, const SerialRange&) = default;
 };
+
+/// Modules of type 7 whose records have 32 bytes and, in known models, eight selections.
+constexpr SerialRange longSevens{230000, 839999};
 
 }  // namespace velk::modules

@@ -26,39 +26,46 @@ constexpr SerialRange from(double first) {
 // clang-format off
 /// The first row that fits decides.
 constexpr std::array rows{
-    // types    serial numbers    read  write accepts
-    RecordRow{0, 0,   upTo(9999),       1,    {1, 6},          Check::address},
-    RecordRow{0, 0,   upTo(80249),      6,    {1, 6},          Check::address},
-    RecordRow{0, 0,   all,              16,   {1, 16},         Check::address},
-    RecordRow{1, 1,   all,              10,   {17},            Check::pairs4,     Special::masks, 0, 16},
-    RecordRow{3, 3,   all,              2,    {2},             Check::pairs2},
-    RecordRow{4, 4,   all,              8,    {8, 9, 10},      Check::length},
-    RecordRow{5, 5,   all,              74,   {74},            Check::groups},
-    RecordRow{7, 7,   {230000, 839999}, 32,   {11, 32}},
-    RecordRow{7, 7,   all,              11,   {11, 32}},
-    RecordRow{10, 10, all,              22,   {22},            Check::selections, Special::versionFirstAndMasks},
-    RecordRow{11, 11, all,              70,   {70}},
-    RecordRow{24, 24, all,              70,   {70}},
-    RecordRow{21, 21, all,              24,   {},              Check::none},
-    RecordRow{26, 26, all,              24,   {},              Check::none},
-    RecordRow{27, 27, all,              7,    {7}},
-    RecordRow{29, 29, all,              7,    {},              Check::none},
-    RecordRow{70, 71, from(705000),     32,   {longRecord}},
-    RecordRow{70, 71, all,              20,   {longRecord}},
-    RecordRow{75, 75, all,              29,   {29}},
-    RecordRow{76, 78, all,              29,   {},              Check::none},
-    RecordRow{83, 83, from(830200),     5,    {3},             Check::selections, Special::none, 1},
-    RecordRow{83, 83, all,              3,    {3}},
-    RecordRow{88, 88, all,              22,   {22}},
-    RecordRow{91, 91, all,              11,   {11},            Check::selections, Special::none, 1},
-    RecordRow{91, 91, all,              0,    {11}},
-    RecordRow{93, 93, all,              3,    {3}},
-    RecordRow{95, 96, upTo(950999),     20,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{95, 96, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{98, 98, all,              16,   {4, 16},         Check::selections, Special::none, 0, 0, 4},
-    RecordRow{99, 99, all,              4,    {4}},
+    // type  serial numbers    read  write accepts
+    RecordRow{0,  upTo(9999),       1,    {1, 6},          Check::address},
+    RecordRow{0,  upTo(80249),      6,    {1, 6},          Check::address},
+    RecordRow{0,  all,              16,   {1, 16},         Check::address},
+    RecordRow{1,  all,              10,   {17},            Check::pairs4,     Special::masks, 0, 16},
+    RecordRow{3,  all,              2,    {2},             Check::pair},
+    RecordRow{4,  all,              8,    {8, 9, 10},      Check::length},
+    RecordRow{5,  all,              74,   {74},            Check::groups},
+    RecordRow{7,  longSevens,       32,   {11, 32}},
+    RecordRow{7,  all,              11,   {11, 32}},
+    RecordRow{10, all,              22,   {22},            Check::selections, Special::versionFirstAndMasks},
+    RecordRow{11, all,              70,   {70}},
+    RecordRow{21, all,              24,   {},              Check::none},
+    RecordRow{24, all,              70,   {70}},
+    RecordRow{26, all,              24,   {},              Check::none},
+    RecordRow{27, all,              7,    {7}},
+    RecordRow{29, all,              7,    {},              Check::none},
+    RecordRow{70, from(705000),     32,   {longRecord}},
+    RecordRow{70, all,              20,   {longRecord}},
+    RecordRow{71, all,              32,   {longRecord}},
+    RecordRow{75, all,              29,   {29}},
+    RecordRow{76, all,              29,   {},              Check::none},
+    RecordRow{77, all,              29,   {},              Check::none},
+    RecordRow{78, all,              29,   {},              Check::none},
+    RecordRow{83, from(830200),     5,    {3},             Check::selections, Special::none, 1},
+    RecordRow{83, all,              3,    {3}},
+    RecordRow{88, all,              22,   {22}},
+    RecordRow{91, all,              11,   {11},            Check::selections, Special::none, 1},
+    RecordRow{91, all,              0,    {11}},
+    RecordRow{93, all,              3,    {3}},
+    RecordRow{95, upTo(950999),     20,   {20, 32},        Check::selections, Special::versionReplyFirst},
+    RecordRow{95, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
+    RecordRow{96, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
+    RecordRow{98, all,              16,   {4, 16},         Check::selections, Special::none, 0, 0, 3},
+    RecordRow{99, all,              4,    {4}},
 };
 // clang-format on
+static_assert(std::is_sorted(rows.begin(), rows.end(),
+                             [](const RecordRow& a, const RecordRow& b) { return a.type < b.type; }),
+              "by ascending types, so that a type is found, or missed, at a glance");
 
 /// A pair of bytes is an address and what belongs to it: neither above 99, and the address from 3 on when the
 /// pair is in use.
@@ -68,7 +75,7 @@ bool isGoodPair(Byte first, Byte second) {
 }
 
 void checkPairs(std::string_view data, std::size_t pairs) {
-  for (std::size_t i = 0; i < pairs && 2 * i + 1 < data.size(); ++i) {
+  for (std::size_t i = 0; i < pairs; ++i) {
     if (!isGoodPair(byteAt(data, 2 * i), byteAt(data, 2 * i + 1))) throw Stop{112};
   }
 }
@@ -113,8 +120,8 @@ void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std:
       return checkAddress(data);
     case Check::pairs4:
       return checkPairs(data, pairs);
-    case Check::pairs2:
-      return checkPairs(data, 2);
+    case Check::pair:
+      return checkPairs(data, 1);
     case Check::groups:
       return checkGroups(data);
   }
@@ -131,8 +138,7 @@ const RecordRow* rowFor(const Subject& subject, Byte offset) {
   const std::int16_t type = subject.type();
   const double serial = subject.serial();
   const auto* const found = std::find_if(rows.begin(), rows.end(), [&](const RecordRow& row) {
-    return type >= row.firstType && type <= row.lastType && row.serials.contains(serial) &&
-           offset >= row.fromOffset;
+    return row.type == type && row.serials.contains(serial) && offset >= row.fromOffset;
   });
   return found == rows.end() ? nullptr : found;
 }
@@ -149,13 +155,12 @@ void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
   if (row == nullptr || row->check == Check::none) return;
   if (row->check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
   if (!accepts(*row, data.size())) throw Stop{104};
-  if (data.size() == pieceSize && offset >= row->fullPieces) throw Stop{103};
+  if (data.size() == pieceSize && offset > row->lastFullPiece) throw Stop{103};
   checkFields(*row, subject, offset, data);
 }
 
 bool isSentAsItIs(const Subject& subject, Byte offset) {
-  constexpr SerialRange serials{230000, 839999};
-  return subject.type() == 7 && serials.contains(subject.serial()) && offset >= 2;
+  return subject.type() == 7 && longSevens.contains(subject.serial()) && offset >= 2;
 }
 
 bool readsLongRecord(const Subject& subject) {

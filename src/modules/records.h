@@ -16,7 +16,7 @@ enum class Check : Byte {
   selections,  ///< fields that are to become masks hold 0 to 4 (112)
   address,     ///< type 0
   pairs4,      ///< type 1: four pairs of bytes
-  pairs2,      ///< type 3: two pairs of bytes
+  pair,        ///< type 3: one pair of bytes
   groups,      ///< type 5: four groups of sixteen bytes
 };
 
@@ -31,18 +31,17 @@ enum class Special : Byte {
 
 constexpr std::size_t mostLengths = 3;
 
-/// One row: a type, or a run of types, within a range of serial numbers and from an `Offset` on.
+/// One row: a type within a range of serial numbers and from an `Offset` on.
 struct RecordRow {
-  std::int16_t firstType;
-  std::int16_t lastType;
+  std::int16_t type;
   SerialRange serials;
   Byte readLength;
   std::array<Byte, mostLengths> writeLengths;  ///< 0: unused
   Check check = Check::selections;
   Special special = Special::none;
   Byte fromOffset = 0;
-  Byte readLengthKnown = 0;       ///< for known models, where it differs
-  std::int16_t fullPieces = 256;  ///< writes of 16 bytes are taken below this `Offset` only (103)
+  Byte readLengthKnown = 0;  ///< for known models, where it differs
+  Byte lastFullPiece = 255;  ///< writes of 16 bytes are taken up to this `Offset` only (103)
 };
 
 /// A module as far as its records go.
