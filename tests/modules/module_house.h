@@ -1,11 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <sstream>
 
 #include "simulator/house_modules.h"
+#include "simulator/mailbox.h"
 #include "support/simulated_house.h"
 
 namespace velk::test {
+
+using Requests = std::vector<std::string>;
 
 /// What `Module` takes and gives back besides its result.
 struct Record {
@@ -16,19 +20,53 @@ struct Record {
   std::string firmware;
 
   friend bool operator==(const Record&, const Record&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Record& r) {
+    return stream << testing::PrintToString(r.data) << " +" << int{r.offset} << " model \"" << r.model
+                  << "\", CPU " << int{r.cpu} << ", firmware \"" << r.firmware << '"';
+  }
 };
 
-/// The simulated house with its modules. A test that tries one fault after the other makes a house for each.
+/// Bytes that differ from their neighbours: 1, 2, 3 ...
+inline Bytes counted(std::size_t size) {
+  Bytes data;
+  while (data.size() < size) data += character(static_cast<int>(data.size() + 1));
+  return data;
+}
+
+/// A module that tells this name, CPU type 16 and firmware 1.2.
+inline simulator::Module moduleOf(const std::string& serieNr, const std::string& name,
+                                  const Bytes& record = {}, Byte firstPiece = 0) {
+  simulator::Module module({.serial = std::stoi(serieNr),
+                            .skills = simulator::identifies,
+                            .name = name,
+                            .version = {16, 1, 2},
+                            .firstPiece = 0,
+                            .record = {}});
+  module.write(firstPiece, record);
+  return module;
+}
+
+/// The simulated house with its modules, or with others. A test that tries one fault after the other
+/// makes a house for each.
 class ModuleHouse final : public SimulatedHouse {
  public:
-  explicit ModuleHouse(const simulator::Faults& faults = {}, LinkKind kind = LinkKind::ethernetQ) {
-    simulator::attachModules(controller, faults, [this](const std::string& line) { asked.push_back(line); });
-    open(kind, faults);
-    openedAt_ = host.elapsed();
+  explicit ModuleHouse(const simulator::Faults& faults = {}) {
+    simulator::attachModules(controller, faults);
+    reopen(faults);
   }
+
+  explicit ModuleHouse(const std::vector<simulator::Module>& modules) {
+    controller.attach(std::make_unique<simulator::Mailbox>(modules, simulator::Faults(), simulator::Trace()));
+    reopen({});
+  }
+
+  ModuleHouse(const std::string& serieNr, const std::string& name, const Bytes& record = {},
+              Byte firstPiece = 0)
+      : ModuleHouse(std::vector{moduleOf(serieNr, name, record, firstPiece)}) {}
 
   /// Opens the link again; its faults count from 1.
   void reopen(const simulator::Faults& faults) {
+    host.setClock(std::chrono::minutes(2));  // whose steps are far below a millisecond
     open(LinkKind::ethernetQ, faults);
     restart();
   }
@@ -41,26 +79,43 @@ class ModuleHouse final : public SimulatedHouse {
   }
 
   /// The time since the link was opened or since `restart`, in milliseconds.
-  [[nodiscard]] int spent() const { return static_cast<int>((host.elapsed() - openedAt_).count()); }
+  [[nodiscard]] int spent() const { return static_cast<int>((host.elapsed() - startedAt_).count()); }
 
   void restart() {
     requests.clear();
-    asked.clear();
-    openedAt_ = host.elapsed();
+    startedAt_ = host.elapsed();
   }
 
   [[nodiscard]] std::size_t countOf(const std::string& request) const {
     return static_cast<std::size_t>(std::count(requests.begin(), requests.end(), request));
   }
 
-  using SimulatedHouse::controller;
+  /// Number and direction byte of each header: "00 4F, 01 50".
+  [[nodiscard]] std::string headers() const {
+    std::string found;
+    for (const std::string& request : requests) {
+      const auto header = request.find(" V 000A DE ");
+      if (header != std::string::npos) found += (found.empty() ? "" : ", ") + request.substr(header + 11, 5);
+    }
+    return found;
+  }
+
+  /// The data of all pieces that were written.
+  [[nodiscard]] Bytes written() const {
+    Bytes data;
+    for (const std::string& request : requests) {
+      const auto piece = request.find(" V 0010 ");
+      if (request.front() != 'w' || piece == std::string::npos) continue;
+      std::istringstream bytes(request.substr(piece + 8));
+      for (int value = 0; bytes >> std::hex >> value;) data += character(value);
+    }
+    return data;
+  }
+
   using SimulatedHouse::host;
   using SimulatedHouse::memoryAt;
   using SimulatedHouse::requests;
   using SimulatedHouse::serial;
-  using SimulatedHouse::setMemory;
-
-  std::vector<std::string> asked;  ///< the requests to modules
 
  private:
   void TestBody() override {}
@@ -69,7 +124,7 @@ class ModuleHouse final : public SimulatedHouse {
     return serial.Module(direction, serieNr, r.data, r.offset, r.model, r.cpu, r.firmware);
   }
 
-  std::chrono::milliseconds openedAt_{0};
+  std::chrono::milliseconds startedAt_{0};
 };
 
 }  // namespace velk::test

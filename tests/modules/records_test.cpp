@@ -3,13 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "link/memory.h"
+#include "modules/conversion.h"
 #include "support/bytes.h"
+#include "values/helpers.h"
 
 namespace velk::modules {
 namespace {
 
 using test::bytes;
 using Lengths = std::vector<std::size_t>;
+using Positions = std::vector<Byte>;
 
 Byte check(std::string_view serieNr, Bytes data, Byte offset = 0, bool known = false) {
   try {
@@ -20,137 +23,163 @@ Byte check(std::string_view serieNr, Bytes data, Byte offset = 0, bool known = f
   }
 }
 
-TEST(RecordsTest, ReadLengths) {
+/// The lengths that a write takes, up to 130; just 131 when it takes them all.
+Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
+  Lengths taken;
+  for (std::size_t size = 0; size <= 130; ++size) {
+    const Byte result = check(serieNr, Bytes(size, '\0'), offset);
+    if (result == 0) taken.push_back(size);
+    EXPECT_TRUE(result == 0 || result == 104) << serieNr << " refuses its length with " << int{result};
+  }
+  return taken.size() == 131 ? Lengths{131} : taken;
+}
+
+/// The whole range of serial numbers in runs of the same behaviour, each tried at both ends.
+TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
+  const Lengths any{131};
+  const Lengths type0{1, 16};
+  const Lengths type1{16, 17};
+  const Lengths type4{8, 9, 10};
+  const Lengths type7{11, 32};
+
+  const Positions none;
+  const Positions at2{2};
+  const Positions at8{2, 4, 6, 8};
+  const Positions at16{2, 4, 6, 8, 10, 12, 14, 16};
+  const Positions at32{2, 4, 6, 8, 26, 28, 30, 32};
+  const Positions at38{38};
+  const struct {
+    int first;            ///< serial number; the run ends in front of the next
+    int at0, at1, known;  ///< lengths read at these offsets, and of known models
+    Lengths written;
+    Positions sent, received;  ///< fields of known models
+    Positions otherwise{};     ///< fields of others
+  } runs[] = {
+      // clang-format off
+      {0, 1, 1, 1, {1, 6}, at8, at8},            {10000, 10, 10, 16, type1, at8, at8},
+      {20000, 0, 0, 0, any, at8, at8},           {30000, 2, 2, 2, {2}, at8, at8},
+      {40000, 8, 8, 8, type4, at8, at8},         {50000, 74, 74, 74, {74}, none, none},
+      {70000, 11, 11, 11, type7, at8, at8},      {80000, 6, 6, 6, {1, 6}, none, none},
+      {80250, 16, 16, 16, type0, none, none},    {90000, 10, 10, 16, type1, at8, at8},
+      {100000, 22, 22, 22, {22}, at8, at8},      {110000, 70, 70, 70, {70}, none, at8},
+      {120000, 8, 8, 8, type4, at8, at8},        {150000, 11, 11, 11, type7, at8, at8},
+      {160000, 8, 8, 8, type4, at8, at8},        {170000, 10, 10, 16, type1, at8, at8},
+      {180000, 0, 0, 0, any, at8, at8},          {190000, 2, 2, 2, {2}, at8, at8},
+      {200000, 8, 8, 8, type4, at8, at8},        {210000, 24, 24, 24, any, at8, at8},
+      {220000, 0, 0, 0, any, at8, at8},          {230000, 32, 32, 32, type7, at16, at16},
+      {240000, 70, 70, 70, {70}, none, at8},     {250000, 10, 10, 16, type1, at8, at8},
+      {260000, 24, 24, 24, any, at8, at8},       {270000, 7, 7, 7, {7}, at2, at2, at2},
+      {280000, 8, 8, 8, type4, at8, at8},        {290000, 7, 7, 7, any, at2, at2},
+      {300000, 32, 32, 32, type7, at16, at16},   {650000, 10, 10, 16, type1, at8, at8},
+      {660000, 0, 0, 0, any, at8, at8},          {670000, 2, 2, 2, {2}, at8, at8},
+      {680000, 8, 8, 8, type4, at8, at8},        {690000, 32, 32, 32, type7, at16, at16},
+      {700000, 20, 20, 20, {112}, at8, at8},     {705000, 32, 32, 32, {112}, at8, at8},
+      {720000, 0, 0, 0, any, at8, at8},          {750000, 29, 29, 29, {29}, none, at8},
+      {760000, 29, 29, 29, any, none, at8},      {770000, 29, 29, 29, any, none, at8},
+      {780000, 29, 29, 29, any, none, at8},      {790000, 0, 0, 0, any, at8, at8},
+      {800000, 16, 16, 16, type0, at8, at8},     {810000, 10, 10, 16, type1, at8, at8},
+      {820000, 0, 0, 0, any, at8, at8},          {830000, 3, 3, 3, {3}, at8, at8},
+      {830200, 3, 5, 5, {3}, at8, at8},          {831000, 3, 5, 5, {3}, at38, at8, at38},
+      {840000, 11, 11, 11, type7, at8, at8},     {880000, 22, 22, 22, {22}, at8, at8},
+      {890000, 11, 11, 11, type7, at8, at8},     {900000, 0, 0, 0, any, at8, at8},
+      {910000, 0, 11, 11, {11}, none, none},     {920000, 0, 0, 0, any, at8, at8},
+      {930000, 3, 3, 3, {3}, none, at8},         {940000, 0, 0, 0, any, at8, at8},
+      {950000, 20, 20, 20, {20, 32}, at8, at8},  {951000, 32, 32, 32, {20, 32}, at32, at32},
+      {970000, 0, 0, 0, any, none, at8},         {980000, 16, 16, 16, {4, 16}, at8, at8},
+      {980100, 16, 16, 16, {4, 16}, none, none}, {990000, 4, 4, 4, {4}, none, none},
+      {1000000, 0, 0, 0, any, none, none},
+      // clang-format on
+  };
+  for (std::size_t i = 0; i + 1 < std::size(runs); ++i) {
+    const auto& run = runs[i];
+    for (const int serial : {run.first, runs[i + 1].first - 1}) {
+      const std::string serieNr = values::LdZr(serial, 6);
+      SCOPED_TRACE(serieNr);
+      EXPECT_EQ(readLength({serieNr, false}, 0), run.at0);
+      EXPECT_EQ(readLength({serieNr, false}, 1), run.at1);
+      EXPECT_EQ(readLength({serieNr, true}, 1), run.known);
+      for (const Byte offset : {Byte{0}, Byte{1}}) EXPECT_EQ(lengthsTaken(serieNr, offset), run.written);
+      EXPECT_EQ(positionsSent(serieNr, 38, true), run.sent);
+      EXPECT_EQ(positionsSent(serieNr, 37, true), run.sent == at38 ? none : run.sent) << "too short";
+      EXPECT_EQ(positionsReceived(serieNr, true), run.received);
+      EXPECT_EQ(positionsSent(serieNr, 38, false), run.otherwise);
+      EXPECT_EQ(positionsReceived(serieNr, false), run.otherwise == at2 ? at2 : none);
+    }
+  }
+}
+
+/// What a write finds in its fields.
+TEST(RecordsTest, FieldsOfWrites) {
+  struct Field {
+    std::size_t position;     ///< from 1; the record is 0 elsewhere
+    std::vector<int> values;  ///< there and behind
+    int result;
+  };
   const struct {
     const char* serieNr;
-    int length;
-    int known;  ///< for a known model
-    Byte offset = 0;
+    Byte offset;
+    std::size_t size;
+    std::vector<Field> fields;
+    bool known = false;
   } rows[] = {
-      {"000001", 1, 1},      {"009999", 1, 1},      {"010100", 10, 16},  {"080000", 6, 6},
-      {"080249", 6, 6},      {"080250", 16, 16},    {"800000", 16, 16},  {"090100", 10, 16, 1},
-      {"030001", 2, 2},      {"120001", 8, 8},      {"060001", 74, 74},  {"070001", 11, 11},
-      {"220000", 0, 0},      {"230000", 32, 32},    {"840000", 11, 11},  {"639999", 32, 32},
-      {"100000", 22, 22, 2}, {"110000", 70, 70},    {"240000", 70, 70},  {"210000", 24, 24},
-      {"260000", 24, 24},    {"270000", 7, 7},      {"290000", 7, 7},    {"704999", 20, 20},
-      {"705000", 32, 32},    {"719999", 32, 32},    {"720000", 0, 0},    {"750000", 29, 29},
-      {"780000", 29, 29},    {"790000", 0, 0},      {"830199", 3, 3, 1}, {"830200", 3, 3, 0},
-      {"830200", 5, 5, 1},   {"839999", 5, 5, 200}, {"880000", 22, 22},  {"910000", 0, 0, 0},
-      {"910000", 11, 11, 1}, {"930000", 3, 3},      {"950999", 20, 20},  {"951000", 32, 32},
-      {"960000", 32, 32},    {"980000", 16, 16},    {"990000", 4, 4},    {"900000", 0, 0},
+      // clang-format off
+      // an address and, but in the shortest record, a second byte
+      {"000005", 0, 1, {{1, {0}, 0}, {1, {1}, 112}, {1, {2}, 112}, {1, {3}, 0}, {1, {99}, 0},
+                        {1, {100}, 112}}},
+      {"080100", 0, 6, {{1, {5, 1, 255}, 0}, {1, {5, 2}, 112}, {1, {2, 1}, 112}}},
+      {"080300", 0, 16, {{1, {5, 3}, 0}, {1, {5, 99}, 0}, {1, {5, 100}, 112}, {8, {255}, 0}}, true},
+      // pairs: one of type 3; four of type 1, but one where masks follow
+      {"030001", 0, 2, {{1, {3, 0}, 0}, {1, {99, 99}, 0}, {1, {2, 0}, 112}, {1, {0, 1}, 112},
+                        {1, {100, 1}, 112}, {1, {5, 100}, 112}}},
+      {"090100", 0, 17, {{1, {2}, 112}, {3, {2}, 112}, {5, {2}, 112}, {7, {2}, 112}, {9, {2}, 0}}},
+      {"090100", 0, 16, {{7, {0, 1}, 112}, {7, {3, 1}, 0}}},
+      {"090100", 1, 17, {{1, {2}, 112}, {3, {2}, 0}}},
+      {"090100", 1, 17, {{1, {2}, 112}, {7, {2}, 112}, {9, {2}, 0}}, true},
+      // four groups of 16 bytes: a pair and a third byte
+      {"060001", 0, 74, {{1, {3, 3, 21, 255}, 0}, {1, {2, 4, 22}, 112}, {1, {0, 1, 0}, 112},
+                         {1, {5, 100, 22}, 112}, {1, {5, 4, 22}, 105}, {1, {5, 3, 22}, 111},
+                         {17, {5, 4}, 105}, {33, {0, 0, 22}, 111}, {49, {2}, 112}, {16, {255}, 0},
+                         {65, {255, 255, 255}, 0}}},
+      // full pieces of type 98
+      {"980000", 3, 16, {{1, {0}, 0}}},         {"980000", 4, 16, {{1, {0}, 103}}},
+      {"980000", 4, 4, {{1, {0}, 0}}},          {"980000", 4, 5, {{1, {0}, 104}}},
+      {"080300", 255, 16, {{1, {0}, 0}}},
+      // selections: the low half counts, up to 4; type 7 is sent as it is from offset 2 on
+      {"960000", 1, 32, {{2, {4}, 0}, {2, {0xF4}, 0}, {2, {5}, 112}, {2, {0x1F}, 112}, {2, {0x18}, 112},
+                         {8, {5}, 112}, {32, {5}, 112}, {1, {5}, 0}, {9, {5, 5}, 0}}, true},
+      {"960000", 1, 32, {{2, {5}, 0}}},         {"270000", 2, 7, {{2, {5}, 112}}},
+      {"070001", 2, 11, {{2, {5}, 112}}, true}, {"840000", 2, 11, {{2, {5}, 112}}, true},
+      {"300000", 2, 32, {{16, {5}, 0}}, true},  {"300000", 1, 32, {{16, {5}, 112}}, true},
+      {"830100", 0, 3, {{3, {5}, 0}}, true},    {"700000", 2, 112, {{8, {5}, 112}}, true},
+      // type 4 has selections, but they are not checked
+      {"120001", 0, 8, {{8, {5}, 0}}, true},    {"120001", 1, 10, {{2, {255}, 0}}, true},
+      // clang-format on
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(readLength({row.serieNr, false}, row.offset), row.length) << row.serieNr;
-    EXPECT_EQ(readLength({row.serieNr, true}, row.offset), row.known) << row.serieNr;
-  }
-}
-
-TEST(RecordsTest, WriteLengths) {
-  const std::pair<const char*, Lengths> rows[] = {
-      {"000005", {1, 6}},   {"080249", {1, 6}},     {"080250", {1, 16}},  {"090100", {16, 17}},
-      {"030001", {2}},      {"120001", {8, 9, 10}}, {"060001", {74}},     {"070001", {11, 32}},
-      {"300000", {11, 32}}, {"100000", {22}},       {"110000", {70}},     {"240000", {70}},
-      {"270000", {7}},      {"700000", {112}},      {"706000", {112}},    {"710000", {112}},
-      {"750000", {29}},     {"830100", {3}},        {"830300", {3}},      {"880000", {22}},
-      {"910000", {11}},     {"930000", {3}},        {"950000", {20, 32}}, {"960000", {20, 32}},
-      {"980000", {4, 16}},  {"990000", {4}},
-  };
-  for (const auto& [serieNr, lengths] : rows) {
-    for (const Byte offset : std::vector<Byte>{0, 1}) {
-      Lengths accepted;
-      for (std::size_t size = 0; size <= 130; ++size) {
-        const Byte result = check(serieNr, Bytes(size, '\0'), offset);
-        if (result == 0) accepted.push_back(size);
-        EXPECT_TRUE(result == 0 || result == 104) << serieNr;
-      }
-      EXPECT_EQ(accepted, lengths) << serieNr << " at " << int{offset};
+    for (const Field& field : row.fields) {
+      Bytes data(row.size, '\0');
+      for (std::size_t i = 0; i < field.values.size(); ++i)
+        data[field.position - 1 + i] = character(field.values[i]);
+      EXPECT_EQ(check(row.serieNr, data, row.offset, row.known), field.result)
+          << row.serieNr << " at " << int{row.offset} << ": " << testing::PrintToString(data);
     }
-  }
-  for (const char* const unchecked :
-       {"210000", "260000", "290000", "760000", "780000", "900000", "220000", "-50000"}) {
-    EXPECT_EQ(check(unchecked, ""), 0) << unchecked;
-    EXPECT_EQ(check(unchecked, Bytes(99, '\xFF')), 0) << unchecked;
-  }
-}
-
-TEST(RecordsTest, FieldsOfType0) {
-  for (const int first : {1, 2, 100, 255}) EXPECT_EQ(check("000005", bytes({first})), 112) << first;
-  for (const int first : {0, 3, 99}) EXPECT_EQ(check("000005", bytes({first})), 0) << first;
-  for (const int second : {2, 100, 255}) {
-    EXPECT_EQ(check("080100", bytes({5, second, 0, 0, 0, 0})), 112) << second;
-    EXPECT_EQ(check("080300", bytes({5, second}) + Bytes(14, '\xFF')), 112) << second;
-  }
-  for (const int second : {0, 1, 3, 99}) {
-    EXPECT_EQ(check("080300", bytes({5, second}) + Bytes(14, '\xFF')), 0) << second;
-  }
-}
-
-TEST(RecordsTest, PairsOfTypes1And3) {
-  const std::pair<Bytes, int> pairs[] = {{bytes({0, 0}), 0},    {bytes({3, 0}), 0},   {bytes({99, 99}), 0},
-                                         {bytes({2, 0}), 112},  {bytes({0, 1}), 112}, {bytes({100, 1}), 112},
-                                         {bytes({5, 100}), 112}};
-  for (const auto& [pair, result] : pairs) {
-    EXPECT_EQ(check("030001", pair), result);
-    for (std::size_t place = 0; place < 8; place += 2) {
-      EXPECT_EQ(check("090100", Bytes(17, '\0').replace(place, 2, pair)), result) << place;
-    }
-    EXPECT_EQ(check("090100", Bytes(17, '\0').replace(8, 2, pair)), 0) << "the fifth pair is free";
   }
   Bytes completed(16, '\0');
   checkWrite({"090100", false}, 0, completed);
   EXPECT_EQ(completed, Bytes(16, '\0') + '\x04');
 }
 
-TEST(RecordsTest, GroupsOfType5) {
-  for (const std::size_t group : {0U, 16U, 32U, 48U}) {
-    const auto with = [group](const Bytes& fields) {
-      return check("060001", Bytes(74, '\0').replace(group, fields.size(), fields));
-    };
-    EXPECT_EQ(with(bytes({3, 3, 21})), 0);
-    EXPECT_EQ(with(bytes({2, 0, 0})), 112);
-    EXPECT_EQ(with(bytes({5, 100, 22})), 112);
-    EXPECT_EQ(with(bytes({5, 4, 22})), 105);
-    EXPECT_EQ(with(bytes({5, 3, 22})), 111);
-  }
-  EXPECT_EQ(check("060001", Bytes(64, '\0') + Bytes(10, '\xFF')), 0) << "four groups";
-}
-
-TEST(RecordsTest, OffsetOfType98AndSelections) {
-  EXPECT_EQ(check("980000", Bytes(16, '\0'), 3), 0);
-  EXPECT_EQ(check("980000", Bytes(16, '\0'), 4), 103);
-  EXPECT_EQ(check("980000", Bytes(4, '\0'), 4), 0);
-  EXPECT_EQ(check("980000", Bytes(5, '\0'), 4), 104);
-  const Bytes record = Bytes(32, '\x04');
-  for (const std::size_t position : {2U, 8U, 32U}) {
-    Bytes bad = record;
-    bad[position - 1] = '\x15';
-    EXPECT_EQ(check("960000", bad, 1, true), 112) << position;
-    EXPECT_EQ(check("960000", bad, 1, false), 0) << "no masks";
-  }
-  EXPECT_EQ(check("960000", record, 1, true), 0);
-  EXPECT_EQ(check("300000", Bytes(32, '\x09'), 1, true), 112);
-  EXPECT_EQ(check("300000", Bytes(32, '\x09'), 2, true), 0) << "sent as it is: nothing becomes a mask";
-  EXPECT_EQ(check("080300", Bytes(16, '\x04'), 255), 0) << "no bound but that of type 98";
-  for (const std::size_t size : {8U, 9U, 10U}) {
-    EXPECT_EQ(check("120001", Bytes(size, '\xFF'), 1, true), 0) << "type 4 has a length and no fields";
-  }
-}
-
-TEST(RecordsTest, LongRecords) {
-  EXPECT_FALSE(readsLongRecord({"980099", false}));
-  EXPECT_TRUE(readsLongRecord({"980100", false}));
-  EXPECT_TRUE(readsLongRecord({"989999", true}));
-  EXPECT_FALSE(readsLongRecord({"990000", false}));
+TEST(RecordsTest, LongRecordsAreWritten) {
   const struct {
     const char* serieNr;
     Byte offset;
     std::size_t size;
     bool isLong;
-  } rows[] = {{"704999", 0, 112, true},  {"705000", 0, 112, false}, {"709999", 0, 112, false},
-              {"710000", 2, 112, true},  {"700000", 1, 112, false}, {"700000", 0, 111, false},
-              {"720000", 0, 112, false}, {"690000", 0, 112, false}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(writesLongRecord({row.serieNr, false}, row.offset, row.size), row.isLong) << row.serieNr;
+  } rows[] = {{"700000", 0, 112, true},  {"704999", 0, 112, true},  {"705000", 0, 112, false},
+              {"709999", 0, 112, false}, {"710000", 2, 112, true},  {"719999", 0, 112, true},
+              {"700000", 1, 112, false}, {"700000", 0, 113, false}, {"720000", 0, 112, false}};
+  for (const auto& [serieNr, offset, size, isLong] : rows) {
+    EXPECT_EQ(writesLongRecord({serieNr, false}, offset, size), isLong) << serieNr;
   }
 }
 
