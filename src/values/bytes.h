@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -28,7 +29,7 @@ Byte byteAt(std::string_view text, std::size_t index);
 /// Up to `count` bytes from `index` (from 0) on; fewer, or none, where the string ends earlier.
 constexpr std::string_view slice(std::string_view text, std::size_t index,
                                  std::size_t count = std::string_view::npos) {
-  return index < text.size() ? text.substr(index, count) : std::string_view();
+  return text.substr(std::min(index, text.size()), count);
 }
 
 /// The text cut, or padded on the right with `fill`, to exactly `size` bytes.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 #include "values/numbers.h"
 #include "values/runtime_error.h"
@@ -19,10 +20,8 @@ bool IfSetBit(Byte Bytte, Byte Bitnr) {
 }
 
 std::optional<Byte> WhatBit(Byte Bytte) {
-  for (Byte bit = 0; bit < 8; ++bit) {
-    if (IfSetBit(Bytte, bit)) return bit;
-  }
-  return std::nullopt;
+  if (Bytte == 0) return std::nullopt;
+  return static_cast<Byte>(std::countr_zero(Bytte));
 }
 
 Byte LowNibbleBit(Byte Waarde) {

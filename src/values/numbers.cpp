@@ -17,29 +17,34 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-/// Reads the longest decimal number at the start of `text` into `number` and returns what follows it.
-std::string_view readDecimal(std::string_view text, double& number) {
-  number = 0;
+/// The longest decimal number at the start of a text, 0 when there is none, and what follows it.
+struct Decimal {
+  double number;
+  std::string_view rest;
+};
+
+Decimal readDecimal(std::string_view text) {
   const char* first = text.data();
   const char* const last = first + text.size();
   const bool plus = first != last && *first == '+';
   if (plus) ++first;
   // from_chars would take "inf" and "nan", and a second sign after the plus.
   const auto* const digits = first != last && *first == '-' && !plus ? first + 1 : first;
-  if (digits == last || (*digits != '.' && std::isdigit(byteValue(*digits)) == 0)) return text;
+  if (digits == last || (*digits != '.' && std::isdigit(byteValue(*digits)) == 0)) return {0, text};
+  double number{};
   const auto [end, error] = std::from_chars(first, last, number);
-  if (error == std::errc::invalid_argument) return text;
+  if (error == std::errc::invalid_argument) return {0, text};
   if (error == std::errc::result_out_of_range) {
     const std::string_view written(first, static_cast<std::size_t>(end - first));
-    const bool tiny = written.find_last_of("eE") != std::string_view::npos &&
-                      written.find('-', 1) != std::string_view::npos;
+    const auto exponent = written.find_last_of("eE");
+    const bool tiny = exponent != std::string_view::npos && written[exponent + 1] == '-';
     number = tiny ? 0 : std::numeric_limits<double>::infinity();
   }
-  return {end, static_cast<std::size_t>(last - end)};
+  return {number, {end, static_cast<std::size_t>(last - end)}};
 }
 
 double parseRadix(std::string_view digits, int base) {
-  std::uint64_t value = 0;
+  std::uint64_t value{};
   const auto* const last = digits.data() + digits.size();
   const auto [end, error] = std::from_chars(digits.data(), last, value, base);
   if (error != std::errc() || end != last) throw RuntimeError(RuntimeError::typeMismatch);
@@ -67,16 +72,14 @@ double parseNumber(std::string_view text) {
   const std::string_view prefix = body.substr(0, 2);
   if (equalsIgnoringCase(prefix, "&H")) return parseRadix(body.substr(2), 16);
   if (equalsIgnoringCase(prefix, "&O")) return parseRadix(body.substr(2), 8);
-  double number = 0;
-  if (body.empty() || !readDecimal(body, number).empty()) throw RuntimeError(RuntimeError::typeMismatch);
+  const auto [number, rest] = readDecimal(body);
+  if (body.empty() || !rest.empty()) throw RuntimeError(RuntimeError::typeMismatch);
   return number;
 }
 
 double leadingNumber(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  double number = 0;
-  readDecimal(text, number);
-  return number;
+  return readDecimal(text).number;
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {

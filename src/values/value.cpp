@@ -6,12 +6,33 @@
 namespace velk {
 namespace {
 
-template <class... Cases>
-struct Overloaded : Cases... {
-  using Cases::operator()...;
-};
-template <class... Cases>
-Overloaded(Cases...) -> Overloaded<Cases...>;
+double numberOf(std::monostate /*empty*/) {
+  return 0;
+}
+double numberOf(bool truth) {
+  return truth ? -1 : 0;
+}
+double numberOf(const std::string& text) {
+  return parseNumber(text);
+}
+template <class Number>
+double numberOf(Number number) {
+  return static_cast<double>(number);
+}
+
+std::string textOf(std::monostate /*empty*/) {
+  return {};
+}
+std::string textOf(bool truth) {
+  return truth ? "True" : "False";
+}
+std::string textOf(const std::string& text) {
+  return text;
+}
+template <class Number>
+std::string textOf(Number number) {
+  return plainText(number);
+}
 
 template <class Integer>
 Integer toInteger(const Value& value) {
@@ -30,20 +51,11 @@ bool toBoolean(const Value& value) {
 }  // namespace
 
 double toNumber(const Value& value) {
-  return std::visit(
-      Overloaded{[](std::monostate) { return 0.0; }, [](bool truth) { return truth ? -1.0 : 0.0; },
-                 [](const std::string& text) { return parseNumber(text); },
-                 [](auto number) { return static_cast<double>(number); }},
-      value);
+  return std::visit([](const auto& held) { return numberOf(held); }, value);
 }
 
 std::string toText(const Value& value) {
-  return std::visit(Overloaded{[](std::monostate) { return std::string(); },
-                               [](bool truth) { return std::string(truth ? "True" : "False"); },
-                               [](const std::string& text) { return text; },
-                               [](double number) { return plainText(number); },
-                               [](auto number) { return std::to_string(number); }},
-                    value);
+  return std::visit([](const auto& held) { return textOf(held); }, value);
 }
 
 Value convert(const Value& value, Type type) {
@@ -77,9 +89,9 @@ bool holds(const Value& value, Type type) {
     case Type::variant:
       return true;
     case Type::none:
-      return std::holds_alternative<std::monostate>(value);
+      break;
   }
-  return false;
+  return std::holds_alternative<std::monostate>(value);
 }
 
 }  // namespace velk
