@@ -18,17 +18,17 @@ enum CommandBit : Byte {
   highBank = 128,  ///< byte counts of 128 and above
 };
 
-/// One memory request.
-struct Request {
-  Byte command = 0;
-  Byte dph = 0;  ///< high address byte
-  Byte dpl = 0;  ///< low address byte
-  std::string_view data;
-  Byte instruction = 2;  ///< 2: memory access; 0: a short request; fast mode only
-};
-
 /// Instructions of fast-mode frames.
 enum Instruction : Byte { shortRequest = 0, memoryAccess = 2 };
+
+/// One memory request.
+struct Request {
+  Byte command;
+  Byte dph;  ///< high address byte
+  Byte dpl;  ///< low address byte
+  std::string_view data;
+  Byte instruction = memoryAccess;  ///< of a fast-mode frame
+};
 
 /// The command byte for a byte count and a direction letter. Only "V" reaches the external area; a count of 0
 /// means 16 bytes, and counts above 16 wrap, so that 17 transfers 1 byte and 144 transfers 16 in the high

@@ -56,7 +56,7 @@ class SerialTransaction {
       if (received.empty() || received.front() != sent) return failed(echoFault);
     }
     const std::size_t length = expectedReply(request_, false);
-    Bytes reply = received.substr(std::min<std::size_t>(1, received.size()));
+    Bytes reply = received.substr(1);  // a frame is never empty, and its last byte has come back
     host_.yield();
     const Deadline deadline(host_, replyTime);
     collect(reply, length, deadline, deadline.whole());
@@ -90,7 +90,7 @@ class SerialTransaction {
     if (reply.size() != length && (reply.empty() || ours)) {
       return {Outcome::failed, Bytes(1, character(noReply)), false};
     }
-    if (reply.size() != length || !ours) return resynchronise(std::move(reply), length);
+    if (!ours) return resynchronise(std::move(reply), length);
     if (request_.instruction == shortRequest) return {Outcome::done, Bytes(1, '\0')};
     if (byteAt(reply, headerLength) != 0) return failed(echoFault);
     return {Outcome::done, Bytes(slice(reply, headerLength, dataCount(request_.command) + 1))};
@@ -103,21 +103,19 @@ class SerialTransaction {
     const Deadline deadline(host_, resyncTime);
     // A request without a known reply length waits for at least one byte, not for none.
     const std::size_t wanted = std::max<std::size_t>(length, 1);
-    bool found = false;
-    do {
-      const std::size_t next = endOfFrame(reply);
-      if (next == 0 && deadline.passed()) break;
-      reply.erase(0, next != 0 && next < reply.size() ? next : reply.size());
+    for (;;) {
+      const std::size_t end = endOfFrame(reply);
+      if (end == Bytes::npos && deadline.passed()) return failed(noMatchingReply);
+      reply.erase(0, end);
       collect(reply, wanted, deadline, deadline.remaining());
-      found = sameHeader(frame_, reply);
-    } while (!found);
-    return found ? Outcome{Outcome::sendAgain, {}} : failed(noMatchingReply);
+      if (sameHeader(frame_, reply)) return {Outcome::sendAgain, {}};
+    }
   }
 
-  /// The position behind the first "#" that follows the header; 0 when there is none.
+  /// The position behind the first "#" that follows the header; `npos` when there is none.
   static std::size_t endOfFrame(const Bytes& reply) {
     const auto mark = reply.find('#', headerLength);
-    return mark == Bytes::npos ? 0 : mark + 1;
+    return mark == Bytes::npos ? mark : mark + 1;
   }
 
   /// Appends what arrives until the reply holds `length` bytes or the deadline has passed.

@@ -1,6 +1,5 @@
 #include "link/tcp_frames.h"
 
-#include <algorithm>
 #include <array>
 
 #include "link/link.h"
@@ -32,6 +31,12 @@ Byte functionClass(Byte function) {
   return function == tcpOther ? 15 : 13;
 }
 
+template <std::size_t size>
+Bytes behind(const std::array<char, size>& header, std::string_view data) {
+  Bytes text(header.data(), size);
+  return text.append(data);
+}
+
 Bytes one(Byte value) {
   return Bytes(1, character(value));
 }
@@ -53,20 +58,20 @@ Bytes requestQ(const TcpRequest& request) {
       character(request.function),
       '\0',
       character(hasLength ? static_cast<int>(request.data.size() & 255) : 0)};
-  Bytes text(headerQ + request.data.size(), '\0');
-  std::copy(request.data.begin(), request.data.end(), std::copy(header.begin(), header.end(), text.begin()));
-  return text;
+  return behind(header, request.data);
 }
 
 Bytes requestS(const TcpRequest& request) {
-  Bytes text;
-  text.reserve(headerS + request.data.size());
-  text += character(static_cast<int>(request.data.size() & 255));
-  text += character(checkedByte(static_cast<long>(request.data.size() >> 8)));
-  text.append(2, '\0');
-  text += character(functionClass(request.function));
-  text.append(3, '\0').append(request.data);
-  return text;
+  const std::size_t length = request.data.size();
+  const std::array<char, headerS> header{character(static_cast<int>(length & 255)),
+                                         character(checkedByte(static_cast<long>(length >> 8))),
+                                         '\0',
+                                         '\0',
+                                         character(functionClass(request.function)),
+                                         '\0',
+                                         '\0',
+                                         '\0'};
+  return behind(header, request.data);
 }
 
 Bytes replyQ(const TcpRequest& request, Bytes sent, std::string_view reply) {

@@ -14,9 +14,7 @@ bool isBlank(std::string_view text) {
 
 Byte logIn(Link link, std::string& passWord) {
   passWord = padded(passWord, passwordLength, '\0');
-  const Bytes reply =
-      tranceivTcp(link, {.protocol = 1, .id = 1, .attempts = 0, .function = tcpLogin, .data = passWord});
-  return byteAt(reply, 0);
+  return byteAt(tranceivTcp(link, {.function = tcpLogin, .data = passWord}), 0);
 }
 
 }  // namespace

@@ -8,8 +8,7 @@ namespace velk::link {
 Bytes tranCeiv(Link link, const Request& request, Byte attempts) {
   const Bytes frame = frameFor(request, link.settings);
   if (link.settings.TCP) {
-    return tranceivTcp(link,
-                       {.protocol = 1, .id = 1, .attempts = attempts, .function = tcpMemory, .data = frame});
+    return tranceivTcp(link, {.attempts = attempts, .function = tcpMemory, .data = frame});
   }
   return serialTransaction(link, request, frame, attempts == 0 ? Byte{3} : attempts);
 }
