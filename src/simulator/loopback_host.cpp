@@ -77,7 +77,7 @@ class LoopbackHost::Port final : public platform::SerialPort {
     const auto found = host_.ports_.find(number);
     if (found == host_.ports_.end()) throw RuntimeError(RuntimeError::invalidPortNumber);
     line_ = std::make_unique<Line>(host_, found->second);
-    failed_ = false;
+    failed_ = breaking_ = false;
   }
 
   void close() override {
@@ -101,7 +101,8 @@ class LoopbackHost::Port final : public platform::SerialPort {
 
   void setBreak(bool on) override {
     requireWorking();
-    if (on) line_->peer().lineBreak();
+    if (breaking_ && !on) line_->peer().lineBreak();
+    breaking_ = on;
   }
 
   void fail() { failed_ = true; }
@@ -117,6 +118,7 @@ class LoopbackHost::Port final : public platform::SerialPort {
   std::unique_ptr<Line> line_;
   Bytes received_;
   bool failed_ = false;
+  bool breaking_ = false;
 };
 
 class LoopbackHost::Connection final : public platform::Socket {

@@ -26,7 +26,7 @@ class Peer {
   /// Bytes have come in; they may hold a part of a request, or several.
   virtual std::vector<Delivery> received(std::string_view bytes) = 0;
 
-  /// A line break has been seen.
+  /// A line break has ended.
   virtual void lineBreak() {}
 
   /// Bytes come after the line was silent for `frameGap`: a request that stopped half-way is given up.
