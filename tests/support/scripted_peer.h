@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "component/serial.h"
@@ -24,27 +25,30 @@ struct Step {
 };
 
 /// The script of a connection: every request must be the next one of the script, byte for byte, and none may
-/// be left over in the end.
+/// be left over in the end. It keeps a journal of what the host does.
 class Script {
  public:
+  explicit Script(LoopbackHost& host) : host_(host) {
+    host.onYield = [this] { note("y"); };
+  }
+
   Script& on(Bytes request, std::vector<Delivery> replies = {}) {
     steps_.push_back({std::move(request), std::move(replies)});
     return *this;
   }
 
   /// The same in one piece at once.
-  Script& answer(Bytes request, Bytes reply) {
-    return on(std::move(request), {Delivery{.bytes = std::move(reply)}});
-  }
+  Script& answer(Bytes request, Bytes reply) { return on(std::move(request), {{std::move(reply)}}); }
 
   Script& greet(Bytes greeting, std::chrono::milliseconds after = 0ms) {
-    greeting_ = {Delivery{.bytes = std::move(greeting), .after = after}};
+    greeting_ = {{std::move(greeting), after}};
     return *this;
   }
 
   [[nodiscard]] std::vector<Delivery> greeting() const { return greeting_; }
 
   std::vector<Delivery> take(std::string_view bytes) {
+    note(">");
     received_ += bytes;
     if (steps_.empty()) {
       ADD_FAILURE() << "unexpected request: " << testing::PrintToString(received_);
@@ -52,22 +56,35 @@ class Script {
     }
     const Step& step = steps_.front();
     if (received_.size() < step.request.size()) return {};
-    EXPECT_EQ(testing::PrintToString(received_), testing::PrintToString(step.request));
+    EXPECT_EQ(received_, step.request);
     received_.clear();
     std::vector<Delivery> replies = step.replies;
     steps_.pop_front();
     return replies;
   }
 
-  void countBreak() { ++breaks_; }
-  [[nodiscard]] int breaks() const { return breaks_; }
   [[nodiscard]] bool isDone() const { return steps_.empty() && received_.empty(); }
 
+  void note(const char* mark) {
+    const auto time = host_.elapsed() - std::exchange(noted_, host_.elapsed());
+    if (time > 0ms) journal_ += std::to_string(time.count());
+    journal_ += mark;
+  }
+
+  /// What the host has done since the last call: ">" bytes sent, "y" messages dispatched, "B" a line break,
+  /// noted when it ends, and in between the milliseconds that passed.
+  std::string journal() {
+    note("");
+    return std::exchange(journal_, {});
+  }
+
  private:
+  LoopbackHost& host_;
   std::vector<Delivery> greeting_;
   std::deque<Step> steps_;
   Bytes received_;
-  int breaks_ = 0;
+  std::chrono::milliseconds noted_{0};
+  std::string journal_;
 };
 
 /// A peer that plays a script; in echo mode it echoes each byte first.
@@ -78,13 +95,12 @@ class ScriptedPeer final : public simulator::Peer {
   std::vector<Delivery> connected() override { return script_.greeting(); }
 
   std::vector<Delivery> received(std::string_view bytes) override {
-    std::vector<Delivery> deliveries;
-    if (echoes_) deliveries.push_back({.bytes = Bytes(bytes)});
-    for (Delivery& reply : script_.take(bytes)) deliveries.push_back(std::move(reply));
+    std::vector<Delivery> deliveries = script_.take(bytes);
+    if (echoes_) deliveries.insert(deliveries.begin(), {.bytes = Bytes(bytes)});
     return deliveries;
   }
 
-  void lineBreak() override { script_.countBreak(); }
+  void lineBreak() override { script_.note("B"); }
 
  private:
   Script& script_;
@@ -94,11 +110,12 @@ class ScriptedPeer final : public simulator::Peer {
 /// A `Serial` in front of a script, over the serial line or TCP.
 class ScriptedLink : public testing::Test {
  protected:
-  void openSerial(bool fast) {
-    host.plugIn(1, [this, fast] { return std::make_unique<ScriptedPeer>(script, !fast); });
+  /// Opens the serial port. The echoes of echo mode are the peer's, unless the script holds them.
+  void openSerial(bool fast, bool peerEchoes = true) {
+    host.plugIn(1, [=, this] { return std::make_unique<ScriptedPeer>(script, peerEchoes && !fast); });
     ASSERT_EQ(serial.OpenCom(1, 9600, fast), 0);
     serial.FlgBreak = false;
-    openedAt_ = host.elapsed();
+    script.journal();
   }
 
   /// Connected as kind "Q" or "S", without the login's part of the script.
@@ -108,20 +125,21 @@ class ScriptedLink : public testing::Test {
     ASSERT_EQ(serial.OpenTCP("house", 1000), 252);
     serial.TCP = true;
     serial.SoortETH = kind;
-    openedAt_ = host.elapsed();
   }
 
-  /// The time since the link was opened.
-  [[nodiscard]] std::chrono::milliseconds spent() const { return host.elapsed() - openedAt_; }
+  /// How long a call takes.
+  template <class Call>
+  std::chrono::milliseconds timeOf(Call call) {
+    const auto start = host.elapsed();
+    call();
+    return host.elapsed() - start;
+  }
 
   void TearDown() override { EXPECT_TRUE(script.isDone()) << "the script was not played to its end"; }
 
-  Script script;
   LoopbackHost host;
+  Script script{host};
   Serial serial{host};
-
- private:
-  std::chrono::milliseconds openedAt_{0};
 };
 
 }  // namespace velk::test

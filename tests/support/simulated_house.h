@@ -56,7 +56,7 @@ class SimulatedHouse : public testing::Test {
 
   void setMemory(int dph, int dpl, const Bytes& data,
                  simulator::Memory memory = simulator::Memory::external) {
-    const bool high = memory == simulator::Memory::highBlock || memory == simulator::Memory::highExternal;
+    const bool high = memory >= simulator::Memory::highBlock;
     for (std::size_t i = 0; i < data.size(); ++i) {
       const auto place = simulator::after({memory, static_cast<Byte>(dph), static_cast<Byte>(dpl)}, i);
       controller.answer({.command = static_cast<Byte>(link::write | (simulator::isExternal(memory) ? 32 : 0) |
