@@ -47,6 +47,8 @@ Byte Serial::trappedModule(Body body) {
   return result;
 }
 
+Serial::Serial(platform::Host& host) : host_(host) {}
+
 Byte Serial::OpenCom(Byte Port, std::int16_t Baudrate, bool FastCom) {
   return trapped([&] { link::openCom(link(), Port, Baudrate, FastCom); });
 }

@@ -39,7 +39,7 @@ class Serial : public link::Settings {
   Serial() : Serial(platform::threadHost()) {}
 
   /// Uses another host, for example a simulated one.
-  explicit Serial(platform::Host& host) : host_(host) {}
+  explicit Serial(platform::Host& host);
 
   // --- The link over a serial port
 
