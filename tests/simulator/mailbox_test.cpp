@@ -13,19 +13,12 @@ using test::bytes;
 /// A controller with the modules of the house, asked byte by byte.
 class MailboxTest : public testing::Test {
  protected:
-  Bytes read(int count, int dph, int dpl, std::string_view area = "V") {
-    return controller
-        .answer({.command = link::commandByte(static_cast<Byte>(count), area, false),
-                 .dph = static_cast<Byte>(dph),
-                 .dpl = static_cast<Byte>(dpl)})
-        .data;
+  Bytes read(int count, Byte dph, Byte dpl, Byte area = link::externalArea) {
+    return controller.answer({.command = static_cast<Byte>(area | (count - 1)), .dph = dph, .dpl = dpl}).data;
   }
-  void write(int dph, int dpl, const Bytes& data, std::string_view area = "V") {
-    const auto count = static_cast<Byte>(data.size() + (area == "H" ? 128 : 0));
-    controller.answer({.command = link::commandByte(count, area, true),
-                       .dph = static_cast<Byte>(dph),
-                       .dpl = static_cast<Byte>(dpl),
-                       .data = data});
+  void write(Byte dph, Byte dpl, const Bytes& data, Byte area = link::externalArea) {
+    const auto command = static_cast<Byte>(link::write | area | (data.size() - 1));
+    controller.answer({.command = command, .dph = dph, .dpl = dpl, .data = data});
   }
 
   /// Sends a request and returns the reply code.
@@ -39,6 +32,7 @@ class MailboxTest : public testing::Test {
     attachModules(controller, faults, [this](const std::string& line) { lines.push_back(line); });
   }
 
+  static constexpr Byte buffer = link::highBank;
   Controller controller;
   std::vector<std::string> lines;
   const Bytes known = bytes({9, 5, 0});
@@ -69,7 +63,15 @@ TEST_F(MailboxTest, DecodesRequestsByTheModule) {
       {19, 63, gsm, 128, "module 930100: unknown request"},
       {9, 31, gsm, 0, "module 930100: long record 9, read"},
       {9, 159, gsm, 0, "module 930100: long record 9, write"},
+      {9, 0, gsm, 128, "module 930100: unknown request"},
+      {9, 1, gsm, 0, "module 930100: read piece 9, 1 byte"},
+      {9, 16, gsm, 0, "module 930100: read piece 9, 16 bytes"},
       {9, 17, gsm, 128, "module 930100: unknown request"},
+      {9, 64, gsm, 128, "module 930100: unknown request"},
+      {9, 80, gsm, 0, "module 930100: read piece 9, 16 bytes"},
+      {9, 81, gsm, 128, "module 930100: unknown request"},
+      {9, 208, gsm, 0, "module 930100: write piece 9, 16 bytes"},
+      {9, 209, gsm, 128, "module 930100: unknown request"},
       {9, 16, bytes({1, 2, 3}), 255, "module 010203: read piece 9, 16 bytes"},
   };
   for (const auto& row : rows) {
@@ -85,10 +87,10 @@ TEST_F(MailboxTest, ARepeatedTriggerRepeatsTheRequest) {
   EXPECT_EQ(ask(0, 79, known), 127);
   trigger();
   EXPECT_EQ(read(1, 0, 10), Bytes(1, '\0'));
-  EXPECT_EQ(read(16, 0, 16).substr(0, 5), "MT007");
+  EXPECT_EQ(read(16, 0, 16), "MT007/500VA \x30\x01\x05" + Bytes(1, '\0'));
 }
 
-TEST_F(MailboxTest, KeepsPiecesSamplesAndTexts) {
+TEST_F(MailboxTest, KeepsPieces) {
   attach();
   write(0, 16, "0123456789abcdef");
   EXPECT_EQ(ask(255, 208, video), 0);
@@ -96,20 +98,38 @@ TEST_F(MailboxTest, KeepsPiecesSamplesAndTexts) {
   EXPECT_EQ(ask(255, 80, video), 0);
   EXPECT_EQ(read(16, 0, 16), "0123456789abcdef");
   EXPECT_EQ(ask(255, 31, video), 0) << "a long record that reaches behind the last piece";
-  EXPECT_EQ(read(144, 16, 26, "H"), Bytes(16, '\0'));
+  EXPECT_EQ(read(16, 0, 26, buffer), "0123456789abcdef");
+  EXPECT_EQ(read(16, 16, 26, buffer), Bytes(16, '\0'));
+  EXPECT_EQ(ask(2, 10, video), 0);
+  EXPECT_EQ(read(10, 0, 16), bytes({0, 0, 0, 0, 0, 0, 0, 0, 1, 4})) << "its version";
+}
 
-  write(0, 26,
-        "a block of data."
-        "",
-        "H");
-  write(16, 26, Bytes(16, '\0'), "H");
-  write(32, 26, "what lay there..", "H");
-  EXPECT_EQ(ask(16, 191, sampler), 0);
+/// Samples end with their first block that ends with 0; texts have 64 bytes, other long records 112 or 128.
+TEST_F(MailboxTest, KeepsLongRecords) {
+  attach();
+  const struct {
+    const Bytes& serial;
+    int number, writing, reading;
+    std::size_t kept;
+  } rows[] = {{sampler, 16, 191, 63, 32},
+              {sampler, 255, 255, 127, 32},
+              {gsm, 9, 159, 31, 64},
+              {video, 9, 159, 31, 112}};
+  for (const auto& [serial, number, writing, reading, kept] : rows) {
+    for (int at = 0; at < 128; at += 16) {
+      const Bytes line(15, static_cast<char>('a' + at / 16));
+      write(static_cast<Byte>(at), 26, line + (at == 16 ? '\0' : '.'), buffer);
+    }
+    EXPECT_EQ(ask(number, writing, serial), 0);
+    for (int at = 0; at < 128; at += 16) write(static_cast<Byte>(at), 26, Bytes(16, '!'), buffer);
+    EXPECT_EQ(ask(number, reading, serial), 0);
+    Bytes text;
+    for (int at = 0; at < 128; at += 16) text += read(16, static_cast<Byte>(at), 26, buffer).substr(0, 1);
+    const Bytes behind(kept == 64 ? "!!!!" : Bytes(8 - kept / 16, '\0'));
+    EXPECT_EQ(text, Bytes("abcdefgh").substr(0, kept / 16) + behind) << number << " " << writing;
+  }
   EXPECT_EQ(ask(16, 127, sampler), 0);
-  EXPECT_EQ(read(144, 0, 26, "H"), Bytes(16, '\0')) << "the other bank";
-  EXPECT_EQ(ask(16, 63, sampler), 0);
-  EXPECT_EQ(read(144, 0, 26, "H"), "a block of data.");
-  EXPECT_EQ(read(144, 32, 26, "H"), Bytes(16, '\0')) << "a sample ends with its first block that ends with 0";
+  EXPECT_EQ(read(1, 0, 26, buffer), Bytes(1, '\0')) << "the other bank";
 }
 
 TEST_F(MailboxTest, WaitsForPolls) {

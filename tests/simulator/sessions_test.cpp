@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "simulator/ethernet_sessions.h"
-#include "simulator/link_kind.h"
 #include "simulator/serial_sessions.h"
-#include "support/scripted_peer.h"
+#include "support/bytes.h"
 
 namespace velk::simulator {
 namespace {
@@ -107,6 +106,16 @@ TEST_F(FastSessionTest, SkipsGarbageAndRequestsToOthers) {
   EXPECT_EQ(send(read + toAnother), bytes({'*', 2, 3, 0x20, 5, 0x10, 0, 0x11, '#'}));
 }
 
+TEST_F(FastSessionTest, FaultsOnTheWire) {
+  const Bytes reply = bytes({'*', 2, 2, 0x20, 5, 0x10, 0, 0x11, '#'});
+  const Bytes foreign = bytes({'*', 2, 3, 0x20, 1, 2, 0, 5, '#'});
+  restart({.faults = {"header@1", "foreign=2@2", "short=8@3", "status=5@4"}});
+  for (const Bytes& expected : {bytes({'*', 3, 2, 0x20, 5, 0x10, 0, 0x11, '#'}), foreign + foreign + reply,
+                                reply.substr(0, 8), bytes({'*', 2, 2, 0x20, 5, 0x10, 5, 0, '#'})}) {
+    EXPECT_EQ(send(bytes({'*', 2, 2, 0x20, 5, 0x10, '#'})), expected);
+  }
+}
+
 Bytes requestQ(int function, const Bytes& data) {
   return bytes({'V', 'E', 'L', 'K', 0, 1, 0, 7, 3, function, 0, static_cast<int>(data.size())}) + data;
 }
@@ -151,27 +160,14 @@ TEST_F(EthernetSTest, CarriesFastFramesBehindItsHeader) {
   EXPECT_EQ(sendInPieces(read), reply);
   EXPECT_EQ(send("\xff\xff" + read + read), reply + reply);
   EXPECT_EQ(send(framedS(14, "abcd")), framedS(14, bytes({0})));
+  EXPECT_EQ(send(framedS(12, "abcd") + framedS(16, "abcd") + framedS(15, "")), framedS(15, bytes({0})));
   // A frame that does not fill its header, or is for another, is not answered.
   EXPECT_EQ(send(framedS(13, bytes({'*', 2, 2, 0x21, 5, 0x10, '#', 0}))), "");
   EXPECT_EQ(send(framedS(13, bytes({'*', 2, 9, 0x21, 5, 0x10, '#'}))), "");
   EXPECT_EQ(send(read), reply);
-}
-
-/// Any bytes in any pieces: nothing crashes, and a request behind a pause is answered.
-TEST(SessionsTest, SurviveGarbage) {
-  Controller controller;
-  std::vector<std::unique_ptr<Session>> sessions;
-  for (const LinkKind kind : allLinks) sessions.push_back(makeSession(kind, controller));
-  const Bytes pool = bytes({'*', '#', '/', 'V', 'E', 'L', 'K', 0, 1, 2, 13, 14, 0x20, 0x61, 240, 255});
-  std::uint32_t seed = 1;
-  for (int round = 0; round < 20000; ++round) {
-    Bytes piece;
-    for (std::uint32_t i = 0; i < seed % 7; ++i) piece += pool[(seed >> (8 + i)) % pool.size()];
-    for (const auto& session : sessions) session->received(piece);
-    seed = seed * 1664525 + 1013904223;
-  }
-  sessions[1]->quiet();
-  EXPECT_EQ(sessions[1]->received(bytes({'*', 2, 2, 0x20, 1, 1, '#'})).size(), 1U);
+  restart({.faults = {"header@1", "foreign@2"}});
+  EXPECT_EQ(send(read), framedS(13, bytes({'*', 3, 2, 0x21, 5, 0x10, 0, 0x11, 0x22, '#'})));
+  EXPECT_EQ(send(read), framedS(13, bytes({'*', 2, 3, 0x20, 1, 2, 0, 5, '#'})) + reply);
 }
 
 }  // namespace
