@@ -4,8 +4,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "cli/failure.h"
@@ -18,13 +16,10 @@ namespace fs = std::filesystem;
 
 class FilesTest : public testing::Test {
  protected:
-  FilesTest() { fs::create_directories(folder_); }
-  ~FilesTest() override { fs::remove_all(folder_); }
-
-  [[nodiscard]] std::string file(const std::string& name) const { return folder_ + "/" + name; }
+  [[nodiscard]] std::string file(const std::string& name) const { return folder_ / name; }
 
   [[nodiscard]] std::size_t count() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), {}));
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_.path), {}));
   }
 
   /// What writing a text, or finding out that it cannot be written, ends with.
@@ -38,8 +33,7 @@ class FilesTest : public testing::Test {
     }
   }
 
- private:
-  std::string folder_ = testing::TempDir() + "velk-files-" + std::to_string(getpid());
+  const Folder folder_;
 };
 
 TEST_F(FilesTest, ReplacesAFileWithItsModeBehindItsLink) {
@@ -111,26 +105,6 @@ TEST_F(FilesTest, LeavesNoHalfFileOnAFullDisk) {
   EXPECT_EQ(taken, "");
   EXPECT_EQ(readFile(file("old")), "before");
   EXPECT_EQ(count(), 2U);
-}
-
-TEST_F(FilesTest, PutsFilesAsideUnderNamesThatAreFree) {
-  for (const char* const name : {".1", ".2"}) {
-    std::ofstream(file("part")) << name;
-    EXPECT_EQ(putAside(file("part")), file("part") + name);
-  }
-  EXPECT_EQ(readFile(file("part.1")), ".1");
-  EXPECT_FALSE(fs::exists(file("part")));
-}
-
-TEST_F(FilesTest, StandardOutputIsAFileToo) {
-  const std::string backup = velk({"backup", "--simulate", "-"}).text;
-  EXPECT_EQ(backup.substr(0, 29), "{\n \"format\": \"velk-backup\",\n ");
-  EXPECT_EQ(backup.substr(backup.size() - 3), "\"\n}\n" + 1);
-  EXPECT_EQ(velk({"week", "--simulate", "--svg", "-"}).text.substr(0, 4), "<svg");
-  for (const Words& words : {Words{"backup", "--simulate", "-", "--json"},
-                             Words{"week", "--simulate", "--svg", "-", "--html", "-"}}) {
-    EXPECT_EQ(velk(words).status, 2) << testing::PrintToString(words);
-  }
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <stdexcept>
 
 #include "cli/escapes.h"
-#include "cli/tool.h"
 #include "cli/words.h"
 
 namespace velk::cli {
@@ -40,29 +39,21 @@ TEST(Texts, AreUtf8OutsideAndBytesInside) {
   }
 }
 
-TEST(Texts, NamesAreShownAsTyped) {
-  Tool simulator("velk-sim", {"--tcp", "0", "--password", "p\u00e9", "--for", "600"});
-  const std::string link = behind(simulator.line(), "tcp Q ");
-  const auto with = [&](Words words, const Words& more) {
-    words.insert(words.end(), {"--tcp", link, "--password", "p\u00e9"});
-    words.insert(words.end(), more.begin(), more.end());
-    return velk(std::move(words));
+TEST(Texts, DaysAndTimesInWords) {
+  const std::pair<int, const char*> rows[] = {
+      {0, "no day"},
+      {127, "every day"},
+      {1, "Mon"},
+      {3, "Mon, Tue"},
+      {7, "Mon-Wed"},
+      {0x1F, "Mon-Fri"},
+      {0x5D, "Mon, Wed-Fri, Sun"},
+      {0x2A, "Tue, Thu, Sat"},
   };
-  EXPECT_EQ(call({"--tcp", link, "--password", "p\\xe9", "Preset", "W", "7", "Soir\u00e9e \\x80        ", "3",
-                  "1234", "10"})
-                .status,
-            0);
-  EXPECT_EQ(with({"preset"}, {"7"}).text.substr(0, 23), "preset 7 Soir\u00e9e \\x80: ");
-  EXPECT_EQ(with({"preset"}, {"7", "--json"}).text.substr(0, 39),
-            "{\"preset\":7,\"text\":\"Soir\u00e9e \\\\x80\",\"del");
-  EXPECT_EQ(with({"ir-text", "3"}, {"10 \u20ac"}).status, 2);
-  EXPECT_EQ(complaintOf({"ir-text", "--simulate", "3", "10 \u20ac"}),
-            "velk: \"\u20ac\" is no character of the controller, which has those of Latin-1 only\n");
-  EXPECT_EQ(with({"ir-text", "3"}, {"\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9"
-                                    "\u00e9\u00e9\u00e9\u00e9"})
-                .status,
-            0)
-      << "sixteen characters are sixteen bytes";
+  for (const auto& [days, words] : rows) EXPECT_EQ(daysOf(static_cast<Byte>(days)), words);
+  EXPECT_EQ(weekday(-1) + weekday(0) + weekday(3) + weekday(6) + weekday(7),
+            "day -1MondayThursdaySundayday 7");
+  EXPECT_EQ(timeOfDay(9, 10) + " " + timeOfDay(10, 9, 0), "09:10 10:09:00");
 }
 
 }  // namespace
