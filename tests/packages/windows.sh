@@ -57,7 +57,8 @@ snapshot() { # snapshot NAME: the shared keys and every file, but for temporary 
   done >"$work/$1.keys"
   (cd "$drive" && find . -path '*/Temp/*' -prune -o -print | sort) >"$work/$1.txt"
 }
-as_before() { # as_before NAME
+as_before() { # as_before NAME: the same snapshot, now of that name
+  snapshot "$1"
   diff "$work/before.keys" "$work/$1.keys" && diff "$work/before.txt" "$work/$1.txt"
 }
 
@@ -65,9 +66,7 @@ install() { wine_run "$setup" /S "$@"; }
 
 refuses() { # refuses FOLDER: the setup ends with 2 and has changed nothing
   install "/D=$1"
-  [ $? -eq 2 ] || return
-  snapshot refused
-  as_before refused
+  [ $? -eq 2 ] && as_before refused
 }
 
 uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of itself
@@ -156,7 +155,6 @@ for_everybody() {
   check "  works" says '61: Holiday +' script "$folder/examples" presets.js
   check "  and keeps the user's own files" rm "$folder/examples/mine.vbs"
   check "silent removal" uninstall "$folder" /AllUsers
-  snapshot after
   check "  leaves nothing" as_before after
 }
 
@@ -170,7 +168,6 @@ for_one_user() {
   check "  and for nobody else" not key 'HKLM\Software\Classes\VelkCom.Serial'
   check "silent removal" uninstall "$folder" /CurrentUser
   rmdir "$drive/Tools" 2>/dev/null
-  snapshot after-user
   check "  leaves nothing" as_before after-user
 }
 
@@ -186,7 +183,6 @@ side_by_side() {
   check "  with its entry" key 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\VelkCom' /v DisplayName
   check "removal with a wrong switch" uninstall "$folder" /CurrentUser
   rmdir "$drive/Tools" 2>/dev/null
-  snapshot after-both
   check "  leaves nothing either" as_before after-both
   check "setup refuses a folder below a file" refuses 'C:\occupied\VelkCom'
   check "  and one on a drive that is not there" refuses 'Q:\VelkCom'
