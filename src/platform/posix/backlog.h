@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <cstddef>
 
 #include "values/bytes.h"
@@ -27,7 +28,7 @@ template <class ReadPiece>
 ssize_t takeAll(Bytes& buffer, ReadPiece readPiece) {
   std::size_t held = 0;
   for (;;) {
-    if (buffer.size() < held + pieceSize) buffer.resize(held + pieceSize);
+    buffer.resize(std::max(buffer.size(), held + pieceSize));
     const ssize_t piece = readPiece(buffer.data() + held, pieceSize);
     if (held == 0 && piece < static_cast<ssize_t>(longPiece)) return piece;
     if (piece <= 0) break;

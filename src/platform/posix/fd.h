@@ -9,9 +9,12 @@ namespace velk::platform {
 /// An owned file descriptor.
 class Fd {
  public:
+  /// What stands for no descriptor, here and in a poll.
+  static constexpr int none = -1;
+
   Fd() = default;
   explicit Fd(int fd) : fd_(fd) {}
-  Fd(Fd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Fd(Fd&& other) noexcept { std::swap(fd_, other.fd_); }
   Fd& operator=(Fd&& other) noexcept {
     std::swap(fd_, other.fd_);
     return *this;
@@ -21,15 +24,15 @@ class Fd {
   ~Fd() { reset(); }
 
   void reset() {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = -1;
+    if (fd_ != none) ::close(fd_);
+    fd_ = none;
   }
 
   [[nodiscard]] int get() const { return fd_; }
-  explicit operator bool() const { return fd_ >= 0; }
+  explicit operator bool() const { return fd_ != none; }
 
  private:
-  int fd_ = -1;
+  int fd_ = none;
 };
 
 }  // namespace velk::platform

@@ -23,7 +23,7 @@ class TimeOfDay {
  public:
   float seconds() {
     const timespec now = timeOf(CLOCK_REALTIME);
-    if (now.tv_sec < from_ || now.tv_sec >= from_ + quarter) refresh(now.tv_sec);
+    if (now.tv_sec / quarter != quarter_) refresh(now.tv_sec);
     return static_cast<float>(static_cast<double>(now.tv_sec - midnight_) +
                               static_cast<double>(now.tv_nsec) * 1e-9);
   }
@@ -36,11 +36,11 @@ class TimeOfDay {
     localtime_r(&now, &local);
     constexpr time_t day = 86400;
     midnight_ = now - (now + local.tm_gmtoff) % day;
-    from_ = now - now % quarter;
+    quarter_ = now / quarter;
   }
 
-  time_t from_ = 0;
-  time_t midnight_ = 0;
+  time_t quarter_{};  ///< which one since 1970 `midnight_` is for
+  time_t midnight_{};
 };
 
 class PosixHost final : public Host {
@@ -57,8 +57,7 @@ class PosixHost final : public Host {
 
   void block(Source source, nanoseconds longest, Messages /*messages*/) override {
     if (source == Source::socket) return socket_.wait(longest);
-    pollfd watched{.fd = source == Source::port ? port_.descriptor() : -1, .events = POLLIN, .revents = 0};
-    poll(watched, longest);
+    poll(source == Source::port ? port_.descriptor() : Fd::none, POLLIN, longest);
   }
 
   SerialPort& port() override { return port_; }

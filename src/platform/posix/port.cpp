@@ -3,7 +3,6 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 
@@ -12,13 +11,14 @@
 
 #include "platform/devices.h"
 #include "platform/posix/backlog.h"
+#include "platform/posix/poll.h"
 #include "values/runtime_error.h"
 
 namespace velk::platform {
 namespace {
 
 /// How long a port may refuse to take anything.
-constexpr int writePatience = 1000;  // ms
+constexpr std::chrono::seconds writePatience(1);
 
 std::string devicePath(int number) {
   const auto mapped = mappedPort(number);
@@ -51,7 +51,7 @@ tcflag_t parityFlags(char parity) {
 }
 
 void configure(int fd, const SerialSettings& settings) {
-  constexpr std::array<tcflag_t, 4> sizes{CS5, CS6, CS7, CS8};
+  constexpr auto sizes = std::to_array<tcflag_t>({CS5, CS6, CS7, CS8});
   termios2 t{};
   t.c_cflag = sizes.at(static_cast<std::size_t>(settings.dataBits) - 5) | parityFlags(settings.parity) |
               (settings.stopBits > 1 ? CSTOPB : 0U) | CREAD | CLOCAL | BOTHER;
@@ -94,15 +94,12 @@ void PosixSerialPort::close() {
 
 std::string_view PosixSerialPort::read() {
   requireOpen();
-  const ssize_t taken = takeAll(buffer_, [this](char* place, std::size_t size) {
-    ssize_t n = 0;
-    do n = ::read(fd_.get(), place, size);
-    while (n < 0 && errno == EINTR);
-    return n;
-  });
+  const ssize_t taken =
+      takeAll(buffer_, [this](char* place, std::size_t size) { return ::read(fd_.get(), place, size); });
+  if (taken > 0) return {buffer_.data(), static_cast<std::size_t>(taken)};
   // A device that has been pulled out reads as ended or as an error; a live one as EAGAIN.
-  if (taken == 0 || (taken < 0 && errno != EAGAIN)) throw RuntimeError(RuntimeError::deviceFailed);
-  return {buffer_.data(), taken > 0 ? static_cast<std::size_t>(taken) : 0};
+  if (taken == 0 || (errno != EAGAIN && errno != EINTR)) throw RuntimeError(RuntimeError::deviceFailed);
+  return {};
 }
 
 void PosixSerialPort::write(std::string_view bytes) {
@@ -114,8 +111,7 @@ void PosixSerialPort::write(std::string_view bytes) {
       continue;
     }
     if (n < 0 && errno != EAGAIN && errno != EINTR) throw RuntimeError(RuntimeError::deviceFailed);
-    pollfd ready{.fd = fd_.get(), .events = POLLOUT, .revents = 0};
-    if (poll(&ready, 1, writePatience) == 0) throw RuntimeError(RuntimeError::deviceBusy);
+    if (poll(fd_.get(), POLLOUT, writePatience) == 0) throw RuntimeError(RuntimeError::deviceBusy);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <deque>
 #include <system_error>
 #include <thread>
 
@@ -14,19 +15,19 @@ namespace velk::platform {
 
 struct Lookup::Shared {
   Fd done;  ///< an eventfd; none when the answer was there at once
-  std::vector<SocketAddress> addresses;
+  std::deque<SocketAddress> addresses;
   std::atomic<bool> finished{false};
 };
 
 namespace {
 
 /// The addresses of a host; `flags` as for getaddrinfo.
-std::vector<SocketAddress> resolve(const std::string& host, std::uint16_t port, int flags) {
+std::deque<SocketAddress> resolve(const std::string& host, std::uint16_t port, int flags) {
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_flags = flags | AI_NUMERICSERV;
   addrinfo* list = nullptr;
-  std::vector<SocketAddress> addresses;
+  std::deque<SocketAddress> addresses;
   if (getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &list) != 0) return addresses;
   for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next) {
     SocketAddress address{.storage = {}, .size = entry->ai_addrlen};
@@ -68,8 +69,11 @@ bool Lookup::finished() const {
   return shared_->finished;
 }
 
-std::vector<SocketAddress> Lookup::addresses() const {
-  return shared_->addresses;
+std::optional<SocketAddress> Lookup::next() {
+  if (shared_->addresses.empty()) return std::nullopt;
+  std::optional address(shared_->addresses.front());
+  shared_->addresses.pop_front();
+  return address;
 }
 
 }  // namespace velk::platform

@@ -4,8 +4,8 @@
 #include <sys/socket.h>
 
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/posix/fd.h"
 
@@ -14,7 +14,7 @@ namespace velk::platform {
 /// An address to connect to.
 struct SocketAddress {
   sockaddr_storage storage{};
-  socklen_t size = 0;
+  socklen_t size{};
 };
 
 /// Looks up a host name without blocking: addresses given as digits are there at once, names are asked for on
@@ -29,8 +29,8 @@ class Lookup {
 
   [[nodiscard]] bool finished() const;
 
-  /// The addresses found, in the order of preference; empty when the name is unknown.
-  [[nodiscard]] std::vector<SocketAddress> addresses() const;
+  /// The next of the addresses found, in the order of preference; none for an unknown name.
+  std::optional<SocketAddress> next();
 
  private:
   struct Shared;

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <netinet/tcp.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -32,14 +31,13 @@ void PosixSocket::connect(const std::string& host, std::uint16_t port) {
   lookup_.emplace(host, port);
   deviceOpened();
   state_ = State::resolving;
-  if (lookup_->finished()) advance(0);
+  if (lookup_->finished()) connectNext();
 }
 
 void PosixSocket::close() {
   if (state_ == State::closed) return;
   fd_.reset();
   lookup_.reset();
-  candidates_.clear();
   arrived_ = 0;
   state_ = State::closed;
   deviceClosed();
@@ -57,13 +55,12 @@ void PosixSocket::send(std::string_view bytes) {
   requireConnected();
   while (!bytes.empty()) {
     const auto n = ::send(fd_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    if (n > 0) {
+    if (n != -1) {
       bytes.remove_prefix(static_cast<std::size_t>(n));
       continue;
     }
-    pollfd ready{.fd = fd_.get(), .events = POLLOUT, .revents = 0};
-    const bool busy = n < 0 && (errno == EAGAIN || errno == EINTR);
-    if (!busy || poll(ready, sendPatience) == 0) {
+    const bool busy = errno == EAGAIN || errno == EINTR;
+    if (!busy || poll(fd_.get(), POLLOUT, sendPatience) == 0) {
       die();
       throw RuntimeError(RuntimeError::badSocketState);
     }
@@ -77,25 +74,18 @@ void PosixSocket::wait(std::chrono::nanoseconds longest) {
     setReceiveTime(longest);
     take(0);
   } else {
-    pollfd watched = interest();
-    if (poll(watched, longest) > 0) advance(watched.revents);
+    const int watched = state_ == State::resolving ? lookup_->descriptor() : fd_.get();
+    const short event = state_ == State::connecting ? POLLOUT : POLLIN;
+    if (poll(watched, event, longest) > 0) advance();
   }
 }
 
-pollfd PosixSocket::interest() const {
-  if (state_ == State::resolving) return {.fd = lookup_->descriptor(), .events = POLLIN, .revents = 0};
-  const short events = state_ == State::connecting ? POLLOUT : POLLIN;
-  return {.fd = fd_.get(), .events = events, .revents = 0};
-}
-
-void PosixSocket::advance(short events) {
-  if (state_ == State::resolving && lookup_->finished()) {
-    candidates_ = lookup_->addresses();
-    std::reverse(candidates_.begin(), candidates_.end());
-    lookup_.reset();
-    connectNext();
-  } else if (state_ == State::connecting && events != 0) {
-    int error = 0;
+/// Carries on with what a poll has reported.
+void PosixSocket::advance() {
+  if (state_ == State::resolving) {
+    if (lookup_->finished()) connectNext();
+  } else if (state_ == State::connecting) {
+    int error{};
     socklen_t size = sizeof error;
     getsockopt(fd_.get(), SOL_SOCKET, SO_ERROR, &error, &size);
     if (error == 0) {
@@ -103,7 +93,7 @@ void PosixSocket::advance(short events) {
     } else {
       connectNext();
     }
-  } else if (state_ == State::connected && events != 0) {
+  } else {
     take(MSG_DONTWAIT);
   }
 }
@@ -115,21 +105,19 @@ void PosixSocket::requireConnected() const {
 /// Tries the addresses one after another: a name may have one that the interface does not listen on.
 void PosixSocket::connectNext() {
   state_ = State::connecting;
-  while (!candidates_.empty()) {
-    const SocketAddress address = candidates_.back();
-    candidates_.pop_back();
-    fd_ = Fd(::socket(address.storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  while (const auto address = lookup_->next()) {
+    fd_ = Fd(::socket(address->storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!fd_) continue;
     const int result =
-        ::connect(fd_.get(), reinterpret_cast<const sockaddr*>(&address.storage), address.size);
-    if (result == 0) return connected();
-    if (errno == EINPROGRESS) return;
+        ::connect(fd_.get(), reinterpret_cast<const sockaddr*>(&address->storage), address->size);
+    if (result == 0 || errno == EINPROGRESS) return;
   }
   die();
 }
 
 void PosixSocket::connected() {
   state_ = State::connected;
+  lookup_.reset();
   const int on = 1;
   setsockopt(fd_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   fcntl(fd_.get(), F_SETFL, 0);
@@ -141,9 +129,9 @@ void PosixSocket::connected() {
 void PosixSocket::setReceiveTime(std::chrono::nanoseconds longest) {
   if (receiveTime_ >= longest / 2 && receiveTime_ <= longest / 4 * 3) return;
   receiveTime_ = longest / 8 * 5;
-  const auto time = std::chrono::duration_cast<std::chrono::microseconds>(receiveTime_).count();
-  constexpr int million = 1'000'000;
-  const timeval limit{.tv_sec = time / million, .tv_usec = time % million};
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(receiveTime_);
+  const auto rest = std::chrono::duration_cast<std::chrono::microseconds>(receiveTime_ - seconds);
+  const timeval limit{.tv_sec = seconds.count(), .tv_usec = rest.count()};
   setsockopt(fd_.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
 }
 
@@ -157,7 +145,7 @@ void PosixSocket::take(int flags) {
     }
     arrived_ += static_cast<std::size_t>(n);
     if (arrived_ < buffer_.size()) return;
-    buffer_.resize(2 * buffer_.size());
+    buffer_.append(buffer_.size(), '\0');
     flags = MSG_DONTWAIT;
   }
 }

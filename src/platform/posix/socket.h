@@ -1,10 +1,7 @@
 #pragma once
 
-#include <poll.h>
-
 #include <chrono>
 #include <optional>
-#include <vector>
 
 #include "platform/posix/fd.h"
 #include "platform/posix/resolver.h"
@@ -35,8 +32,7 @@ class PosixSocket final : public Socket {
   enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
 
   void requireConnected() const;
-  [[nodiscard]] pollfd interest() const;
-  void advance(short events);
+  void advance();
   void setReceiveTime(std::chrono::nanoseconds longest);
   void take(int flags);
   void connectNext();
@@ -44,8 +40,7 @@ class PosixSocket final : public Socket {
   void die();
 
   State state_ = State::closed;
-  std::optional<Lookup> lookup_;
-  std::vector<SocketAddress> candidates_;  ///< addresses not tried yet, the next one last
+  std::optional<Lookup> lookup_;  ///< while there may be an address to try
   Fd fd_;
   std::chrono::nanoseconds receiveTime_{};  ///< how long a receiving call blocks
   Bytes buffer_;
