@@ -5,6 +5,7 @@
 #include <pty.h>
 
 #include <array>
+#include <filesystem>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -37,12 +38,16 @@ class Pty {
   Pty& operator=(const Pty&) = delete;
 
   [[nodiscard]] int far() const { return far_.get(); }
-  void hangUp() { far_.reset(); }
   Fd take() { return std::move(far_); }
 
  private:
   Fd far_;
 };
+
+/// How many descriptors the process has open.
+inline long openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
 
 /// A listening socket on 127.0.0.1.
 class Listener {
@@ -68,7 +73,7 @@ class Listener {
 
 /// What becomes of a connection once its far end has given some good answers.
 struct Ending {
-  enum How { never, silent, closed, reset } how = never;
+  enum How { never, closed, reset } how = never;
   int answers = 0;         ///< how many times it answers well before
   std::size_t length = 0;  ///< how many bytes of the next answer still come
 };
@@ -97,10 +102,6 @@ inline void play(Fd fd, simulator::Peer& peer, const Ending& ending) {
     send(deliveries, left == 0 ? ending.length : Bytes::npos);
     if (left == 0) break;
     if (left > 0) --left;
-  }
-  if (ending.how == Ending::silent) {
-    while (receive() > 0) {
-    }
   }
   if (ending.how == Ending::reset) {
     const linger atOnce{.l_onoff = 1, .l_linger = 0};

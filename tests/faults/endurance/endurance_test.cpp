@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -10,99 +8,71 @@
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
 #include "support/bytes.h"
+#include "support/real_peers.h"
 
 namespace velk {
 namespace {
 
 /// The simulated house behind a TCP port of 127.0.0.1.
-class ServedHouse {
- public:
-  ServedHouse() {
-    const std::uint16_t bound = server_.listen("127.0.0.1", 0, [this] {
-      return std::make_unique<simulator::EthernetQSession>(controller_, simulator::SessionOptions());
-    });
-    port_ = static_cast<std::int16_t>(bound);
-  }
+struct ServedHouse {
+  simulator::Controller controller{simulator::house()};
+  cli::Server server;  // behind what its threads use
+  std::uint16_t port = server.listen("127.0.0.1", 0, [this] {
+    return std::make_unique<simulator::EthernetQSession>(controller, simulator::SessionOptions());
+  });
 
-  Byte open(Serial& serial) const { return serial.OpenTCP("127.0.0.1", port_); }
-
- private:
-  simulator::Controller controller_{simulator::house()};
-  std::int16_t port_;
-  cli::Server server_;  // last, so that its threads end before what they use
+  Byte open(Serial& serial) const { return serial.OpenTCP("127.0.0.1", static_cast<std::int16_t>(port)); }
 };
 
 /// A place of its own for each number.
 Bytes writeAndRead(Serial& serial, Byte number, const Bytes& value) {
-  if (serial.WriteCom(4, 200, static_cast<Byte>(number * 4), "V", value) != test::bytes({0}))
-    return "no write";
-  return serial.ReadCom(4, 200, static_cast<Byte>(number * 4), "V");
-}
-
-long openDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  const Byte place = static_cast<Byte>(number * 4);
+  const Bytes written = serial.WriteCom(4, 200, place, "V", value);
+  return written == test::bytes({0}) ? serial.ReadCom(4, 200, place, "V") : "no write";
 }
 
 long residentPages() {
-  std::ifstream file("/proc/self/statm");
   long size = 0;
   long resident = 0;
-  file >> size >> resident;
+  std::ifstream("/proc/self/statm") >> size >> resident;
   return resident;
 }
 
 /// Objects of different threads share nothing: each has its own port, socket and clock.
 TEST(Threads, EachHasAConnectionOfItsOwn) {
-  constexpr int threads = 8;
-  constexpr int rounds = 200;
   const ServedHouse house;
-  std::array<int, threads> good{};
-  {
-    std::vector<std::jthread> running;
-    for (int t = 0; t < threads; ++t) {
-      running.emplace_back([&house, &count = good.at(static_cast<std::size_t>(t)), t] {
-        Serial serial;
-        if (house.open(serial) != 0) return;
-        for (int i = 0; i < rounds; ++i) {
-          const Bytes value = test::bytes({t, i, i >> 8, 7});
-          if (writeAndRead(serial, static_cast<Byte>(t), value) == '\0' + value) ++count;
-        }
-        serial.CloseTCP();
-      });
-    }
+  std::vector<std::jthread> running;
+  for (int t = 0; t < 8; ++t) {
+    running.emplace_back([&house, t] {
+      Serial serial;
+      EXPECT_EQ(house.open(serial), 0);
+      for (int i = 0; i < 200; ++i) {
+        const Bytes value = test::bytes({t, i, i >> 8, 7});
+        EXPECT_EQ(writeAndRead(serial, static_cast<Byte>(t), value), '\0' + value);
+      }
+      serial.CloseTCP();
+    });
   }
-  for (const int count : good) EXPECT_EQ(count, rounds);
 }
 
-TEST(Endurance, ConnectingAndClosingLeaksNothing) {
-  constexpr int cycles = 10'000;
+TEST(Endurance, ConnectionsAndTransactionsLeakNothing) {
   const ServedHouse house;
   Serial serial;
-  ASSERT_EQ(house.open(serial), 0);
-  serial.CloseTCP();
-  const long before = openDescriptors();
-  for (int i = 0; i < cycles; ++i) {
+  long descriptors = 0;
+  long pages = 0;
+  for (int i = 0; i < 10'000; ++i) {
     ASSERT_EQ(house.open(serial), 0) << i;
+    for (int k = 0; k < 50; ++k) ASSERT_EQ(writeAndRead(serial, 1, "same"), Bytes("\0same", 5)) << i;
     serial.CloseTCP();
+    if (i == 0) descriptors = test::openDescriptors();
+    if (i == 200) pages = residentPages();
   }
-  // The server closes its ends a little later.
-  for (int i = 0; i < 1200 && openDescriptors() > before; ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_LE(openDescriptors(), before);
-}
-
-TEST(Endurance, MemoryStaysFlatOverManyTransactions) {
-  constexpr int warmUp = 10'000;
-  constexpr int transactions = 1'000'000;
-  const ServedHouse house;
-  Serial serial;
-  ASSERT_EQ(house.open(serial), 0);
-  const Bytes value = "same";
-  for (int i = 0; i < warmUp; ++i) ASSERT_EQ(writeAndRead(serial, 1, value), '\0' + value);
-  const long before = residentPages();
-  for (int i = 0; i < transactions / 2; ++i) ASSERT_EQ(writeAndRead(serial, 1, value), '\0' + value);
   constexpr long slack = 64;  // of 4 KiB
-  EXPECT_LE(residentPages(), before + slack);
+  EXPECT_LE(residentPages(), pages + slack);
+  // The server closes its ends a little later.
+  for (int i = 0; i < 1200 && test::openDescriptors() > descriptors; ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_LE(test::openDescriptors(), descriptors);
 }
 
 }  // namespace
