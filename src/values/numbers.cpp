@@ -17,6 +17,22 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+/// Whether a number in digits that is too large or too small for its type is the latter: whether its first
+/// digit that counts stands behind the point, when the exponent has moved that.
+bool isTiny(std::string_view written) {
+  const auto end = std::min(written.find_first_of("eE"), written.size());
+  const std::string_view mantissa = written.substr(0, end);
+  long exponent = 0;
+  if (end + 1 < written.size()) {
+    const char* const sign = written.data() + end + 1;
+    const auto read =
+        std::from_chars(*sign == '+' ? sign + 1 : sign, written.data() + written.size(), exponent);
+    if (read.ec != std::errc()) return *sign == '-';
+  }
+  const auto point = static_cast<long>(std::min(mantissa.find('.'), mantissa.size()));
+  return static_cast<long>(mantissa.find_first_of("123456789")) >= point + exponent;
+}
+
 /// The longest decimal number at the start of a text, 0 when there is none, and what follows it.
 struct Decimal {
   double number;
@@ -36,9 +52,7 @@ Decimal readDecimal(std::string_view text) {
   if (error == std::errc::invalid_argument) return {0, text};
   if (error == std::errc::result_out_of_range) {
     const std::string_view written(first, static_cast<std::size_t>(end - first));
-    const auto exponent = written.find_last_of("eE");
-    const bool tiny = exponent != std::string_view::npos && written[exponent + 1] == '-';
-    number = tiny ? 0 : std::numeric_limits<double>::infinity();
+    number = isTiny(written) ? 0 : std::numeric_limits<double>::infinity();
   }
   return {number, {end, static_cast<std::size_t>(last - end)}};
 }

@@ -69,12 +69,16 @@ TEST(Numbers, FromTexts) {
                       {"-", 0},  {"+", 0},  {"+-5", 0},        {"inf", 0},   {"nan", 0},
                       {".", 0},  {"+5", 5}, {"1e2x", 100},     {"-.5", -0.5}};
   for (const auto& [text, number] : leading) EXPECT_EQ(leadingNumber(text), number) << text;
-  const Table whole{{"&o17", 15},           {" &H1f ", 31}, {"&hFF", 255},  {"+2.5", 2.5}, {"-9", -9},
-                    {"7\r\n", 7},           {".5", 0.5},    {" 1E2 ", 100}, {"1e-999", 0}, {"-1E-999", 0},
-                    {"&H100000000", 0x1p32}};
+  const Table whole{
+      {"&o17", 15},           {" &H1f ", 31}, {"&hFF", 255},  {"+2.5", 2.5}, {"-9", -9},
+      {"7\r\n", 7},           {".5", 0.5},    {" 1E2 ", 100}, {"1e-999", 0}, {"-1E-999999999999999999999", 0},
+      {"&H100000000", 0x1p32}};
   for (const auto& [text, number] : whole) EXPECT_EQ(parseNumber(text), number) << text;
   EXPECT_EQ(parseNumber("&H00FFFFFFFFFFFFFFFF"), 0x1p64);
-  for (const std::string& text : {std::string("1e999"), std::string("-1e999"), "-" + std::string(400, '9')}) {
+  const std::string zeros(400, '0');
+  EXPECT_EQ(parseNumber("0." + zeros + "1"), 0);
+  for (const std::string& text : {std::string("1e999"), std::string("-1e999"), "-1" + zeros,
+                                  "1" + zeros + "e-10", std::string("1e99999999999999999999")}) {
     EXPECT_EQ(errorOf([&] { convert(text, Type::integer); }), 6) << text;
   }
   for (const char* text : {"", "1x", "&H", "&O8", "&O", "&HG", "&X1", "1 2", "--1", "\t \n", "2,5", "1.000,5",
