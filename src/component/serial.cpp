@@ -25,11 +25,12 @@
 
 namespace velk {
 
-link::Link Serial::link() {
+// Inline: in a shared library a call of an exported function takes longer than this one itself.
+inline link::Link Serial::link() {
   return {.settings = *this, .host = host_};
 }
 
-link::Memory Serial::memory() {
+inline link::Memory Serial::memory() {
   return link::Memory(link());
 }
 

@@ -1,5 +1,6 @@
 #include "link/tcp_frames.h"
 
+#include <algorithm>
 #include <array>
 
 #include "link/link.h"
@@ -33,8 +34,9 @@ Byte functionClass(Byte function) {
 
 template <std::size_t size>
 Bytes behind(const std::array<char, size>& header, std::string_view data) {
-  Bytes text(header.data(), size);
-  return text.append(data);
+  Bytes text(size + data.size(), '\0');
+  std::copy(data.begin(), data.end(), std::copy(header.begin(), header.end(), text.begin()));
+  return text;
 }
 
 Bytes one(Byte value) {

@@ -29,9 +29,12 @@ Bytes exchange(Link link, const TcpRequest& request) {
 
 std::string_view fetchWithin(platform::Host& host, Seconds longest) {
   platform::Socket& socket = host.socket();
-  await(host, longest, platform::Source::socket, platform::Messages::dispatched,
-        [&] { return socket.hasData() || socket.isDead(); });
-  return socket.hasData() ? socket.receive() : std::string_view();
+  bool arrived{};
+  await(host, longest, platform::Source::socket, platform::Messages::dispatched, [&] {
+    arrived = socket.hasData();
+    return arrived || socket.isDead();
+  });
+  return arrived ? socket.receive() : std::string_view();
 }
 
 Bytes tranceivTcp(Link link, const TcpRequest& request) {
