@@ -228,10 +228,9 @@ class Tests:
         self.quiet(["cmake", "-S", ROOT, "-B", self.tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None",
                     "-DCMAKE_CXX_FLAGS=-O0 -g0 -w", "-DVELK_TOGETHER=OFF"])
         self.quiet(["cmake", "--build", self.tree, "--target", "velk_tests"])
-        commands = json.load(open(os.path.join(self.tree, "compile_commands.json")))
-        self.commands = {os.path.relpath(c["file"], ROOT): shlex.split(c["command"]) for c in commands}
+        self.commands = self.read_commands()
         self.objects = {f: os.path.join(self.tree, c[c.index("-o") + 1]) for f, c in self.commands.items()}
-        self.linked = self.files_linked()
+        self.linked = sorted(self.objects, key=lambda f: (not f.startswith("src/"), f))
         self.dependents = self.read_dependents()
         self.suites = self.read_suites()
         chosen = {"*", *self.suites.values()}
@@ -251,13 +250,14 @@ class Tests:
         if done.returncode != 0:
             sys.exit(done.stdout[-4000:] + f"\nmutations: {command[0]} failed")
 
-    def files_linked(self):
-        """Sources of the test program: tests, and every library that it is linked with."""
+    def read_commands(self):
+        """How the sources of the test program are compiled: tests, and every library that it is linked with. A file
+        may be part of other programs, too."""
         query = subprocess.run(["ninja", "-C", self.tree, "-t", "inputs", "bin/velk_tests"], check=True,
-                               capture_output=True, text=True).stdout.split("\n")
-        objects = {os.path.join(self.tree, line.strip()) for line in query if line.strip().endswith(".o")}
-        files = [f for f, o in self.objects.items() if o in objects]
-        return sorted(files, key=lambda f: (not f.startswith("src/"), f))
+                               capture_output=True, text=True).stdout.split()
+        commands = [(os.path.relpath(c["file"], ROOT), shlex.split(c["command"]))
+                    for c in json.load(open(os.path.join(self.tree, "compile_commands.json")))]
+        return {file: command for file, command in commands if command[command.index("-o") + 1] in query}
 
     def read_dependents(self):
         """For each header the files of src/ that see it, and the tests that mirror its folder: a default of an argument
