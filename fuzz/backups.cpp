@@ -14,10 +14,10 @@ std::string original() {
   cli::Backup backup{.begun = "2024-03-04 10:20:30", .link = "simulate:", .lines = {}, .modules = {}};
   for (const Byte page : {Byte{3}, Byte{5}, Byte{99}}) {
     for (const Byte offset : {Byte{0}, Byte{16}, Byte{240}}) {
-      backup.lines[{cli::Area::external, page, offset}] = Bytes(cli::lineSize, character(page + offset));
+      backup.lines[{link::Area::external, page, offset}] = Bytes(cli::lineSize, character(page + offset));
     }
   }
-  backup.lines[{cli::Area::highBlock, 10, 0}] = "Radio           ";
+  backup.lines[{link::Area::highBlock, 10, 0}] = "Radio           ";
   backup.modules.push_back(
       {.serial = "090500", .model = "M", .cpuType = 48, .firmware = "1.0", .record = "\1\2"});
   return textOf(backup);

@@ -38,7 +38,7 @@ void run(Input input) {
   const Byte dph = input.byte();
   const Byte dpl = input.byte();
   const bool isWrite = (input.byte() & 1) != 0;
-  const auto wanted = link::dataCount(link::commandByte(count, "V", isWrite));
+  const auto wanted = link::dataCount(link::readRequest(count, {}).command);
   faults = input;
 
   const auto start = bench.host.elapsed();

@@ -13,26 +13,36 @@ Byte statusOf(const Bytes& reply, std::size_t size) {
   return status == 0 && reply.size() < size + 1 ? Byte{link::noReply} : status;
 }
 
+/// The count as `ReadCom` and `WriteCom` take it, which holds the bank.
+Byte countFor(link::Address at, std::size_t count) {
+  constexpr std::size_t highBank = 128;
+  return static_cast<Byte>(isHighBank(at.area) ? highBank + count : count);
+}
+
+const char* directionOf(link::Address at) {
+  return isExternal(at.area) ? "V" : "H";
+}
+
 }  // namespace
 
-Bytes readTransfer(Serial& serial, const Transfer& transfer, const std::string& what) {
+Bytes readTransfer(Serial& serial, link::Address at, std::size_t count, const std::string& what) {
   Bytes reply;
   const auto read = [&] {
-    reply = serial.ReadCom(transfer.count, transfer.dph, transfer.dpl, transfer.direction);
-    return statusOf(reply, transfer.size());
+    reply = serial.ReadCom(countFor(at, count), at.high(), at.low(), directionOf(at));
+    return statusOf(reply, count);
   };
   expectDone(retry().read(read), "reading " + what);
   // More than was asked for is not what was asked for.
-  if (reply.size() != transfer.size() + 1) expectDone(100, "reading " + what);
+  if (reply.size() != count + 1) expectDone(100, "reading " + what);
   return reply.erase(0, 1);
 }
 
-void writeTransfer(Serial& serial, const Transfer& transfer, const Bytes& bytes, const std::string& what) {
+void writeTransfer(Serial& serial, link::Address at, const Bytes& bytes, const std::string& what) {
   const auto write = [&] {
-    return statusOf(serial.WriteCom(transfer.count, transfer.dph, transfer.dpl, transfer.direction, bytes),
+    return statusOf(serial.WriteCom(countFor(at, bytes.size()), at.high(), at.low(), directionOf(at), bytes),
                     0);
   };
-  expectDone(retry().write(write, [&] { return readTransfer(serial, transfer, what) == bytes; }),
+  expectDone(retry().write(write, [&] { return readTransfer(serial, at, bytes.size(), what) == bytes; }),
              "writing " + what);
 }
 

@@ -3,27 +3,15 @@
 #include <string>
 
 #include "component/serial.h"
+#include "link/address.h"
 
 namespace velk::cli {
 
-/// Bytes of the controller's memory, as the link addresses them.
-struct Transfer {
-  /// What the count has more in the high bank of the block area.
-  static constexpr Byte highBank = 128;
-
-  Byte count;  ///< 1 to 16, and `highBank`
-  Byte dph;
-  Byte dpl;
-  const char* direction;  ///< "V" the external memory, "H" the block area
-
-  /// How many bytes it moves.
-  [[nodiscard]] std::size_t size() const { return count % highBank; }
-};
-
-/// Reads them; what is lost on the way is asked again (see `Retry`). Throws `Failure` that names `what`.
-Bytes readTransfer(Serial& serial, const Transfer& transfer, const std::string& what);
+/// Reads 1 to 16 bytes of the controller's memory; what is lost on the way is asked again (see `Retry`).
+/// Throws `Failure` that names `what`.
+Bytes readTransfer(Serial& serial, link::Address at, std::size_t count, const std::string& what);
 
 /// Writes them, likewise.
-void writeTransfer(Serial& serial, const Transfer& transfer, const Bytes& bytes, const std::string& what);
+void writeTransfer(Serial& serial, link::Address at, const Bytes& bytes, const std::string& what);
 
 }  // namespace velk::cli

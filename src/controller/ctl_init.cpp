@@ -25,12 +25,8 @@ constexpr int seconds = 13;
 constexpr int settings = 3;  ///< the positions 1 to 3 are settings that can be written
 constexpr int kind = 6;
 
-constexpr Address firstSetting{.dph = 0x00, .dpl = 0x04};
-constexpr Address readSettings{.dph = 0x00, .dpl = 0x02};
-constexpr Address furtherBytes{.dph = 0x02, .dpl = 0x08};
-constexpr Address hold1{.dph = 0xFF, .dpl = 0xF7};
-constexpr Address hold2{.dph = 0xFF, .dpl = 0xF8};
-constexpr Address clockSeconds{.dph = 0xFF, .dpl = 0xF9};
+constexpr Address readSettings{.page = 0x00, .offset = 0x02};
+constexpr Address furtherBytes{.page = 0x02, .offset = 0x08};
 
 struct Bounds {
   Byte low = 0;
@@ -79,8 +75,8 @@ void checkWrite(const Positions& positions) {
 void writeClock(const Memory& memory, const Bytes& parameters) {
   constexpr std::size_t clockSize = 7;
   const auto set = [&](Address at, int value) { memory.write(at, Bytes(1, character(value))); };
-  set(hold1, 255);
-  set(hold2, 255);
+  set(clockHold, 255);
+  set(clockHold.next(), 255);
   // The last seven characters, not positions 7 to 13: a range that ends behind position 13 sets the clock
   // from its own end, and one of six characters is a run-time error with the clock held. Hosts know the block
   // so.
@@ -88,8 +84,8 @@ void writeClock(const Memory& memory, const Bytes& parameters) {
   for (std::size_t i = 1; i <= clockSize; ++i)
     clock += character(values::DECtoBCD(byteAt(parameters, parameters.size() - i)));
   memory.write(clockSeconds, clock);
-  set(hold2, 0);
-  set(hold1, 0);
+  set(clockHold.next(), 0);
+  set(clockHold, 0);
 }
 
 Byte write(const Memory& memory, const Positions& positions) {
@@ -104,8 +100,7 @@ Byte write(const Memory& memory, const Positions& positions) {
       positions.bytes.substr(0, static_cast<std::size_t>(std::max(0, settings - positions.offset)));
   // No positions, no transaction: a count of 0 would not mean none on the wire. Such a write ends with 99.
   if (!head.empty()) {
-    memory.write({.dph = firstSetting.dph, .dpl = static_cast<Byte>(firstSetting.dpl + positions.offset)},
-                 head);
+    memory.write(firstSetting.next(static_cast<std::size_t>(positions.offset)), head);
     result = 0;
   }
   if (coversClock) {
@@ -140,7 +135,7 @@ Bytes readHead(const Memory& memory, int offset, int end) {
 /// the clock and takes the hold bytes for clock values.
 Bytes readClock(const Memory& memory, Byte count, int end) {
   const Byte size = values::Minimum(static_cast<Byte>(end - kind), count);
-  const Bytes bytes = memory.read(size, {.dph = 0xFF, .dpl = static_cast<Byte>(262 - end)});
+  const Bytes bytes = memory.read(size, {.page = 0xFF, .offset = static_cast<Byte>(262 - end)});
   Bytes clock;
   std::transform(bytes.rbegin(), bytes.rend(), std::back_inserter(clock),
                  [](char bcd) { return character(decimalOfBcd(byteValue(bcd))); });

@@ -6,21 +6,12 @@
 namespace velk::controller {
 namespace {
 
-using link::Address;
 using link::Memory;
 using link::Stop;
 using values::IfSetBit;
 
 constexpr Byte lowestGroup = 129;
 constexpr Byte lowestParametrisedInput = 101;
-
-Address recordOf(const SoftLink& link) {
-  return {.dph = link.source, .dpl = static_cast<Byte>(31 + 2 * link.sub)};
-}
-
-Address flanksOf(const SoftLink& link) {
-  return {.dph = link.source, .dpl = 254};
-}
 
 Byte highFlankBit(const SoftLink& link) {
   return static_cast<Byte>(1 << (link.sub + 4));
@@ -32,7 +23,7 @@ Byte lowFlankBit(const SoftLink& link) {
 
 void read(const Memory& memory, const SoftLink& link) {
   constexpr Byte outputBit = 128;
-  const Bytes record = memory.read(2, recordOf(link));
+  const Bytes record = memory.read(2, linkRecord(link.source, link.sub));
   const Byte first = byteAt(record, 0);
   // An input link reads back as nothing, whatever it was written with.
   const bool isOutput = first >= outputBit;
@@ -42,21 +33,22 @@ void read(const Memory& memory, const SoftLink& link) {
   link.parameters1 = second / 16;
   link.parameters2 = second & 15;
   if (!isOutput) return;
-  const Byte flanks = byteAt(memory.read(1, flanksOf(link)), 0);
+  const Byte flanks = byteAt(memory.read(1, flanksOf(link.source)), 0);
   link.highFlank = (flanks & highFlankBit(link)) != 0;
   link.lowFlank = (flanks & lowFlankBit(link)) != 0;
 }
 
 void writeRecord(const Memory& memory, const SoftLink& link, int first, int second) {
-  memory.write(recordOf(link), Bytes{character(checkedByte(first)), character(checkedByte(second))});
+  memory.write(linkRecord(link.source, link.sub),
+               Bytes{character(checkedByte(first)), character(checkedByte(second))});
 }
 
 void writeFlanks(const Memory& memory, const SoftLink& link) {
-  int flanks = byteAt(memory.read(1, flanksOf(link)), 0);
+  int flanks = byteAt(memory.read(1, flanksOf(link.source)), 0);
   flanks &= ~(highFlankBit(link) | lowFlankBit(link));
   if (link.highFlank) flanks |= highFlankBit(link);
   if (link.lowFlank) flanks |= lowFlankBit(link);
-  memory.write(flanksOf(link), Bytes(1, character(flanks)));
+  memory.write(flanksOf(link.source), Bytes(1, character(flanks)));
 }
 
 void writeOutputLink(const Memory& memory, const SoftLink& link) {

@@ -24,7 +24,7 @@ std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address);
 /// Where the controller marks an output of mode 4 as "RO", by holding the output's own address: a table of
 /// one byte per output that grows downwards from 0x10FF.
 constexpr link::Address rollerMarker(Byte address) {
-  return {.dph = 0x10, .dpl = static_cast<Byte>(255 - address)};
+  return {.page = 0x10, .offset = static_cast<Byte>(255 - address)};
 }
 
 }  // namespace velk::controller

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "link/address.h"
 #include "link/settings.h"
 #include "values/bytes.h"
 
@@ -15,7 +16,7 @@ enum CommandBit : Byte {
   shortReply = 16,    ///< the reply is a status alone, as for a write
   externalArea = 32,  ///< direction "V"
   write = 64,
-  highBank = 128,  ///< byte counts of 128 and above
+  highBank = 128,
 };
 
 /// Instructions of fast-mode frames.
@@ -30,10 +31,19 @@ struct Request {
   Byte instruction = memoryAccess;  ///< of a fast-mode frame
 };
 
-/// The command byte for a byte count and a direction letter. Only "V" reaches the external area; a count of 0
-/// means 16 bytes, and counts above 16 wrap, so that 17 transfers 1 byte and 144 transfers 16 in the high
-/// bank.
-Byte commandByte(Byte count, std::string_view direction, bool isWrite);
+/// The area that `ReadCom` and `WriteCom` reach with a byte count and a direction letter: only "V" means the
+/// external ones, and counts of 128 and above the high bank.
+Area areaOf(Byte count, std::string_view direction);
+
+/// The area that a command byte selects.
+Area areaOf(Byte command);
+
+/// The request that reads `count` bytes. A count of 0 means 16 bytes, and counts above 16 wrap: 17 transfers
+/// 1 byte, 128 and 144 transfer 16.
+Request readRequest(Byte count, Address at);
+
+/// The request that writes them. The length of `data` is not checked against `count`.
+Request writeRequest(Byte count, Address at, std::string_view data);
 
 /// The number of data bytes that a command byte asks for, 1 to 16.
 constexpr std::size_t dataCount(Byte command) {

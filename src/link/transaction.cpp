@@ -14,14 +14,12 @@ Bytes tranCeiv(Link link, const Request& request, Byte attempts) {
 }
 
 Bytes readCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, Byte attempts) {
-  return tranCeiv(link, {.command = commandByte(count, direction, false), .dph = dph, .dpl = dpl, .data = {}},
-                  attempts);
+  return tranCeiv(link, readRequest(count, addressAt(areaOf(count, direction), dph, dpl)), attempts);
 }
 
 Bytes writeCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, std::string_view data,
                Byte attempts) {
-  return tranCeiv(
-      link, {.command = commandByte(count, direction, true), .dph = dph, .dpl = dpl, .data = data}, attempts);
+  return tranCeiv(link, writeRequest(count, addressAt(areaOf(count, direction), dph, dpl), data), attempts);
 }
 
 }  // namespace velk::link

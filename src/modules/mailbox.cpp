@@ -9,13 +9,11 @@ namespace velk::modules {
 namespace {
 
 using link::Address;
-using link::Area;
 
-constexpr Address triggerByte{.dph = 0x00, .dpl = 0x00};
-constexpr Address headerPlace{.dph = 0x00, .dpl = 0x0A};
-constexpr Address dataPlace{.dph = 0x00, .dpl = 0x10};
-constexpr Byte longRecordPage = 26;
-constexpr Byte highBank = 128;
+constexpr Address triggerByte{.page = 0, .offset = 0x00};
+constexpr Address headerPlace{.page = 0, .offset = 0x0A};
+constexpr Address dataPlace{.page = 0, .offset = 0x10};
+constexpr Address longRecordBuffer{.area = link::Area::highBlock, .page = 26, .offset = 0};
 constexpr Byte requestMarker = 222;
 constexpr std::size_t paddedHeader = 16;
 
@@ -70,7 +68,7 @@ Exchange Mailbox::run(const Timing& timing) const {
 }
 
 Bytes Mailbox::get(Byte count, Byte offset) const {
-  return memory_.read(count, {.dph = dataPlace.dph, .dpl = static_cast<Byte>(dataPlace.dpl + offset)});
+  return memory_.read(count, dataPlace.next(offset));
 }
 
 void Mailbox::pause(Seconds time) const {
@@ -81,14 +79,12 @@ void Mailbox::putLong(std::string_view record, LastBlock lastBlock) const {
   for (std::size_t position = 0; position < record.size(); position += pieceSize) {
     Bytes block(slice(record, position, pieceSize));
     if (lastBlock == LastBlock::padded) block.resize(pieceSize, '\0');
-    const auto count = static_cast<Byte>(highBank + block.size());
-    memory_.write(count, {.dph = checkedByte(static_cast<long>(position)), .dpl = longRecordPage}, block,
-                  Area::block);
+    memory_.write(longRecordBuffer.next(checkedByte(static_cast<long>(position))), block);
   }
 }
 
 Bytes Mailbox::getLong(Byte position) const {
-  return memory_.read(highBank + pieceSize, {.dph = position, .dpl = longRecordPage}, Area::block);
+  return memory_.read(pieceSize, longRecordBuffer.next(position));
 }
 
 /// Reads a byte again and again until it is 0 or the time is up. A reading takes its time on the link, so

@@ -7,11 +7,10 @@ namespace velk::parameters {
 Byte Ctl_IRText(const link::Memory& memory, std::string_view readOrWrite, Byte number,
                 std::string_view text) {
   constexpr Byte lastText = 63;
-  constexpr Byte blockOf16 = 144;
   // The controller has no way to read these texts: the request is accepted and nothing is done.
   if (controller::isRead(readOrWrite)) return 99;
   if (number > lastText) throw link::Stop{103};
-  memory.write(blockOf16, infraredText(number), padded(text, 16), link::Area::block);
+  memory.write(infraredText(number), padded(text, 16));
   return 0;
 }
 

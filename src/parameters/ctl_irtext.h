@@ -12,7 +12,9 @@ Byte Ctl_IRText(const link::Memory& memory, std::string_view readOrWrite, Byte n
 
 /// Where an infrared text lies, in the block area's high bank: sixteen texts to a page from page 10 on.
 constexpr link::Address infraredText(Byte number) {
-  return {.dph = static_cast<Byte>(number % 16 * 16), .dpl = static_cast<Byte>(number / 16 + 10)};
+  return {.area = link::Area::highBlock,
+          .page = static_cast<Byte>(number / 16 + 10),
+          .offset = static_cast<Byte>(number % 16 * 16)};
 }
 
 }  // namespace velk::parameters

@@ -6,7 +6,7 @@ namespace velk::parameters {
 
 void Image::fetch(const Run& run) {
   if (run.size == 0) return;
-  pieces_.at(count_++) = {run, memory_.read(run.size, addressOf(output_, run.area, run.at), run.area)};
+  pieces_.at(count_++) = {run, memory_.read(run.size, addressOf(output_, run.area, run.at))};
 }
 
 Byte Image::at(Area area, Byte offset) const {

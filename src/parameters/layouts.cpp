@@ -243,9 +243,8 @@ std::span<const Layout> layouts() {
 }
 
 link::Address addressOf(Byte output, Area area, Byte at) {
-  if (area == Area::external) return {.dph = output, .dpl = at};
-  const link::Address block = blockOf(output);
-  return {.dph = static_cast<Byte>(block.dph + at), .dpl = block.dpl};
+  if (area == Area::external) return {.page = output, .offset = at};
+  return blockOf(output).next(at);
 }
 
 Range resolveRange(const Layout& layout, Byte offset, std::int16_t& count) {

@@ -54,7 +54,9 @@ constexpr Run furtherByte{.at = 56, .size = 1};
 
 /// The 16 bytes that an output owns in the block area. All outputs together fill the pages 247 to 253.
 constexpr link::Address blockOf(Byte address) {
-  return {.dph = static_cast<Byte>(address % 16 * 16), .dpl = static_cast<Byte>(247 + address / 16)};
+  return {.area = link::Area::block,
+          .page = static_cast<Byte>(247 + address / 16),
+          .offset = static_cast<Byte>(address % 16 * 16)};
 }
 
 /// The layout of a mode code; none for an unknown code.

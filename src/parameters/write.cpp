@@ -102,7 +102,7 @@ void store(const Memory& memory, Byte output, const std::vector<Change>& changes
   forEachRun(changes, [&](auto first, auto last) {
     Bytes bytes;
     std::for_each(first, last, [&](const Change& c) { bytes += character(c.value); });
-    memory.write(addressOf(output, first->area, first->at), bytes, first->area);
+    memory.write(addressOf(output, first->area, first->at), bytes);
   });
 }
 
@@ -127,7 +127,7 @@ void mark(const Memory& memory, Byte output, bool roller) {
 }
 
 void storeMode(const Memory& memory, Byte output, Byte number) {
-  memory.write({.dph = output, .dpl = modeOffset}, Bytes(1, character(number)));
+  memory.write({.page = output, .offset = modeOffset}, Bytes(1, character(number)));
 }
 
 /// Two outputs are the system's own: 1 holds the remote controls and 2 the signals, and neither takes any
@@ -141,7 +141,7 @@ bool isReserved(Byte output, std::string_view mode) {
 void writeOutput(const Memory& memory, const OutputAccess& access) {
   const Byte number = controller::ModeToNr(access.mode);
   if (number == 0 || isReserved(access.address, access.mode)) throw Stop{111};
-  const Byte old = byteAt(memory.read(1, {.dph = access.address, .dpl = modeOffset}), 0);
+  const Byte old = byteAt(memory.read(1, {.page = access.address, .offset = modeOffset}), 0);
   if (access.count == 0 && !layouts()[number - 1U].itemsWithoutCount) {
     storeMode(memory, access.address, number);
     return;

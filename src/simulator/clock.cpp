@@ -13,11 +13,11 @@ constexpr Byte page = 255;
 constexpr Byte firstHold = 247;
 constexpr int century = 2000;
 
-/// The bytes by their low addresses.
+/// The bytes by their offsets.
 enum Field : Byte { second = 249, minute, hour, weekday, day, month, year };
 
-Byte& at(Store& store, Byte dpl) {
-  return store[{.memory = Memory::external, .dph = page, .dpl = dpl}];
+Byte& at(Store& store, Byte offset) {
+  return store[{.page = page, .offset = offset}];
 }
 
 bool isHeld(Store& store) {
@@ -62,8 +62,8 @@ void addSeconds(Store& store, seconds passed) {
 
 }  // namespace
 
-bool Clock::covers(Place place) const {
-  return place.memory == Memory::external && place.dph == page && place.dpl >= firstHold;
+bool Clock::covers(Address byte) const {
+  return byte.area == Area::external && byte.page == page && byte.offset >= firstHold;
 }
 
 void Clock::beforeRead(Store& store, const Transfer& /*transfer*/) {

@@ -17,7 +17,7 @@ class Clock final : public Device {
 
   explicit Clock(Time time) : time_(std::move(time)), last_(time_()) {}
 
-  [[nodiscard]] bool covers(Place place) const override;
+  [[nodiscard]] bool covers(Address byte) const override;
   void beforeRead(Store& store, const Transfer& transfer) override;
   void beforeWrite(Store& store, const Transfer& transfer) override;
 

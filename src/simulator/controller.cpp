@@ -6,17 +6,17 @@ namespace velk::simulator {
 namespace {
 
 template <class Test>
-bool anyPlace(const Transfer& transfer, Test test) {
+bool anyByte(const Transfer& transfer, Test test) {
   for (std::size_t i = 0; i < transfer.count; ++i) {
-    if (test(after(transfer.first, i))) return true;
+    if (test(transfer.first.next(i))) return true;
   }
   return false;
 }
 
 }  // namespace
 
-bool Transfer::covers(Place place) const {
-  return anyPlace(*this, [place](Place touched) { return touched == place; });
+bool Transfer::covers(Address at) const {
+  return anyByte(*this, [at](Address touched) { return touched == at; });
 }
 
 Reply refusal(const link::Request& request, Byte status) {
@@ -25,7 +25,7 @@ Reply refusal(const link::Request& request, Byte status) {
 }
 
 Reply Controller::answer(const link::Request& request) {
-  const Place first{.memory = memoryOf(request.command), .dph = request.dph, .dpl = request.dpl};
+  const Address first = addressAt(link::areaOf(request.command), request.dph, request.dpl);
   const std::size_t count = link::dataCount(request.command);
   const Transfer transfer{.first = first, .count = count};
   const bool isWrite = (request.command & link::write) != 0;
@@ -57,7 +57,7 @@ Store Controller::snapshot() const {
 std::vector<Device*> Controller::devicesIn(const Transfer& transfer) const {
   std::vector<Device*> found;
   for (const auto& device : devices_) {
-    if (anyPlace(transfer, [&](Place place) { return device->covers(place); })) found.push_back(device.get());
+    if (anyByte(transfer, [&](Address at) { return device->covers(at); })) found.push_back(device.get());
   }
   return found;
 }

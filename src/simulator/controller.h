@@ -26,12 +26,12 @@ enum Status : Byte {
 /// The answer to a request that is not carried out: the status and as many zero bytes as were asked for.
 Reply refusal(const link::Request& request, Byte status);
 
-/// The places of one request.
+/// The bytes of one request.
 struct Transfer {
-  Place first;
+  Address first;
   std::size_t count;
 
-  [[nodiscard]] bool covers(Place place) const;
+  [[nodiscard]] bool covers(Address at) const;
 };
 
 /// Something that lives inside the memory, such as a clock or a mailbox. It is called with the controller
@@ -41,7 +41,7 @@ class Device {
   virtual ~Device() = default;
 
   /// Whether a byte belongs to the device.
-  [[nodiscard]] virtual bool covers(Place place) const = 0;
+  [[nodiscard]] virtual bool covers(Address at) const = 0;
 
   /// A transfer that touches the device is about to be read: the moment to bring the bytes up to date.
   virtual void beforeRead(Store& /*store*/, const Transfer& /*transfer*/) {}
@@ -51,7 +51,7 @@ class Device {
   virtual void afterWrite(Store& /*store*/, const Transfer& /*transfer*/) {}
 };
 
-/// The simulated controller: four memories, and the devices inside them. Safe for several threads.
+/// The simulated controller: four areas, and the devices inside them. Safe for several threads.
 class Controller {
  public:
   /// An empty controller.

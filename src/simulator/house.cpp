@@ -13,8 +13,8 @@ Bytes bytes(std::initializer_list<int> values) {
   return text;
 }
 
-Place at(int dph, int dpl, Memory memory = Memory::external) {
-  return {.memory = memory, .dph = static_cast<Byte>(dph), .dpl = static_cast<Byte>(dpl)};
+Address at(int page, int offset, Area area = Area::external) {
+  return {.area = area, .page = static_cast<Byte>(page), .offset = static_cast<Byte>(offset)};
 }
 
 constexpr std::size_t textLength = 16;
@@ -86,17 +86,17 @@ constexpr std::array presets{
     Preset{61, "Holiday", 60, 120, true, {{{11, 9, 9, 9}, {13, 8, 8, 8}, {0, 0, 0, 0}}}},
 };
 
-Place presetRecord(int number, int record) {
-  const int high = number <= 28 ? number * 4 + 12 : (number - 29) % 32 * 4 + 128;
-  const int low = record + (number <= 28 ? 55 : number <= 60 ? 0 : 99);
-  return at(high, low, Memory::block);
+Address presetRecord(int number, int record) {
+  const int offset = number <= 28 ? number * 4 + 12 : (number - 29) % 32 * 4 + 128;
+  const int page = record + (number <= 28 ? 55 : number <= 60 ? 0 : 99);
+  return at(page, offset, Area::block);
 }
 
 void putOutputs(Store& store) {
   for (const Output& output : outputs) {
     store[at(output.address, 1)] = output.mode;
     for (std::size_t i = 0; i < output.parameters.size(); ++i) {
-      store[after(at(output.address, 16), i)] = output.parameters.at(i);
+      store[at(output.address, 16).next(i)] = output.parameters.at(i);
     }
     store[at(output.address, 56)] = output.further;
     store.write(at(output.address, 64), padded(output.name, textLength));
@@ -148,17 +148,17 @@ void putSimulation(Store& store) {
   constexpr Byte endMark = 255;
   for (int weekday = 0; weekday < 7; ++weekday) {
     for (int hour = 0; hour < 24; ++hour) {
-      store[at(0, weekday * 36 + hour / 10 * 16 + hour % 10, Memory::highBlock)] = endMark;
+      store[at(weekday * 36 + hour / 10 * 16 + hour % 10, 0, Area::highBlock)] = endMark;
     }
   }
-  store.write(at(0, bcdOfEighteen, Memory::highBlock),
+  store.write(at(bcdOfEighteen, 0, Area::highBlock),
               bytes({0x15, 0x30, 3, 255, 2, 0x42, 0x05, 5, 0, 2, endMark}));
 }
 
 void putInfraredTexts(Store& store) {
   int entry = 0;
   for (const std::string_view text : {"Television", "Radio", "Projector"}) {
-    store.write(at(entry % 16 * 16, entry / 16 + 10, Memory::highBlock), padded(text, textLength));
+    store.write(at(entry / 16 + 10, entry % 16 * 16, Area::highBlock), padded(text, textLength));
     ++entry;
   }
 }

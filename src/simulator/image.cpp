@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view format = "velk-memory";
 constexpr int version = 1;
 constexpr std::size_t bytesInLine = 16;
-constexpr std::array<std::string_view, Store::memories> memoryNames{"H", "V", "H+", "V+"};
+constexpr std::array inTheirOrder{Area::block, Area::external, Area::highBlock, Area::highExternal};
 
 [[noreturn]] void fail(int line, const std::string& why) {
   throw ImageError("line " + std::to_string(line) + ": " + why);
@@ -42,32 +42,21 @@ void readLine(const std::string& text, int line, Store& store) {
   std::istringstream words(text);
   std::string word;
   words >> word;
-  const auto* const memory = std::find(memoryNames.begin(), memoryNames.end(), word);
-  if (memory == memoryNames.end()) fail(line, "there is no memory \"" + word + "\"");
+  const auto* const area = std::find(link::areaNames.begin(), link::areaNames.end(), word);
+  if (area == link::areaNames.end()) fail(line, "there is no memory \"" + word + "\"");
   if (!(words >> word)) fail(line, "the address is missing");
   const unsigned address = hexNumber(word, 4, line);
   Bytes bytes;
   while (words >> word) bytes += character(static_cast<int>(hexNumber(word, 2, line)));
   if (bytes.empty() || bytes.size() > bytesInLine) fail(line, "a line holds 1 to 16 bytes");
-  store.write({.memory = static_cast<Memory>(memory - memoryNames.begin()),
-               .dph = static_cast<Byte>(address >> 8),
-               .dpl = static_cast<Byte>(address)},
+  store.write(addressAt(static_cast<Area>(area - link::areaNames.begin()), static_cast<Byte>(address >> 8),
+                        static_cast<Byte>(address)),
               bytes);
 }
 
-/// The places where lines start: each byte of a memory lies in exactly one line.
-Place lineStart(Memory memory, std::size_t line) {
-  const auto page = static_cast<Byte>(line / bytesInLine);
-  const auto position = static_cast<Byte>(line % bytesInLine * bytesInLine);
-  const Byte first = isExternal(memory) ? page : position;
-  const Byte second = isExternal(memory) ? position : page;
-  return {.memory = memory, .dph = first, .dpl = second};
-}
-
-void writeLine(std::ostream& out, Place place, const Bytes& bytes) {
-  out << std::left << std::setfill(' ') << std::setw(2)
-      << memoryNames.at(static_cast<std::size_t>(place.memory)) << ' ' << std::right << std::setfill('0')
-      << std::setw(2) << int{place.dph} << std::setw(2) << int{place.dpl};
+void writeLine(std::ostream& out, Address at, const Bytes& bytes) {
+  out << std::left << std::setfill(' ') << std::setw(2) << nameOf(at.area) << ' ' << std::right
+      << std::setfill('0') << std::setw(2) << int{at.high()} << std::setw(2) << int{at.low()};
   for (const char c : bytes) out << ' ' << std::setw(2) << int{byteValue(c)};
   out << '\n';
 }
@@ -89,13 +78,15 @@ Store readImage(std::istream& in) {
 }
 
 void writeImage(std::ostream& out, const Store& store) {
-  constexpr std::size_t lines = Store::memorySize / bytesInLine;
+  constexpr std::size_t lines = Store::areaSize / bytesInLine;
   out << format << ' ' << version << '\n' << std::hex << std::uppercase;
-  for (std::size_t memory = 0; memory < Store::memories; ++memory) {
+  for (const Area area : inTheirOrder) {
     for (std::size_t line = 0; line < lines; ++line) {
-      const Place place = lineStart(static_cast<Memory>(memory), line);
-      const Bytes bytes = store.read(place, bytesInLine);
-      if (bytes.find_first_not_of('\0') != Bytes::npos) writeLine(out, place, bytes);
+      const Address at{.area = area,
+                       .page = static_cast<Byte>(line / bytesInLine),
+                       .offset = static_cast<Byte>(line % bytesInLine * bytesInLine)};
+      const Bytes bytes = store.read(at, bytesInLine);
+      if (bytes.find_first_not_of('\0') != Bytes::npos) writeLine(out, at, bytes);
     }
   }
   out << "end\n";

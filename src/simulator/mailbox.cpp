@@ -8,11 +8,11 @@
 namespace velk::simulator {
 namespace {
 
-constexpr Place triggerPlace{.dph = 0, .dpl = 0};
-constexpr Place headerPlace{.dph = 0, .dpl = 0x0A};
-constexpr Place numberPlace{.dph = 0, .dpl = 0x0B};
-constexpr Place dataPlace{.dph = 0, .dpl = 0x10};
-constexpr Place longBuffer{.memory = Memory::highBlock, .dph = 0, .dpl = 26};
+constexpr Address triggerPlace{.page = 0, .offset = 0};
+constexpr Address headerPlace{.page = 0, .offset = 0x0A};
+constexpr Address numberPlace{.page = 0, .offset = 0x0B};
+constexpr Address dataPlace{.page = 0, .offset = 0x10};
+constexpr Address longBuffer{.area = Area::highBlock, .page = 26, .offset = 0};
 constexpr Byte triggered = 255;
 constexpr Byte marker = 222;
 constexpr std::size_t headerSize = 5;
@@ -149,8 +149,8 @@ std::string describe(const ModuleRequest& request) {
 Mailbox::Mailbox(std::vector<Module> modules, Faults faults, Trace trace)
     : modules_(std::move(modules)), faults_(std::move(faults)), trace_(std::move(trace)) {}
 
-bool Mailbox::covers(Place place) const {
-  return place == triggerPlace || place == headerPlace;
+bool Mailbox::covers(Address at) const {
+  return at == triggerPlace || at == headerPlace;
 }
 
 void Mailbox::afterWrite(Store& store, const Transfer& transfer) {

@@ -56,7 +56,7 @@ class Mailbox final : public Device {
  public:
   Mailbox(std::vector<Module> modules, Faults faults, Trace trace);
 
-  [[nodiscard]] bool covers(Place place) const override;
+  [[nodiscard]] bool covers(Address at) const override;
   void beforeRead(Store& store, const Transfer& transfer) override;
   void afterWrite(Store& store, const Transfer& transfer) override;
 

@@ -11,9 +11,6 @@ namespace velk::simulator {
 /// Takes the lines of a trace. Sessions on several threads may call it at once.
 using Trace = std::function<void(const std::string& line)>;
 
-/// What lies at a place: "output 5, mode", "preset 3, text"; empty where nothing is known.
-std::string nameOf(Place place);
-
 /// One line for a request: "read  16 V 0510  output 5, parameters", "write 1 V 0501 05  output 5, mode".
 /// A "+" behind the direction letter marks the high bank.
 std::string describe(const link::Request& request);

@@ -3,8 +3,6 @@
 namespace velk::timed {
 namespace {
 
-using link::Address;
-using link::Area;
 using link::Memory;
 using link::Stop;
 
@@ -16,30 +14,8 @@ constexpr int shortestDelay = 5;
 constexpr int longestDelay = 200;
 constexpr int noDelay = 255;  ///< stored for a missing second delay
 
-// Four presets share the page of their delays and simulation flags.
-
-constexpr Byte timingPage(Byte number) {
-  return static_cast<Byte>((number - 1) / 4 + 102);
-}
-
-constexpr Address textOf(Byte number) {
-  return {.dph = static_cast<Byte>(number + 34), .dpl = 40};
-}
-
-constexpr Address delaysOf(Byte number) {
-  return {.dph = timingPage(number), .dpl = static_cast<Byte>((number - 1) % 4 * 2 + 8)};
-}
-
-constexpr Address flagsOf(Byte number) {
-  return {.dph = timingPage(number), .dpl = 18};
-}
-
 constexpr int flagOf(Byte number) {
   return 1 << ((number - 1) % 4);
-}
-
-Address recordOf(Byte number, Byte record) {
-  return {.dph = DPHPreset(number), .dpl = DPLPreset(number, record)};
 }
 
 bool isDelay(int delay) {
@@ -55,30 +31,31 @@ void checkWrite(const PresetAccess& p) {
 
 void write(const Memory& memory, const PresetAccess& p) {
   checkWrite(p);
-  memory.write(textOf(p.number), p.text);
+  memory.write(presetText(p.number), p.text);
   for (Byte i = firstRecord; i <= p.lastRecord; ++i) {
     const std::string_view record =
         slice(p.data, std::size_t{presetRecordSize} * (i - firstRecord), presetRecordSize);
     // A byte of value 1 marks a record that is to stay as it is in the controller.
     if (record.find('\x01') != std::string_view::npos) continue;
-    memory.write(recordOf(p.number, i), record, Area::block);
+    memory.write(presetRecord(p.number, i), record);
   }
-  memory.write(delaysOf(p.number), Bytes{character(p.delay1), character(p.delay2 == 0 ? noDelay : p.delay2)});
-  const int others = byteAt(memory.read(1, flagsOf(p.number)), 0) & ~flagOf(p.number);
-  memory.write(flagsOf(p.number),
+  memory.write(presetDelays(p.number),
+               Bytes{character(p.delay1), character(p.delay2 == 0 ? noDelay : p.delay2)});
+  const int others = byteAt(memory.read(1, presetFlags(p.number)), 0) & ~flagOf(p.number);
+  memory.write(presetFlags(p.number),
                Bytes(1, character(p.simulation != 0 ? others | flagOf(p.number) : others)));
 }
 
 void read(const Memory& memory, const PresetAccess& p) {
   p.data.clear();
-  p.text = memory.read(textSize, textOf(p.number));
+  p.text = memory.read(textSize, presetText(p.number));
   for (Byte i = firstRecord; i <= p.lastRecord; ++i)
-    p.data += memory.read(presetRecordSize, recordOf(p.number, i), Area::block);
-  const Bytes delays = memory.read(2, delaysOf(p.number));
+    p.data += memory.read(presetRecordSize, presetRecord(p.number, i));
+  const Bytes delays = memory.read(2, presetDelays(p.number));
   p.delay1 = byteAt(delays, 0);
   p.delay2 = byteAt(delays, 1);
   if (p.delay1 + p.delay2 >= noDelay) p.delay2 = 0;
-  const int flags = byteAt(memory.read(1, flagsOf(p.number)), 0);
+  const int flags = byteAt(memory.read(1, presetFlags(p.number)), 0);
   p.simulation = (flags & flagOf(p.number)) != 0 ? 255 : 0;
 }
 
@@ -94,6 +71,10 @@ Byte DPLPreset(Byte presetNr, Byte adres) {
   if (presetNr == 0 || presetNr > lastPreset) return 0;
   const int base = presetNr <= 28 ? 55 : presetNr <= 60 ? 0 : 99;
   return checkedByte(adres + base);
+}
+
+link::Address presetRecord(Byte preset, Byte record) {
+  return {.area = link::Area::block, .page = DPLPreset(preset, record), .offset = DPHPreset(preset)};
 }
 
 void Preset(const Memory& memory, std::string_view readOrWrite, const PresetAccess& preset) {

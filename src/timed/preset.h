@@ -17,6 +17,25 @@ Byte DPHPreset(Byte presetNr);
 /// not fit a byte.
 Byte DPLPreset(Byte presetNr, Byte adres);
 
+/// Where a record of a preset lies, 3 to 99. Run-time error 6 as above.
+link::Address presetRecord(Byte preset, Byte record);
+
+/// Where the text of a preset lies.
+constexpr link::Address presetText(Byte preset) {
+  return {.page = static_cast<Byte>(preset + 34), .offset = 40};
+}
+
+/// Where its two delays lie. Four presets share a page.
+constexpr link::Address presetDelays(Byte preset) {
+  return {.page = static_cast<Byte>((preset - 1) / 4 + 102),
+          .offset = static_cast<Byte>((preset - 1) % 4 * 2 + 8)};
+}
+
+/// Where its simulation flag lies, in a byte of the four.
+constexpr link::Address presetFlags(Byte preset) {
+  return {.page = presetDelays(preset).page, .offset = 18};
+}
+
 /// One preset, as `Preset` hands it in and out.
 struct PresetAccess {
   Byte number;

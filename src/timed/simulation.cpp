@@ -7,20 +7,19 @@ namespace velk::timed {
 namespace {
 
 using link::Address;
-using link::Area;
 using link::Memory;
 
 constexpr std::size_t eventSize = 5;
 constexpr std::size_t blockSize = 16;
-constexpr Byte highBank = 128;
 constexpr std::size_t slotSize = 256;
 constexpr char endMark = '\xFF';
 
-Address blockOf(Byte slot, std::size_t offset) {
-  return {.dph = checkedByte(static_cast<long>(offset)), .dpl = slot};
+/// Run-time error 6 behind the end of the page.
+Address blockAt(Address list, std::size_t offset) {
+  return list.next(checkedByte(static_cast<long>(offset)));
 }
 
-void write(const Memory& memory, Byte slot, Bytes& data) {
+void write(const Memory& memory, Address list, Bytes& data) {
   // The caller's own text is converted and closed: it comes back as it lies in the controller.
   for (std::size_t start = 0; start < data.size(); start += eventSize) {
     for (const std::size_t i : {start, start + 1}) {
@@ -30,8 +29,7 @@ void write(const Memory& memory, Byte slot, Bytes& data) {
   }
   if (data.size() < slotSize - 1) data += endMark;
   for (std::size_t offset = 0; offset < data.size(); offset += blockSize) {
-    const std::string_view block = slice(data, offset, blockSize);
-    memory.write(static_cast<Byte>(highBank + block.size()), blockOf(slot, offset), block, Area::block);
+    memory.write(blockAt(list, offset), slice(data, offset, blockSize));
   }
 }
 
@@ -46,11 +44,11 @@ bool cutAtEndMark(Bytes& list) {
   return false;
 }
 
-void read(const Memory& memory, Byte slot, Bytes& data) {
+void read(const Memory& memory, Address first, Bytes& data) {
   Bytes list;
   bool ended = false;
   for (std::size_t offset = 0; offset < slotSize && !ended; offset += blockSize) {
-    list += memory.read(highBank + blockSize, blockOf(slot, offset), Area::block);
+    list += memory.read(blockSize, blockAt(first, offset));
     ended = cutAtEndMark(list);
   }
   data = modules::ConvertSim(list);
@@ -59,13 +57,11 @@ void read(const Memory& memory, Byte slot, Bytes& data) {
 }  // namespace
 
 void Simulation(const Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour, Bytes& data) {
-  constexpr Byte slotsPerDay = 36;
   if (weekday > 6 || hour > 23) throw link::Stop{105};
-  const auto slot = static_cast<Byte>(weekday * slotsPerDay + values::DECtoBCD(hour));
   if (readOrWrite == "R") {
-    read(memory, slot, data);
+    read(memory, eventList(weekday, hour), data);
   } else {
-    write(memory, slot, data);
+    write(memory, eventList(weekday, hour), data);
   }
 }
 

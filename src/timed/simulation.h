@@ -7,6 +7,13 @@
 
 namespace velk::timed {
 
+/// Where the list of events of a weekday (0 for Monday) and hour begins; it has a page of its own.
+constexpr link::Address eventList(Byte weekday, Byte hour) {
+  constexpr int slotsOfDay = 36;
+  const int bcd = hour / 10 * 16 + hour % 10;
+  return {.area = link::Area::highBlock, .page = static_cast<Byte>(weekday * slotsOfDay + bcd), .offset = 0};
+}
+
 /// Reads or writes the recorded events of one weekday and hour. Ends normally for result 0, throws `Stop` for
 /// any other. On a write `data` comes back as it was stored.
 void Simulation(const link::Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour,

@@ -2,6 +2,7 @@
 
 #include "values/helpers.h"
 #include "values/numbers.h"
+#include "values/runtime_error.h"
 
 namespace velk::timed {
 namespace {
@@ -11,7 +12,6 @@ using link::Memory;
 using link::Stop;
 using values::DECtoBCD;
 
-constexpr int firstOffset = 200;
 constexpr Byte actionFlag = 128;  ///< in the day byte: the block holds one two-byte action
 constexpr Byte dayMask = 127;
 constexpr Byte lowestAction = 101;
@@ -22,8 +22,10 @@ constexpr std::size_t entrySize = 3;
 
 /// The place `offset` bytes into the block; run-time error 6 when it lies outside the pages or the page.
 Address placeIn(const SwitchTimeAccess& access, std::size_t offset) {
-  return {.dph = checkedByte(access.block + 128),
-          .dpl = checkedByte(firstOffset + static_cast<long>(offset))};
+  if (access.block > lastSwitchTime) throw RuntimeError(RuntimeError::overflow);
+  Address at = switchTimeBlock(access.block);
+  at.offset = checkedByte(at.offset + static_cast<long>(offset));
+  return at;
 }
 
 Bytes header(const SwitchTimeAccess& access, int days) {

@@ -233,7 +233,7 @@ TEST(ModuleTest, LongRecordIsWritten) {
   Record record{.data = data};
   EXPECT_EQ(house.write("700100", record), 0);
   EXPECT_EQ(record, (Record{.data = data, .offset = 1}));
-  EXPECT_EQ(house.memoryAt(0, 26, 128, simulator::Memory::highBlock),
+  EXPECT_EQ(house.memoryAt(0, 26, 128, link::Area::highBlock),
             "front..." + masks + counted(80) + Bytes(16, '\0'));
   EXPECT_EQ(house.requests.size(), 5U + 7 + 3) << "identification, blocks, exchange";
   EXPECT_EQ(last(house.requests, 3),

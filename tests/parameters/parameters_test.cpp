@@ -30,7 +30,7 @@ class CtlParam : public WatchedHouse {
     for (int offset = 0; offset < 60; ++offset) page += character(offset);
     setMemory(50, 0, page.replace(16, 1, "\x95").replace(18, 1, "\x5B").replace(1, 1, 1, character(number)));
     setMemory(0x10, 255 - 50, bytes({roller ? 50 : 6}));
-    setMemory(32, 250, "defghijklmnopqrs", simulator::Memory::block);
+    setMemory(32, 250, "defghijklmnopqrs", link::Area::block);
   }
 
   Byte result = 0;

@@ -18,10 +18,8 @@ class ClockTest : public testing::Test {
 
   Bytes read() { return controller.answer({.command = 0x26, .dph = 255, .dpl = 249}).data; }
   void write(int dpl, const Bytes& data) {
-    controller.answer({.command = link::commandByte(static_cast<Byte>(data.size()), "V", true),
-                       .dph = 255,
-                       .dpl = static_cast<Byte>(dpl),
-                       .data = data});
+    controller.answer(link::writeRequest(static_cast<Byte>(data.size()),
+                                         {.page = 255, .offset = static_cast<Byte>(dpl)}, data));
   }
 
   std::chrono::nanoseconds now = 1000s;

@@ -43,13 +43,13 @@ TEST(ControllerTest, RefusesDataThatDoNotFitTheCount) {
 /// Counts its reads in its byte, and doubles what is written to it.
 class Counter final : public Device {
  public:
-  [[nodiscard]] bool covers(Place place) const override { return place == cell; }
+  [[nodiscard]] bool covers(Address place) const override { return place == cell; }
   void beforeRead(Store& store, const Transfer& /*all*/) override { ++store[cell]; }
   void afterWrite(Store& store, const Transfer& /*all*/) override {
     store[cell] = static_cast<Byte>(store[cell] * 2);
   }
 
-  static constexpr Place cell{.dph = 2, .dpl = 0};
+  static constexpr Address cell{.page = 2, .offset = 0};
 };
 
 TEST(ControllerTest, CallsDevicesThatATransferTouches) {

@@ -28,7 +28,7 @@ class Rehearsal {
   Bytes write(Byte attempts) { return serial.WriteCom(2, 5, 0x10, "V", "\x33\x44", attempts); }
   [[nodiscard]] Bytes stored() const { return controller->snapshot().read(place, 2); }
 
-  static constexpr Place place{.dph = 5, .dpl = 0x10};
+  static constexpr Address place{.page = 5, .offset = 0x10};
   std::unique_ptr<Controller> controller;
   LoopbackHost host;
   Serial serial{host};

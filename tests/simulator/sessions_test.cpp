@@ -17,7 +17,7 @@ class SessionTest : public testing::Test {
  protected:
   SessionTest() {
     Store store;
-    store.write({.dph = 5, .dpl = 0x10}, bytes({0x11, 0x22}));
+    store.write({.page = 5, .offset = 0x10}, bytes({0x11, 0x22}));
     controller = std::make_unique<Controller>(store);
     restart({});
   }
@@ -57,7 +57,7 @@ TEST_F(EchoSessionTest, EchoesEachByteAndRepliesBehindTheLast) {
   // A write is longer by its data; its reply is the status alone.
   EXPECT_EQ(send(bytes({'*', 0x61, 5, 0x10, 7})), bytes({'*', 0x61, 5, 0x10, 7}));
   EXPECT_EQ(send("\x08"), bytes({8, 0}));
-  EXPECT_EQ(controller->snapshot().read({.dph = 5, .dpl = 0x10}, 2), "\x07\x08");
+  EXPECT_EQ(controller->snapshot().read({.page = 5, .offset = 0x10}, 2), "\x07\x08");
   // A short reply, and noise in front of a request: both are echoed, neither disturbs.
   EXPECT_EQ(send("x*\x31\x05\x10"), bytes({'x', '*', 0x31, 5, 0x10, 0}));
 }
@@ -88,7 +88,7 @@ TEST_F(FastSessionTest, AnswersWholeFramesAndRepeatsTheirHeader) {
   // The data of a write may look like the ends of frames.
   EXPECT_EQ(sendInPieces(bytes({'*', 2, 2, 0x61, 5, 0x10, '#', '*', '#'})),
             bytes({'*', 2, 2, 0x61, 5, 0x10, 0, '#'}));
-  EXPECT_EQ(controller->snapshot().read({.dph = 5, .dpl = 0x10}, 2), "#*");
+  EXPECT_EQ(controller->snapshot().read({.page = 5, .offset = 0x10}, 2), "#*");
   EXPECT_EQ(send(bytes({'*', 0, 9, 8, '#'})), bytes({'*', 0, 9, 8, '#'}));
 }
 
@@ -134,7 +134,7 @@ TEST_F(EthernetQTest, ServesMemoryOnlyAfterTheLogin) {
   EXPECT_EQ(send("noiseVEL" + read + read),
             replyQ(255, {0, 3, 0, 0x11, 0x22}) + replyQ(255, {0, 3, 0, 0x11, 0x22}));
   EXPECT_EQ(send(requestQ(255, bytes({'/', 2, 0x60, 5, 0x10, 9}))), replyQ(255, {0, 1, 0}));
-  EXPECT_EQ(controller->snapshot()[(Place{.dph = 5, .dpl = 0x10})], 9);
+  EXPECT_EQ(controller->snapshot()[(Address{.page = 5, .offset = 0x10})], 9);
   EXPECT_EQ(send(requestQ(241, {})), replyQ(241, {0, 0}));
   EXPECT_EQ(send(read), replyQ(255, {0, 3, 0, 9, 0x22})) << "function 241 changes nothing";
 }

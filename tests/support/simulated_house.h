@@ -50,20 +50,14 @@ class SimulatedHouse : public testing::Test {
   void openWith(const std::string& fault) { open(LinkKind::ethernetQ, {fault}); }
 
   [[nodiscard]] Bytes memoryAt(int dph, int dpl, std::size_t count,
-                               simulator::Memory memory = simulator::Memory::external) const {
-    return controller.snapshot().read({memory, static_cast<Byte>(dph), static_cast<Byte>(dpl)}, count);
+                               link::Area area = link::Area::external) const {
+    return controller.snapshot().read(addressAt(area, static_cast<Byte>(dph), static_cast<Byte>(dpl)), count);
   }
 
-  void setMemory(int dph, int dpl, const Bytes& data,
-                 simulator::Memory memory = simulator::Memory::external) {
-    const bool high = memory >= simulator::Memory::highBlock;
-    for (std::size_t i = 0; i < data.size(); ++i) {
-      const auto place = simulator::after({memory, static_cast<Byte>(dph), static_cast<Byte>(dpl)}, i);
-      controller.answer({.command = static_cast<Byte>(link::write | (simulator::isExternal(memory) ? 32 : 0) |
-                                                      (high ? 128 : 0)),
-                         .dph = place.dph,
-                         .dpl = place.dpl,
-                         .data = std::string_view(data).substr(i, 1)});
+  void setMemory(int dph, int dpl, const Bytes& data, link::Area area = link::Area::external) {
+    link::Address at = addressAt(area, static_cast<Byte>(dph), static_cast<Byte>(dpl));
+    for (std::size_t i = 0; i < data.size(); ++i, at = at.next()) {
+      controller.answer(link::writeRequest(1, at, std::string_view(data).substr(i, 1)));
     }
   }
 

@@ -111,7 +111,7 @@ TEST_F(SimulationRecords, ListsOfEveryLength) {
   for (int i = 0; i < 51; ++i) records += bytes({i, 59, 255, 0, 7});
   for (const auto& [size, stored, lastWrite, reads] : rows) {
     SCOPED_TRACE(size);
-    setMemory(0, 251, Bytes(256, '\0'), simulator::Memory::highBlock);
+    setMemory(0, 251, Bytes(256, '\0'), link::Area::highBlock);
     requests.clear();
     Bytes data = records.substr(0, size);
     EXPECT_EQ(serial.Simulation("W", 6, 23, data), 0);
@@ -150,7 +150,7 @@ TEST_F(SimulationRecords, BadInput) {
   EXPECT_EQ(sent(), "");
   EXPECT_EQ(serial.Simulation("W", 0, 0, data = Bytes(300, '\x05')), 100) << "no page holds it";
   EXPECT_EQ(requests.size(), 16U);
-  setMemory(0, 0, bytes({0x1A, 0, 0, 0, 0, 255}), simulator::Memory::highBlock);
+  setMemory(0, 0, bytes({0x1A, 0, 0, 0, 0, 255}), link::Area::highBlock);
   EXPECT_EQ(serial.Simulation("R", 0, 0, data), 100) << "a stored time that is no BCD";
 }
 

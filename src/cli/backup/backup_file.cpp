@@ -16,25 +16,26 @@ constexpr const char* format = "velk-backup";
 constexpr int unverifiedVersion = 1;
 constexpr int version = 2;
 
+/// No configuration lies in the fourth.
+constexpr std::array areas{Area::external, Area::block, Area::highBlock};
+
 Json jsonOf(const Lines& lines) {
   Json json = Json::object();
-  for (const std::string_view name : areaNames) json[name] = Json::object();
-  for (const auto& [spot, bytes] : lines) {
-    json[areaOf(spot)][addressOf(spot)] = hex(bytes);
-  }
+  for (const Area area : areas) json[nameOf(area)] = Json::object();
+  for (const auto& [at, bytes] : lines) json[nameOf(at.area)][digitsOf(at)] = hex(bytes);
   return json;
 }
 
 Lines linesOf(const Json& json) {
   Lines lines;
-  for (std::size_t i = 0; i < areaNames.size(); ++i) {
-    for (const auto& [address, digits] : json.at(areaNames.at(i)).items()) {
+  for (const Area area : areas) {
+    for (const auto& [address, digits] : json.at(nameOf(area)).items()) {
       const Bytes at = bytesOfHex(address);
       const Bytes bytes = bytesOfHex(digits.get<std::string>());
       if (at.size() != 2 || byteAt(at, 1) % lineSize != 0 || bytes.size() != lineSize) {
         throw std::invalid_argument("the line \"" + address + "\" does not name 16 bytes");
       }
-      lines[{static_cast<Area>(i), byteAt(at, 0), byteAt(at, 1)}] = bytes;
+      lines[{area, byteAt(at, 0), byteAt(at, 1)}] = bytes;
     }
   }
   return lines;
@@ -134,24 +135,16 @@ std::string textOf(Condition condition) {
   return {};
 }
 
-Byte byteOf(const Lines& lines, Spot spot) {
-  const auto at = static_cast<std::size_t>(spot.offset % lineSize);
-  const auto found =
-      lines.find({spot.area, spot.page, static_cast<Byte>(spot.offset - spot.offset % lineSize)});
-  return found == lines.end() ? Byte{0} : byteAt(found->second, at);
+Byte byteOf(const Lines& lines, Address at) {
+  const auto index = static_cast<std::size_t>(at.offset % lineSize);
+  at.offset = static_cast<Byte>(at.offset - index);
+  const auto found = lines.find(at);
+  return found == lines.end() ? Byte{0} : byteAt(found->second, index);
 }
 
 simulator::Store storeOf(const Lines& lines) {
-  using simulator::Memory;
-  constexpr std::array memories{Memory::external, Memory::block, Memory::highBlock};
   simulator::Store store;
-  for (const auto& [spot, bytes] : lines) {
-    const bool external = spot.area == Area::external;
-    store.write({.memory = memories.at(static_cast<std::size_t>(spot.area)),
-                 .dph = external ? spot.page : spot.offset,
-                 .dpl = external ? spot.offset : spot.page},
-                bytes);
-  }
+  for (const auto& [at, bytes] : lines) store.write(at, bytes);
   return store;
 }
 

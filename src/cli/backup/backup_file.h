@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "cli/backup/memory_map.h"
+#include "cli/backup/lines.h"
 #include "cli/things/module.h"
 #include "simulator/store.h"
 
 namespace velk::cli {
 
-/// Lines of the controller's memory, by the spots of their first bytes. A line that is not there is zero.
-using Lines = std::map<Spot, Bytes>;
+/// Lines of the controller's memory, by the addresses of their first bytes. A line that is not there is zero.
+using Lines = std::map<Address, Bytes>;
 
 /// How far a backup's file can be believed.
 enum class Condition : Byte {
@@ -44,8 +44,8 @@ Backup parseBackup(std::string text);
 /// unfinished one too.
 Backup loadBackup(const std::string& path);
 
-/// The byte at a spot.
-Byte byteOf(const Lines& lines, Spot spot);
+/// The byte at a at.
+Byte byteOf(const Lines& lines, Address at);
 
 /// The lines as a controller's memory.
 simulator::Store storeOf(const Lines& lines);

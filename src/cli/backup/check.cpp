@@ -10,21 +10,17 @@
 #include "cli/words.h"
 #include "controller/modes.h"
 #include "parameters/layouts.h"
+#include "timed/simulation.h"
 
 namespace velk::cli {
 namespace {
 
-[[noreturn]] void fail(Spot line, const std::string& why) {
+[[noreturn]] void fail(Address line, const std::string& why) {
   throw std::invalid_argument("line " + keyOf(line) + " " + why);
 }
 
-Spot at(Spot line, int index) {
-  line.offset = static_cast<Byte>(line.offset + index);
-  return line;
-}
-
 /// The lines of a list of events, up to the one with its end.
-void checkEvents(const Lines& lines, Spot line, std::set<Spot>& expected) {
+void checkEvents(const Lines& lines, Address line, std::set<Address>& expected) {
   constexpr int pageSize = 256;
   Bytes list;
   for (int offset = 0; offset < pageSize; offset += lineSize) {
@@ -46,7 +42,7 @@ void checkPlaces(const Lines& lines) {
   for (const auto& [line, bytes] : lines) {
     bool belongs = false;
     for (int i = 0; i < lineSize; ++i) {
-      const bool isConfiguration = thingAt(at(line, i)).has_value();
+      const bool isConfiguration = memory::thingAt(line.next(static_cast<std::size_t>(i))).has_value();
       belongs = belongs || isConfiguration;
       if (!isConfiguration && bytes[static_cast<std::size_t>(i)] != '\0') {
         fail(line, "has a value at byte " + std::to_string(i) + ", which belongs to nothing");
@@ -57,14 +53,14 @@ void checkPlaces(const Lines& lines) {
 }
 
 void checkComplete(const Lines& lines) {
-  const std::vector<Spot> fixed = fixedLines([](Kind /*kind*/) { return true; });
-  std::set<Spot> expected(fixed.begin(), fixed.end());
-  for (const Spot line : fixed) {
+  const std::vector<Address> fixed = fixedLines([](ThingKind /*kind*/) { return true; });
+  std::set<Address> expected(fixed.begin(), fixed.end());
+  for (const Address line : fixed) {
     if (!lines.contains(line)) fail(line, "is missing");
   }
   for (int day = 0; day < weekdays; ++day) {
     for (int hour = 0; hour < hoursOfDay; ++hour) {
-      checkEvents(lines, {.area = Area::highBlock, .page = eventPage(day, hour), .offset = 0}, expected);
+      checkEvents(lines, timed::eventList(static_cast<Byte>(day), static_cast<Byte>(hour)), expected);
     }
   }
   for (const auto& [line, bytes] : lines) {

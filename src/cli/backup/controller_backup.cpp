@@ -12,7 +12,7 @@ Backup readLike(Serial& serial, const Backup& backup, const Sections& sections) 
   {
     Progress progress("reading");
     readMissing(
-        serial, now.lines, [&](Kind kind) { return isSelected(sections, sectionOf(kind)); },
+        serial, now.lines, [&](ThingKind kind) { return isSelected(sections, sectionOf(kind)); },
         [&](std::size_t done, std::size_t total) { progress.show(done, total); });
   }
   if (!isSelected(sections, "modules")) return now;

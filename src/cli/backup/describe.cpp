@@ -10,6 +10,10 @@
 #include "cli/things/soft_link.h"
 #include "cli/things/switch_time.h"
 #include "cli/words.h"
+#include "controller/ctl_init.h"
+#include "controller/ctl_lang.h"
+#include "parameters/ctl_irtext.h"
+#include "timed/preset.h"
 
 namespace velk::cli {
 namespace {
@@ -21,7 +25,7 @@ constexpr Byte textSize = 16;
 
 Fields describeSettings(Serial& serial, int /*number*/) {
   Fields fields;
-  for (const char c : readMemory(serial, 3, 0, 4)) {
+  for (const char c : readMemory(serial, controller::firstSetting, 3)) {
     fields.push_back({"setting " + std::to_string(fields.size() + 1), std::to_string(byteValue(c))});
   }
   return fields;
@@ -43,7 +47,7 @@ Fields describeLinks(Serial& serial, int source) {
 }
 
 Fields describeText(Serial& serial, int slot) {
-  return {{"text", label(readMemory(serial, textSize, slot, 40))}};
+  return {{"text", label(readMemory(serial, controller::displayText(static_cast<Byte>(slot)), textSize))}};
 }
 
 Fields describePreset(Serial& serial, int number) {
@@ -54,7 +58,7 @@ Fields describePreset(Serial& serial, int number) {
 
 /// The flags of four presets share a byte.
 Fields describeFlags(Serial& serial, int first) {
-  const Byte flags = byteAt(readMemory(serial, 1, (first - 1) / 4 + 102, 18), 0);
+  const Byte flags = byteAt(readMemory(serial, timed::presetFlags(static_cast<Byte>(first)), 1), 0);
   Fields fields;
   for (int i = 0; i < 4; ++i) {
     fields.push_back({"preset " + std::to_string(first + i), (flags >> i & 1) != 0 ? "yes" : "no"});
@@ -72,32 +76,29 @@ Fields describeEvents(Serial& serial, int number) {
 }
 
 Fields describeInfrared(Serial& serial, int number) {
-  const Spot spot{.area = Area::highBlock,
-                  .page = static_cast<Byte>(10 + number / 16),
-                  .offset = static_cast<Byte>(number % 16 * 16)};
-  return {{"text", label(readBytes(serial, spot, textSize))}};
+  return {{"text", label(readBytes(serial, parameters::infraredText(static_cast<Byte>(number)), textSize))}};
 }
 
 struct KindRow {
-  Kind kind;
+  ThingKind kind;
   std::size_t section;
   std::string_view title;  ///< the number follows, if it counts
   Fields (*describe)(Serial&, int number);
 };
 
 constexpr std::array kinds{
-    KindRow{Kind::settings, 0, "settings", describeSettings},
-    KindRow{Kind::output, 1, "output ", describeOutput},
-    KindRow{Kind::links, 2, "links of source ", describeLinks},
-    KindRow{Kind::displayText, 3, "display text ", describeText},
-    KindRow{Kind::preset, 4, "preset ", describePreset},
-    KindRow{Kind::presetFlags, 4, "simulation flags from preset ", describeFlags},
-    KindRow{Kind::switchTime, 5, "switch time ", describeSwitchTime},
-    KindRow{Kind::events, 6, "simulation of ", describeEvents},
-    KindRow{Kind::infraredText, 7, "infrared text ", describeInfrared},
+    KindRow{ThingKind::settings, 0, "settings", describeSettings},
+    KindRow{ThingKind::output, 1, "output ", describeOutput},
+    KindRow{ThingKind::links, 2, "links of source ", describeLinks},
+    KindRow{ThingKind::displayText, 3, "display text ", describeText},
+    KindRow{ThingKind::preset, 4, "preset ", describePreset},
+    KindRow{ThingKind::presetFlags, 4, "simulation flags from preset ", describeFlags},
+    KindRow{ThingKind::switchTime, 5, "switch time ", describeSwitchTime},
+    KindRow{ThingKind::events, 6, "simulation of ", describeEvents},
+    KindRow{ThingKind::infraredText, 7, "infrared text ", describeInfrared},
 };
 
-const KindRow& rowOf(Kind kind) {
+const KindRow& rowOf(ThingKind kind) {
   return kinds.at(static_cast<std::size_t>(kind));
 }
 
@@ -107,14 +108,14 @@ std::span<const std::string_view> sections() {
   return sectionNames;
 }
 
-std::string_view sectionOf(Kind kind) {
+std::string_view sectionOf(ThingKind kind) {
   return sectionNames.at(rowOf(kind).section);
 }
 
 std::string titleOf(Thing thing) {
   std::string title(rowOf(thing.kind).title);
-  if (thing.kind == Kind::settings) return title;
-  if (thing.kind == Kind::events) {
+  if (thing.kind == ThingKind::settings) return title;
+  if (thing.kind == ThingKind::events) {
     return title + weekday(thing.number / hoursOfDay) + " " + timeOfDay(thing.number % hoursOfDay, 0);
   }
   return title + std::to_string(thing.number);

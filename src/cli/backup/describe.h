@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/backup/memory_map.h"
+#include "cli/backup/lines.h"
 #include "cli/things/fields.h"
 
 namespace velk::cli {
@@ -12,7 +12,7 @@ namespace velk::cli {
 /// The names that `--only` takes: "outputs", "links" and so on; "modules" is the last.
 std::span<const std::string_view> sections();
 
-std::string_view sectionOf(Kind kind);
+std::string_view sectionOf(ThingKind kind);
 
 /// "output 5", "simulation of Monday 18:00".
 std::string titleOf(Thing thing);

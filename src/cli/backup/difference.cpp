@@ -38,18 +38,18 @@ class Offline {
   Serial serial_;
 };
 
-using Things = std::map<Thing, std::vector<Spot>>;
+using Things = std::map<Thing, std::vector<Address>>;
 
 Things differingThings(const Lines& from, const Lines& to, const Sections& sections) {
-  std::set<Spot> lines;
-  for (const auto& [spot, bytes] : from) lines.insert(spot);
-  for (const auto& [spot, bytes] : to) lines.insert(spot);
+  std::set<Address> lines;
+  for (const auto& [at, bytes] : from) lines.insert(at);
+  for (const auto& [at, bytes] : to) lines.insert(at);
   Things things;
-  for (Spot spot : lines) {
-    for (int i = 0; i < lineSize; ++i, ++spot.offset) {
-      const auto thing = thingAt(spot);
-      if (!thing || isReadOnly(spot) || byteOf(from, spot) == byteOf(to, spot)) continue;
-      if (isSelected(sections, sectionOf(thing->kind))) things[*thing].push_back(spot);
+  for (Address at : lines) {
+    for (int i = 0; i < lineSize; ++i, ++at.offset) {
+      const auto thing = memory::thingAt(at);
+      if (!thing || memory::isReadOnly(at) || byteOf(from, at) == byteOf(to, at)) continue;
+      if (isSelected(sections, sectionOf(thing->kind))) things[*thing].push_back(at);
     }
   }
   return things;
@@ -85,11 +85,11 @@ std::vector<Change> changesOf(Fields from, Fields to) {
 }
 
 /// For bytes that no property tells of.
-std::vector<Change> changesOf(const std::vector<Spot>& spots, const Lines& from, const Lines& to) {
+std::vector<Change> changesOf(const std::vector<Address>& addresses, const Lines& from, const Lines& to) {
   std::vector<Change> changes;
-  for (const Spot spot : spots) {
-    changes.push_back({"byte " + std::to_string(spot.offset) + " of page " + std::to_string(spot.page),
-                       std::to_string(byteOf(from, spot)), std::to_string(byteOf(to, spot))});
+  for (const Address at : addresses) {
+    changes.push_back({"byte " + std::to_string(at.offset) + " of page " + std::to_string(at.page),
+                       std::to_string(byteOf(from, at)), std::to_string(byteOf(to, at))});
   }
   return changes;
 }
@@ -124,10 +124,10 @@ std::vector<Difference> compare(const Backup& from, const Backup& to, const Sect
   std::vector<Difference> differences;
   Offline before(from.lines);
   Offline after(to.lines);
-  for (const auto& [thing, spots] : differingThings(from.lines, to.lines, sections)) {
+  for (const auto& [thing, addresses] : differingThings(from.lines, to.lines, sections)) {
     auto changes = changesOf(before.describe(thing), after.describe(thing));
-    if (changes.empty()) changes = changesOf(spots, from.lines, to.lines);
-    differences.push_back({titleOf(thing), spots, std::move(changes)});
+    if (changes.empty()) changes = changesOf(addresses, from.lines, to.lines);
+    differences.push_back({titleOf(thing), addresses, std::move(changes)});
   }
   if (isSelected(sections, "modules")) compareModules(from, to, differences);
   return differences;
@@ -151,7 +151,8 @@ Json jsonOf(const std::vector<Difference>& differences) {
     for (const Change& change : difference.changes) {
       changes.push_back({{"field", change.field}, {"from", change.from}, {"to", change.to}});
     }
-    json.push_back({{"thing", difference.title}, {"bytes", difference.spots.size()}, {"changes", changes}});
+    json.push_back(
+        {{"thing", difference.title}, {"bytes", difference.addresses.size()}, {"changes", changes}});
   }
   return json;
 }

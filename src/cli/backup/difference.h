@@ -26,9 +26,9 @@ struct Change {
 
 /// A thing that differs.
 struct Difference {
-  std::string title;            ///< "output 5"
-  std::vector<Spot> spots;      ///< the bytes that differ; none for a module
-  std::vector<Change> changes;  ///< in words
+  std::string title;               ///< "output 5"
+  std::vector<Address> addresses;  ///< the bytes that differ; none for a module
+  std::vector<Change> changes;     ///< in words
 };
 
 /// What differs between two memories, and between the modules that both name.

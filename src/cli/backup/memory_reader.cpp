@@ -4,24 +4,19 @@
 #include "cli/things/event.h"
 #include "cli/transfer.h"
 #include "cli/words.h"
+#include "timed/simulation.h"
 
 namespace velk::cli {
 namespace {
 
-Transfer transferOf(Spot spot, std::size_t count) {
-  if (spot.area == Area::external) return {static_cast<Byte>(count), spot.page, spot.offset, "V"};
-  const std::size_t bank = spot.area == Area::highBlock ? Transfer::highBank : 0;
-  return {static_cast<Byte>(bank + count), spot.offset, spot.page, "H"};
+std::string placeOf(Address at) {
+  return "page " + std::to_string(at.page) + ", offset " + std::to_string(at.offset);
 }
 
-std::string nameOf(Spot spot) {
-  return "page " + std::to_string(spot.page) + ", offset " + std::to_string(spot.offset);
-}
-
-Bytes onlyConfiguration(Spot spot, Bytes bytes) {
+Bytes onlyConfiguration(Address at, Bytes bytes) {
   for (char& c : bytes) {
-    if (!thingAt(spot)) c = '\0';
-    ++spot.offset;
+    if (!memory::thingAt(at)) c = '\0';
+    ++at.offset;
   }
   return bytes;
 }
@@ -33,7 +28,7 @@ class EventList {
 
   void fill(int day, int hour) {
     constexpr int pageSize = 256;
-    Spot line{.area = Area::highBlock, .page = eventPage(day, hour), .offset = 0};
+    Address line = timed::eventList(static_cast<Byte>(day), static_cast<Byte>(hour));
     Bytes list;
     for (int offset = 0; offset < pageSize; offset += lineSize) {
       line.offset = static_cast<Byte>(offset);
@@ -57,35 +52,35 @@ class EventList {
 };
 
 /// Whether a line's bytes are the same, but for those that the controller changes by itself.
-bool isSame(Spot line, std::string_view a, std::string_view b) {
+bool isSame(Address line, std::string_view a, std::string_view b) {
   for (std::size_t i = 0; i < lineSize; ++i, ++line.offset) {
-    if (a[i] != b[i] && !isReadOnly(line)) return false;
+    if (a[i] != b[i] && !memory::isReadOnly(line)) return false;
   }
   return true;
 }
 
 }  // namespace
 
-Bytes readBytes(Serial& serial, Spot spot, std::size_t count) {
+Bytes readBytes(Serial& serial, Address at, std::size_t count) {
   checkInterrupt();
-  return readTransfer(serial, transferOf(spot, count), nameOf(spot));
+  return readTransfer(serial, at, count, placeOf(at));
 }
 
-void writeBytes(Serial& serial, Spot spot, const Bytes& bytes) {
+void writeBytes(Serial& serial, Address at, const Bytes& bytes) {
   checkInterrupt();
-  writeTransfer(serial, transferOf(spot, bytes.size()), bytes, nameOf(spot));
+  writeTransfer(serial, at, bytes, placeOf(at));
 }
 
 Origin originOf(Serial& serial, const Lines& lines) {
   constexpr std::size_t samples = 64;
-  std::vector<Spot> telling;
-  for (const Spot line : fixedLines([](Kind /*kind*/) { return true; })) {
+  std::vector<Address> telling;
+  for (const Address line : fixedLines([](ThingKind /*kind*/) { return true; })) {
     const auto found = lines.find(line);
     if (found != lines.end() && !isSame(line, found->second, Bytes(lineSize, '\0'))) telling.push_back(line);
   }
   const std::size_t step = telling.size() / samples + 1;
   for (std::size_t i = 0; i < telling.size(); i += step) {
-    const Spot line = telling[i];
+    const Address line = telling[i];
     const Bytes now = onlyConfiguration(line, readBytes(serial, line, lineSize));
     if (!isSame(line, now, lines.at(line))) return Origin::elsewhere;
   }
@@ -93,11 +88,11 @@ Origin originOf(Serial& serial, const Lines& lines) {
 }
 
 void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step& step) {
-  const std::vector<Spot> fixed = fixedLines(wanted);
-  const int days = wanted(Kind::events) ? weekdays : 0;
+  const std::vector<Address> fixed = fixedLines(wanted);
+  const int days = wanted(ThingKind::events) ? weekdays : 0;
   const std::size_t total = fixed.size() + static_cast<std::size_t>(days) * hoursOfDay;
   std::size_t done = 0;
-  for (const Spot line : fixed) {
+  for (const Address line : fixed) {
     if (!lines.contains(line)) {
       lines.emplace(line, onlyConfiguration(line, readBytes(serial, line, lineSize)));
     }

@@ -58,7 +58,7 @@ void read(Serial& serial, const BackupOptions& options, Backup& backup, PartFile
   auto next = Clock::now() + interval;
   Progress progress("backup");
   readMissing(
-      serial, backup.lines, [](Kind /*kind*/) { return true; },
+      serial, backup.lines, [](ThingKind /*kind*/) { return true; },
       [&](std::size_t done, std::size_t total) {
         progress.show(done, total);
         if (Clock::now() < next) return;

@@ -21,9 +21,7 @@ struct InfraredTextOptions : LinkedOptions {
 constexpr std::size_t longest = 16;
 
 Bytes readText(Serial& serial, Byte number) {
-  const link::Address at = parameters::infraredText(number);
-  return readTransfer(serial,
-                      {.count = Transfer::highBank + longest, .dph = at.dph, .dpl = at.dpl, .direction = "H"},
+  return readTransfer(serial, parameters::infraredText(number), longest,
                       "infrared text " + std::to_string(number));
 }
 

@@ -3,6 +3,7 @@
 #include "cli/commands/command.h"
 #include "cli/retry.h"
 #include "cli/things/fields.h"
+#include "controller/ctl_lang.h"
 #include "controller/languages.h"
 
 namespace velk::cli {
@@ -33,10 +34,9 @@ std::string listOfLanguages() {
 /// Whether the controller has the display texts of a language.
 bool stands(Serial& serial, const std::string& code) {
   constexpr Byte size = 16;
-  constexpr int offset = 40;
-  int slot = controller::firstText;
+  Byte slot = controller::firstText;
   for (const std::string_view text : *controller::textsOf(code)) {
-    if (readMemory(serial, size, slot++, offset) != padded(text, size)) return false;
+    if (readMemory(serial, controller::displayText(slot++), size) != padded(text, size)) return false;
   }
   return true;
 }

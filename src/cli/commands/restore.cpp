@@ -37,24 +37,24 @@ struct RestoreOptions : LinkedOptions {
 
 /// Neighbouring bytes of one line, which one transaction writes.
 struct Piece {
-  Spot spot;
+  Address at;
   Bytes bytes;
 };
 
-std::vector<Piece> piecesOf(const std::vector<Spot>& spots, const Lines& lines) {
+std::vector<Piece> piecesOf(const std::vector<Address>& addresses, const Lines& lines) {
   std::vector<Piece> pieces;
-  for (const Spot spot : spots) {
-    const char value = character(byteOf(lines, spot));
+  for (const Address at : addresses) {
+    const char value = character(byteOf(lines, at));
     if (!pieces.empty()) {
       Piece& last = pieces.back();
-      const bool follows = last.spot.area == spot.area && last.spot.page == spot.page &&
-                           last.spot.offset + last.bytes.size() == spot.offset && spot.offset % lineSize != 0;
+      const bool follows = last.at.area == at.area && last.at.page == at.page &&
+                           last.at.offset + last.bytes.size() == at.offset && at.offset % lineSize != 0;
       if (follows) {
         last.bytes += value;
         continue;
       }
     }
-    pieces.push_back({spot, Bytes(1, value)});
+    pieces.push_back({at, Bytes(1, value)});
   }
   return pieces;
 }
@@ -62,26 +62,27 @@ std::vector<Piece> piecesOf(const std::vector<Spot>& spots, const Lines& lines) 
 /// What has to be written of a thing that differs: the bytes that do, but a list of events up to its end.
 /// What lies behind the end of the shorter one that the controller has was not compared, and is part of the
 /// list then.
-std::vector<Spot> spotsToWrite(const Difference& difference, const Lines& lines) {
+std::vector<Address> bytesToWrite(const Difference& difference, const Lines& lines) {
   constexpr int pageSize = 256;
-  if (difference.spots.empty()) return {};
-  Spot spot = difference.spots.front();
-  if (const auto thing = thingAt(spot); !thing || thing->kind != Kind::events) return difference.spots;
-  std::vector<Spot> spots;
+  if (difference.addresses.empty()) return {};
+  Address at = difference.addresses.front();
+  if (const auto thing = memory::thingAt(at); !thing || thing->kind != ThingKind::events)
+    return difference.addresses;
+  std::vector<Address> addresses;
   Bytes list;
   for (int offset = 0; offset < pageSize && !endOfEvents(list); ++offset) {
-    spot.offset = static_cast<Byte>(offset);
-    spots.push_back(spot);
-    list += character(byteOf(lines, spot));
+    at.offset = static_cast<Byte>(offset);
+    addresses.push_back(at);
+    list += character(byteOf(lines, at));
   }
-  return spots;
+  return addresses;
 }
 
 /// Writes one thing and reads every byte back.
 void restoreOne(Serial& serial, const Difference& difference, const Backup& backup) {
-  for (const Piece& piece : piecesOf(spotsToWrite(difference, backup.lines), backup.lines)) {
-    writeBytes(serial, piece.spot, piece.bytes);
-    if (readBytes(serial, piece.spot, piece.bytes.size()) != piece.bytes) {
+  for (const Piece& piece : piecesOf(bytesToWrite(difference, backup.lines), backup.lines)) {
+    writeBytes(serial, piece.at, piece.bytes);
+    if (readBytes(serial, piece.at, piece.bytes.size()) != piece.bytes) {
       expectDone(201, "reading back " + difference.title);
     }
   }
@@ -193,7 +194,7 @@ bool agreed(const std::string& question) {
 bool isTrusted(const RestoreOptions& options, const Backup& backup) {
   if (backup.condition == Condition::intact) return true;
   try {
-    if (isSelected(parseSections(options.only), sectionOf(Kind::output))) checkModes(backup.lines);
+    if (isSelected(parseSections(options.only), sectionOf(ThingKind::output))) checkModes(backup.lines);
   } catch (const std::invalid_argument& error) {
     throw Failure(badFile, options.file + ": " + error.what());
   }
@@ -208,7 +209,7 @@ bool isTrusted(const RestoreOptions& options, const Backup& backup) {
 /// A module's model and firmware are told, but cannot be written.
 bool isWritable(const Difference& difference) {
   const auto& changes = difference.changes;
-  return !difference.spots.empty() ||
+  return !difference.addresses.empty() ||
          std::any_of(changes.begin(), changes.end(), [](const Change& c) { return c.field == "record"; });
 }
 

@@ -7,6 +7,7 @@
 #include "cli/link_text.h"
 #include "cli/retry.h"
 #include "cli/things/clock.h"
+#include "controller/ctl_init.h"
 
 namespace velk::cli {
 namespace {
@@ -24,7 +25,7 @@ RoundTrips measure(Serial& serial) {
   std::vector<double> times;
   for (std::size_t i = 0; i < reads; ++i) {
     const auto start = Clock::now();
-    readMemory(serial, 1, 0, 4);
+    readMemory(serial, controller::firstSetting, 1);
     times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
   }
   std::sort(times.begin(), times.end());

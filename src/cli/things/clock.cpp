@@ -5,6 +5,7 @@
 
 #include "cli/retry.h"
 #include "cli/words.h"
+#include "controller/ctl_init.h"
 
 namespace velk::cli {
 namespace {
@@ -45,9 +46,7 @@ Json jsonOf(const std::tm& time) {
 
 /// While one of these bytes is not zero, the clock stands still.
 bool isHeld(Serial& serial) {
-  constexpr int page = 255;
-  constexpr int offset = 247;
-  return readMemory(serial, 2, page, offset) != Bytes(2, '\0');
+  return readMemory(serial, controller::clockHold, 2) != Bytes(2, '\0');
 }
 
 constexpr const char* heldWords = "the clock is held: it stands still until \"velk clock set\" has set it";

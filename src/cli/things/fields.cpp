@@ -4,10 +4,8 @@
 
 namespace velk::cli {
 
-Bytes readMemory(Serial& serial, Byte count, int page, int offset) {
-  const Transfer transfer{
-      .count = count, .dph = static_cast<Byte>(page), .dpl = static_cast<Byte>(offset), .direction = "V"};
-  return readTransfer(serial, transfer, "page " + std::to_string(page));
+Bytes readMemory(Serial& serial, link::Address at, std::size_t count) {
+  return readTransfer(serial, at, count, "page " + std::to_string(at.page));
 }
 
 }  // namespace velk::cli

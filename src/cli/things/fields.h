@@ -5,6 +5,7 @@
 
 #include "cli/failure.h"
 #include "component/serial.h"
+#include "link/address.h"
 
 namespace velk::cli {
 
@@ -18,8 +19,7 @@ struct Field {
 
 using Fields = std::vector<Field>;
 
-/// Up to 16 bytes at successive addresses of the external memory. Throws `Failure` with the status of a
-/// transaction that fails.
-Bytes readMemory(Serial& serial, Byte count, int page, int offset);
+/// Up to 16 bytes of the controller's memory. Throws `Failure` with the status of a transaction that fails.
+Bytes readMemory(Serial& serial, link::Address at, std::size_t count);
 
 }  // namespace velk::cli

@@ -43,13 +43,13 @@ std::string_view suffixOf(Form form) {
 }
 
 Byte readByte(Serial& serial, link::Address at, const std::string& what) {
-  return byteAt(readTransfer(serial, {.count = 1, .dph = at.dph, .dpl = at.dpl, .direction = "V"}, what), 0);
+  return byteAt(readTransfer(serial, at, 1, what), 0);
 }
 
 /// As `ModeToStr`, which takes a roller for a dimmer when the reading of its marker is lost: here that is
 /// asked again.
 std::string readMode(Serial& serial, Byte number, const std::string& what) {
-  const Byte mode = readByte(serial, {.dph = number, .dpl = parameters::modeOffset}, what);
+  const Byte mode = readByte(serial, {.page = number, .offset = parameters::modeOffset}, what);
   if (mode != controller::rollerMode) return serial.ModeToStr(mode, number);
   return readByte(serial, controller::rollerMarker(number), what) == number ? "RO" : "DI";
 }
@@ -57,7 +57,7 @@ std::string readMode(Serial& serial, Byte number, const std::string& what) {
 }  // namespace
 
 std::string outputName(Serial& serial, Byte number) {
-  return label(readMemory(serial, nameSize, number, nameOffset));
+  return label(readMemory(serial, {.page = number, .offset = nameOffset}, nameSize));
 }
 
 Output readOutputHead(Serial& serial, Byte number) {
@@ -90,7 +90,7 @@ std::string_view meaningOfMode(std::string_view mode) {
 
 std::string placeOf(const Item& item) {
   if (item.form == Form::stored) return "number";
-  if (item.area == parameters::Area::block) return "B" + std::to_string(item.at);
+  if (item.area == link::Area::block) return "B" + std::to_string(item.at);
   const std::string at = std::to_string(item.at);
   if (item.form != Form::flag) return at.substr().append(suffixOf(item.form));
   int bit = 0;

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "cli/retry.h"
+#include "controller/ctl_soft.h"
 
 namespace velk::cli {
 namespace {
 
-constexpr Byte recordOffset = 31;
 constexpr Byte linkSize = 2;
 
 SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
@@ -24,10 +24,9 @@ SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
 /// The first byte of link 0.0 is also the last that the mailbox for modules uses: what a module's data left
 /// there is no link. One that does anything has edges, or parameters in its second byte.
 bool isLeftover(Serial& serial, Byte source, Byte sub, const Bytes& records) {
-  constexpr int edgesOffset = 254;
   constexpr Byte edgesOfFirst = 0x11;
   if (source != 0 || sub != 0 || byteAt(records, 1) != 0) return false;
-  return (byteAt(readMemory(serial, 1, source, edgesOffset), 0) & edgesOfFirst) == 0;
+  return (byteAt(readMemory(serial, controller::flanksOf(source), 1), 0) & edgesOfFirst) == 0;
 }
 
 }  // namespace
@@ -40,7 +39,7 @@ std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
   constexpr Byte outputBit = 128;
   std::vector<SoftLink> links;
   // All four records at once: most sources have none.
-  const Bytes records = readMemory(serial, linksOfSource * linkSize, source, recordOffset);
+  const Bytes records = readMemory(serial, controller::linkRecord(source, 0), linksOfSource * linkSize);
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
     const Byte first = byteAt(records, std::size_t{sub} * linkSize);
     if (first == 0 || isLeftover(serial, source, sub, records)) continue;
