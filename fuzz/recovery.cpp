@@ -20,7 +20,7 @@ std::chrono::milliseconds longest(std::size_t inputSize) {
 }
 
 bool isLinkError(std::string_view reply) {
-  return reply.size() == 1 && byteValue(reply.front()) >= link::noMatchingReply;
+  return reply.size() == 1 && byteValue(reply.front()) >= noMatchingReply;
 }
 
 }  // namespace

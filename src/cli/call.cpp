@@ -86,7 +86,7 @@ std::optional<Byte> codeOf(const Call& call, const Value& result) {
     case Outcome::reply: {
       // An empty reply is none.
       const std::string reply = toText(result);
-      return reply.empty() ? Byte{100} : byteAt(reply, 0);
+      return reply.empty() ? Byte{otherFailure} : byteAt(reply, 0);
     }
     case Outcome::value:
       break;

@@ -18,12 +18,13 @@ struct Reason {
 };
 
 constexpr std::array reasons{
-    Reason{Stage::port, 56, "the port is open already, here or in another program"},
-    Reason{Stage::port, 100, "there is no such port, it may not be opened, or it does not take the rate"},
-    Reason{Stage::greeting, 252,
+    Reason{Stage::port, portAlreadyOpen, "the port is open already, here or in another program"},
+    Reason{Stage::port, otherFailure,
+           "there is no such port, it may not be opened, or it does not take the rate"},
+    Reason{Stage::greeting, noReply,
            "no interface of a controller answers there; check address, port and network"},
-    Reason{Stage::login, 252, "the interface does not answer the login"},
-    Reason{Stage::login, 254, "something else than the answer to the login came"},
+    Reason{Stage::login, noReply, "the interface does not answer the login"},
+    Reason{Stage::login, echoFault, "something else than the answer to the login came"},
 };
 
 std::string refusal(const LinkOptions& link) {

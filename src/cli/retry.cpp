@@ -9,7 +9,7 @@
 namespace velk::cli {
 
 bool isLost(Byte result) {
-  return result >= link::noMatchingReply && result <= link::echoFault;
+  return result >= noMatchingReply && result <= echoFault;
 }
 
 void Retry::pause() {

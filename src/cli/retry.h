@@ -7,7 +7,7 @@
 
 namespace velk::cli {
 
-/// Whether a result says that a request or its reply was lost on the way (see `link::LinkError`), so that to
+/// Whether a result says that a request or its reply was lost on the way (see `Result`), so that to
 /// ask again may help: nobody has refused anything.
 bool isLost(Byte result);
 

@@ -8,9 +8,9 @@ namespace {
 
 /// The status; an empty reply, or a good one without all its data, counts as none.
 Byte statusOf(const Bytes& reply, std::size_t size) {
-  if (reply.empty()) return link::noReply;
+  if (reply.empty()) return noReply;
   const Byte status = byteValue(reply.front());
-  return status == 0 && reply.size() < size + 1 ? Byte{link::noReply} : status;
+  return status == 0 && reply.size() < size + 1 ? Byte{noReply} : status;
 }
 
 /// The count as `ReadCom` and `WriteCom` take it, which holds the bank.
@@ -33,7 +33,7 @@ Bytes readTransfer(Serial& serial, link::Address at, std::size_t count, const st
   };
   expectDone(retry().read(read), "reading " + what);
   // More than was asked for is not what was asked for.
-  if (reply.size() != count + 1) expectDone(100, "reading " + what);
+  if (reply.size() != count + 1) expectDone(otherFailure, "reading " + what);
   return reply.erase(0, 1);
 }
 

@@ -37,7 +37,7 @@ inline link::Memory Serial::memory() {
 template <class Body>
 Byte Serial::trappedModule(Body body) {
   // A run-time error in here gives the code set last, not a converted error number.
-  Byte result = 99;
+  Byte result = nothingDone;
   try {
     const link::Memory memory(link());
     body(modules::Mailbox(memory, host_), result);

@@ -14,7 +14,6 @@ using link::Address;
 using link::Memory;
 using link::Stop;
 
-constexpr Byte nothingDone = 99;
 constexpr int blockSize = 16;
 
 // Positions of the block, counted from 1.
@@ -69,7 +68,7 @@ void checkWrite(const Positions& positions) {
     if (p == day && value > lastDay(positions)) good = false;
     if (value < bound.low || value > bound.high) good = false;
   }
-  if (!good) throw Stop{105};
+  if (!good) throw Stop{badValue};
 }
 
 void writeClock(const Memory& memory, const Bytes& parameters) {
@@ -91,8 +90,9 @@ void writeClock(const Memory& memory, const Bytes& parameters) {
 Byte write(const Memory& memory, const Positions& positions) {
   const bool endsBeforeClock = positions.end < year;
   const bool coversClock = positions.offset < month && positions.end >= seconds;
-  if (positions.bytes.size() != static_cast<std::size_t>(positions.end - positions.offset)) throw Stop{104};
-  if (!endsBeforeClock && !coversClock) throw Stop{104};
+  if (positions.bytes.size() != static_cast<std::size_t>(positions.end - positions.offset))
+    throw Stop{wrongLength};
+  if (!endsBeforeClock && !coversClock) throw Stop{wrongLength};
   checkWrite(positions);
 
   Byte result = nothingDone;
@@ -164,8 +164,8 @@ Byte read(const Memory& memory, Bytes& parameters, Byte count, int offset) {
 Byte Ctl_Init(const Memory& memory, std::string_view readOrWrite, Bytes& parameters, Byte count,
               Byte offset) {
   const bool reads = isRead(readOrWrite);
-  if (offset > seconds) throw Stop{103};
-  if (offset + count > blockSize) throw Stop{102};
+  if (offset > seconds) throw Stop{badOffset};
+  if (offset + count > blockSize) throw Stop{countTooLarge};
   if (reads) return read(memory, parameters, count, offset);
   return write(memory, {.bytes = parameters, .offset = offset, .end = offset + count});
 }

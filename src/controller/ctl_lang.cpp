@@ -15,11 +15,12 @@ link::Address textAt(std::size_t index) {
 
 void Ctl_Lang(const link::Memory& memory, std::string_view language) {
   const Texts* const texts = textsOf(language);
-  if (texts == nullptr) throw link::Stop{105};
+  if (texts == nullptr) throw link::Stop{badValue};
   for (std::size_t i = 0; i < texts->size(); ++i) memory.write(textAt(i), padded((*texts)[i], textSize));
   for (std::size_t i = 0; i < texts->size(); ++i) {
     // The whole rest of the reply has to be the text.
-    if (memory.read(textSize, textAt(i)) != padded((*texts)[i], textSize)) throw link::Stop{201};
+    if (memory.read(textSize, textAt(i)) != padded((*texts)[i], textSize))
+      throw link::Stop{readsBackDifferent};
   }
 }
 

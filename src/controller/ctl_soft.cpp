@@ -71,9 +71,9 @@ void writeInputLink(const Memory& memory, const SoftLink& link) {
 }
 
 void write(const Memory& memory, const SoftLink& link) {
-  if (std::string_view("IO").find(link.kind) == std::string_view::npos) throw Stop{116};
+  if (std::string_view("IO").find(link.kind) == std::string_view::npos) throw Stop{badLinkKind};
   const bool toItself = link.kind == "O" && link.destination == link.source;
-  if (toItself && IfSetBit(link.parameters1, link.sub)) throw Stop{112};
+  if (toItself && IfSetBit(link.parameters1, link.sub)) throw Stop{badAddress};
   if (link.kind == "I") {
     writeInputLink(memory, link);
   } else {
@@ -85,8 +85,8 @@ void write(const Memory& memory, const SoftLink& link) {
 
 void Ctl_Soft(const Memory& memory, std::string_view readOrWrite, const SoftLink& link) {
   const bool reads = isRead(readOrWrite);
-  if (link.source == 1 || link.source == 2 || link.source == 100 || link.source > 124) throw Stop{112};
-  if (link.sub > 3) throw Stop{115};
+  if (link.source == 1 || link.source == 2 || link.source == 100 || link.source > 124) throw Stop{badAddress};
+  if (link.sub > 3) throw Stop{badSubAddress};
   if (reads) {
     read(memory, link);
   } else {

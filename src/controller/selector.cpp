@@ -5,7 +5,7 @@
 namespace velk::controller {
 
 bool isRead(std::string_view readOrWrite) {
-  if (std::string_view("RW").find(readOrWrite) == std::string_view::npos) throw link::Stop{101};
+  if (std::string_view("RW").find(readOrWrite) == std::string_view::npos) throw link::Stop{badSelector};
   return readOrWrite == "R";
 }
 

@@ -6,7 +6,7 @@ namespace velk::link {
 namespace {
 
 void stopUnlessGood(const Bytes& reply) {
-  if (const Byte status = byteAt(reply, 0); status != 0) throw Stop{status};
+  if (const Byte status = byteAt(reply, 0); status != 0) throw Stop{Result{status}};
 }
 
 }  // namespace

@@ -8,9 +8,10 @@
 
 namespace velk::link {
 
-/// Ends a method at its first failed transaction; carries the method's result. Caught once, in `Serial`.
+/// Ends a method at its first failed transaction; carries the method's result, which may be a transaction's
+/// status. Caught once, in `Serial`.
 struct Stop {
-  Byte result;
+  Result result;
 };
 
 /// The controller's memory behind the link: reads and writes with three attempts that throw `Stop` with the

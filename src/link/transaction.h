@@ -8,7 +8,7 @@
 namespace velk::link {
 
 /// One request over the link that the settings select, with its attempts. Returns the status byte and the
-/// data bytes, or one of the one-byte codes of `LinkError`. `attempts` 0 means 3.
+/// data bytes, or one of the one-byte codes of `Result`, 251 to 254. `attempts` 0 means 3.
 Bytes tranCeiv(Link link, const Request& request, Byte attempts);
 
 /// Reads `count` bytes (1 to 16; see `readRequest` for others) at an address.

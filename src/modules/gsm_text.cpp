@@ -50,14 +50,14 @@ void write(const Mailbox& mailbox, const Header& header, std::string_view data, 
   mailbox.putLong(data, Mailbox::LastBlock::cut);
   mailbox.address(header, false);
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
-  result = exchange.trigger.isZero() ? exchange.reply.result() : Byte{100};
+  result = exchange.trigger.isZero() ? exchange.reply.result() : Byte{otherFailure};
 }
 
 }  // namespace
 
 void GSMtext(const Mailbox& mailbox, std::string_view readOrWrite, std::string_view serieNr, Byte number,
              Bytes& data, Byte& result) {
-  result = 99;
+  result = nothingDone;
   const bool reads = readOrWrite == "R";
   const Header header{
       .number = number, .direction = reads ? readLongRecord : writeLongRecord, .serieNr = serieNr};

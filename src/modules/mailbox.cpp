@@ -41,8 +41,9 @@ Byte Polled::result() const {
 Byte resultOf(const Polled& reply) {
   if (reply.isZero()) return 0;
   const bool isOwnCode =
-      reply.status == 0 && (reply.value == 127 || reply.value == 128 || reply.value == 255);
-  return isOwnCode ? reply.value : Byte{100};
+      reply.status == 0 &&
+      (reply.value == moduleRefused127 || reply.value == moduleRefused128 || reply.value == moduleRefused255);
+  return isOwnCode ? reply.value : Byte{otherFailure};
 }
 
 void Mailbox::address(const Header& header, bool isPadded) const {

@@ -13,12 +13,12 @@ constexpr std::array<Byte, 13> masks{16, 8, 4, 2, 0, 1, 3, 7, 15, 31, 63, 127, 2
 
 Byte codeOf(Byte mask) {
   const auto* const found = std::find(masks.begin(), masks.end(), mask);
-  if (found == masks.end()) throw link::Stop{105};
+  if (found == masks.end()) throw link::Stop{badValue};
   return static_cast<Byte>(found - masks.begin());
 }
 
 Byte maskOf(Byte code) {
-  if (code >= masks.size()) throw link::Stop{105};
+  if (code >= masks.size()) throw link::Stop{badValue};
   return masks.at(code);
 }
 

@@ -25,7 +25,8 @@ Byte readVersion(const Mailbox& mailbox, std::string_view serieNr, Identity& ide
 
 void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& identity) {
   identity.model = access.model;
-  if (const Byte result = readVersion(mailbox, access.serieNr, identity); result != 0) throw Stop{result};
+  if (const Byte result = readVersion(mailbox, access.serieNr, identity); result != 0)
+    throw Stop{Result{result}};
   if (silentSeries.contains(serialValue(access.serieNr))) {
     identity.known = true;
     identity.model = "MT007/500VA";
@@ -44,8 +45,8 @@ void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& iden
 void Module(const Mailbox& mailbox, std::string_view readOrWrite, const ModuleAccess& access,
             Identity& identity, Byte& result) {
   constexpr std::size_t serialLength = 6;
-  result = 99;
-  if (access.serieNr.size() != serialLength) throw Stop{106};
+  result = nothingDone;
+  if (access.serieNr.size() != serialLength) throw Stop{badSerialNumber};
   if (access.serieNr != ownSerial) identify(mailbox, access, identity);
   // Records of known models carry a leading piece that the caller does not count.
   if (identity.known) access.offset = checkedByte(access.offset + 1);

@@ -25,7 +25,7 @@ bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) 
       {.number = access.offset, .direction = static_cast<Byte>(direction), .serieNr = access.serieNr}, true);
   const Exchange exchange = mailbox.run({});
   if (!exchange.trigger.isZero()) return false;
-  if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{result};
+  if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{Result{result}};
   return true;
 }
 

@@ -12,7 +12,6 @@ using link::Stop;
 
 constexpr Byte writeFlags = 192;
 constexpr Byte writeLongDirection = 159;
-constexpr Byte noReply = 100;
 
 /// Sends a request and waits until the module has taken it. The controller's own module is not waited for.
 Byte run(const Mailbox& mailbox, std::string_view serieNr) {
@@ -21,7 +20,7 @@ Byte run(const Mailbox& mailbox, std::string_view serieNr) {
     return 0;
   }
   const Exchange exchange = mailbox.run({.triggerTime = Seconds(1), .replyTime = Seconds(0)});
-  const Byte result = exchange.trigger.isZero() ? Byte{0} : noReply;
+  const Byte result = exchange.trigger.isZero() ? success : otherFailure;
   mailbox.pause(Seconds(0.8));
   return result;
 }
@@ -44,7 +43,7 @@ void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string
     mailbox.address(headerFor(access, piece.size() + writeFlags), false);
     mailbox.put(piece);
     result = run(mailbox, access.serieNr);
-    if (result != 0) throw Stop{result};
+    if (result != 0) throw Stop{Result{result}};
     access.offset = checkedByte(access.offset + 1);
   }
 }
@@ -55,7 +54,7 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
   mailbox.putLong(data, Mailbox::LastBlock::padded);
   mailbox.address(headerFor(access, writeLongDirection), false);
   result = run(mailbox, access.serieNr);
-  if (result != 0) throw Stop{result};
+  if (result != 0) throw Stop{Result{result}};
   access.offset = checkedByte(access.offset + 1);
 }
 

@@ -76,16 +76,16 @@ bool isGoodPair(Byte first, Byte second) {
 
 void checkPairs(std::string_view data, std::size_t pairs) {
   for (std::size_t i = 0; i < pairs; ++i) {
-    if (!isGoodPair(byteAt(data, 2 * i), byteAt(data, 2 * i + 1))) throw Stop{112};
+    if (!isGoodPair(byteAt(data, 2 * i), byteAt(data, 2 * i + 1))) throw Stop{badAddress};
   }
 }
 
 void checkAddress(std::string_view data) {
   const Byte first = byteAt(data, 0);
-  if (first != 0 && (first < 3 || first > 99)) throw Stop{112};
+  if (first != 0 && (first < 3 || first > 99)) throw Stop{badAddress};
   if (data.size() == 1) return;
   const Byte second = byteAt(data, 1);
-  if (second > 99 || second == 2) throw Stop{112};
+  if (second > 99 || second == 2) throw Stop{badAddress};
 }
 
 void checkGroups(std::string_view data) {
@@ -93,16 +93,16 @@ void checkGroups(std::string_view data) {
   constexpr std::size_t groups = 4;
   for (std::size_t start = 0; start < groups * groupSize; start += groupSize) {
     const Byte sub = byteAt(data, start + 1);
-    if (!isGoodPair(byteAt(data, start), sub)) throw Stop{112};
-    if (sub > 3) throw Stop{105};
-    if (byteAt(data, start + 2) > 21) throw Stop{111};
+    if (!isGoodPair(byteAt(data, start), sub)) throw Stop{badAddress};
+    if (sub > 3) throw Stop{badValue};
+    if (byteAt(data, start + 2) > 21) throw Stop{badMode};
   }
 }
 
 /// A field that is to become a channel mask must hold one of its numbers: a choice of 1 to 4, or 0.
 void checkSelections(const Subject& subject, std::string_view data) {
   for (const Byte position : positionsSent(subject.serieNr, data.size(), subject.known)) {
-    if (position <= data.size() && (byteAt(data, position - std::size_t{1}) & 15) > 4) throw Stop{112};
+    if (position <= data.size() && (byteAt(data, position - std::size_t{1}) & 15) > 4) throw Stop{badAddress};
   }
 }
 
@@ -154,8 +154,8 @@ void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
   const RecordRow* const row = rowFor(subject, offset);
   if (row == nullptr || row->check == Check::none) return;
   if (row->check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
-  if (!accepts(*row, data.size())) throw Stop{104};
-  if (data.size() == pieceSize && offset > row->lastFullPiece) throw Stop{103};
+  if (!accepts(*row, data.size())) throw Stop{wrongLength};
+  if (data.size() == pieceSize && offset > row->lastFullPiece) throw Stop{badOffset};
   checkFields(*row, subject, offset, data);
 }
 

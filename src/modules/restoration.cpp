@@ -73,8 +73,7 @@ Bytes readBehind(const Subject& subject, const Bytes& data, std::size_t size) {
   return record;
 }
 
-std::string refusedWith(int code) {
-  constexpr int wrongLength = 104;
+std::string refusedWith(Result code) {
   if (code == wrongLength) return "a record of this type is not written in the length in which it is read";
   return "a write of it is refused with " + std::to_string(code);
 }
@@ -100,13 +99,12 @@ Restoration restorationOf(const Subject& subject, const Bytes& record) {
   if (!isWhole(subject, record)) return {.data = {}, .obstacle = incomplete};
   Restoration found = undone(subject, record);
   if (!found.obstacle.empty()) return found;
-  constexpr int otherError = 99;
   try {
     if (readBehind(subject, found.data, record.size()) != record) found.obstacle = lostBits;
   } catch (const link::Stop& stop) {
     found.obstacle = refusedWith(stop.result);
   } catch (const RuntimeError&) {
-    found.obstacle = refusedWith(otherError);
+    found.obstacle = refusedWith(nothingDone);
   }
   return found;
 }

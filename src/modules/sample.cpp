@@ -17,13 +17,13 @@ Header headerFor(const SampleAccess& sample, int direction) {
 
 void check(const SampleAccess& sample) {
   constexpr SerialRange fewerSamples{980101, 989999};
-  if (sample.serieNr.size() != 6) throw Stop{106};
-  if (fewerSamples.contains(serialValue(sample.serieNr)) && sample.number > 239) throw Stop{104};
-  if (sample.number > 253) throw Stop{102};
+  if (sample.serieNr.size() != 6) throw Stop{badSerialNumber};
+  if (fewerSamples.contains(serialValue(sample.serieNr)) && sample.number > 239) throw Stop{wrongLength};
+  if (sample.number > 253) throw Stop{countTooLarge};
 }
 
 Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
-  if (sample.data.size() > longestSample) return 104;
+  if (sample.data.size() > longestSample) return wrongLength;
   mailbox.putLong(sample.data, Mailbox::LastBlock::padded);
   // Only now: a number or bank that no header can hold is found when the header is made, as a bad serial
   // number is. Hosts see the blocks on the wire before the method ends with 99.

@@ -7,7 +7,6 @@ namespace velk::modules {
 namespace {
 
 constexpr std::size_t comparedLength = 5;
-constexpr Byte controllerBusy = 107;
 
 /// Modules without an identification block.
 bool hasNoIdentification(std::int16_t type, double serial) {

@@ -10,7 +10,7 @@ using link::Stop;
 
 void Ctl_Param(const link::Memory& memory, std::string_view readOrWrite, const OutputAccess& access) {
   constexpr Byte lastOutput = 99;
-  if (access.address < 1 || access.address > lastOutput) throw Stop{112};
+  if (access.address < 1 || access.address > lastOutput) throw Stop{badAddress};
   if (controller::isRead(readOrWrite)) {
     readOutput(memory, access);
   } else {

@@ -250,7 +250,7 @@ link::Address addressOf(Byte output, Area area, Byte at) {
 Range resolveRange(const Layout& layout, Byte offset, std::int16_t& count) {
   constexpr int allItems = 255;
   const int items = static_cast<int>(layout.items.size());
-  if (!offsetFits(layout, offset)) throw link::Stop{103};
+  if (!offsetFits(layout, offset)) throw link::Stop{badOffset};
   if (layout.counts == CountRule::none) return {.first = 0, .end = 0};
   // With `CountRule::all` the offset is not counted: such a mode reports all its items as transferred
   // although the text holds only those from the offset on. Hosts know it that way.
@@ -258,7 +258,7 @@ Range resolveRange(const Layout& layout, Byte offset, std::int16_t& count) {
   if (count == allItems) {
     count = static_cast<std::int16_t>(std::max(0, items - skipped));
   } else if (count > items || count + skipped > items) {
-    throw link::Stop{102};
+    throw link::Stop{countTooLarge};
   }
   const int end = std::min(items, offset + std::max<int>(0, count));
   return {.first = offset, .end = static_cast<std::size_t>(std::max<int>(offset, end))};

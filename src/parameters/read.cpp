@@ -14,7 +14,7 @@ void readOutput(const link::Memory& memory, const OutputAccess& access) {
   access.parameters.clear();
   if (layout != nullptr) image.fetch(layout->block);
   image.fetch(furtherByte);
-  if (layout == nullptr) throw link::Stop{111};
+  if (layout == nullptr) throw link::Stop{badMode};
 
   const Range range = resolveRange(*layout, access.offset, access.count);
   image.fetch(layout->own);

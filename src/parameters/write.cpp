@@ -32,12 +32,12 @@ struct Assignment {
 std::vector<Assignment> checkedAssignments(const Layout& layout, const OutputAccess& access) {
   std::int16_t count = access.count;
   const Range range = resolveRange(layout, access.offset, count);
-  if (count < 0 || access.parameters.size() != range.end - range.first) throw Stop{104};
+  if (count < 0 || access.parameters.size() != range.end - range.first) throw Stop{wrongLength};
   std::vector<Assignment> assignments;
   for (std::size_t k = range.first; k < range.end; ++k) {
     const Item& item = layout.items[k];
     const char value = access.parameters[k - range.first];
-    if (!encoded(item, value, 0)) throw Stop{105};
+    if (!encoded(item, value, 0)) throw Stop{badValue};
     assignments.push_back({item, value});
   }
   return assignments;
@@ -140,7 +140,7 @@ bool isReserved(Byte output, std::string_view mode) {
 
 void writeOutput(const Memory& memory, const OutputAccess& access) {
   const Byte number = controller::ModeToNr(access.mode);
-  if (number == 0 || isReserved(access.address, access.mode)) throw Stop{111};
+  if (number == 0 || isReserved(access.address, access.mode)) throw Stop{badMode};
   const Byte old = byteAt(memory.read(1, {.page = access.address, .offset = modeOffset}), 0);
   if (access.count == 0 && !layouts()[number - 1U].itemsWithoutCount) {
     storeMode(memory, access.address, number);
@@ -149,7 +149,7 @@ void writeOutput(const Memory& memory, const OutputAccess& access) {
 
   const Layout* const layout = layoutOf(access.mode);
   // A part of a code has a number, but no items: nothing was done.
-  if (layout == nullptr) throw Stop{99};
+  if (layout == nullptr) throw Stop{nothingDone};
   const std::vector<Assignment> assignments = checkedAssignments(*layout, access);
   std::vector<Change> changes = touchedBytes(assignments);
   compose(memory, access.address, assignments, changes);

@@ -24,9 +24,9 @@ bool isDelay(int delay) {
 
 void checkWrite(const PresetAccess& p) {
   const std::size_t records = p.lastRecord - firstRecord + std::size_t{1};
-  if (p.data.size() != records * presetRecordSize || p.text.size() != textSize) throw Stop{104};
+  if (p.data.size() != records * presetRecordSize || p.text.size() != textSize) throw Stop{wrongLength};
   if (!isDelay(p.delay1) || (p.delay2 != 0 && !isDelay(p.delay2)) || p.delay1 + p.delay2 > 255)
-    throw Stop{105};
+    throw Stop{badValue};
 }
 
 void write(const Memory& memory, const PresetAccess& p) {
@@ -78,8 +78,8 @@ link::Address presetRecord(Byte preset, Byte record) {
 }
 
 void Preset(const Memory& memory, std::string_view readOrWrite, const PresetAccess& preset) {
-  if (preset.number == 0 || preset.number > lastPreset) throw Stop{113};
-  if (preset.lastRecord < firstRecord || preset.lastRecord > highestRecord) throw Stop{112};
+  if (preset.number == 0 || preset.number > lastPreset) throw Stop{badPreset};
+  if (preset.lastRecord < firstRecord || preset.lastRecord > highestRecord) throw Stop{badAddress};
   if (readOrWrite == "R") {
     read(memory, preset);
   } else {

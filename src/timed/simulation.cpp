@@ -57,7 +57,7 @@ void read(const Memory& memory, Address first, Bytes& data) {
 }  // namespace
 
 void Simulation(const Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour, Bytes& data) {
-  if (weekday > 6 || hour > 23) throw link::Stop{105};
+  if (weekday > 6 || hour > 23) throw link::Stop{badValue};
   if (readOrWrite == "R") {
     read(memory, eventList(weekday, hour), data);
   } else {

@@ -33,21 +33,21 @@ Bytes header(const SwitchTimeAccess& access, int days) {
 }
 
 void writeAction(const Memory& memory, const SwitchTimeAccess& access) {
-  if (access.data.size() != 2) throw Stop{104};
+  if (access.data.size() != 2) throw Stop{wrongLength};
   const Byte first = byteAt(access.data, 0);
   const Byte second = byteAt(access.data, 1);
-  if (first < lowestAction || first > highestAction || second < 1 || second > 4) throw Stop{105};
+  if (first < lowestAction || first > highestAction || second < 1 || second > 4) throw Stop{badValue};
   memory.write(placeIn(access, 0),
                header(access, (access.days & dayMask) + actionFlag) + access.data + Bytes(2, '\0'));
 }
 
 void writeList(const Memory& memory, const SwitchTimeAccess& access) {
   const Bytes& data = access.data;
-  if (data.size() % entrySize != 0) throw Stop{104};
+  if (data.size() % entrySize != 0) throw Stop{wrongLength};
   Bytes pending = header(access, access.days & dayMask);
   std::size_t offset = 0;
   for (std::size_t next = 0; next < data.size();) {
-    if (byteAt(data, next) < lowestEntry) throw Stop{105};
+    if (byteAt(data, next) < lowestEntry) throw Stop{badValue};
     pending += slice(data, next, entrySize);
     next += entrySize;
     if (pending.size() < transferSize) continue;

@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "values/numbers.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::values {
@@ -41,14 +42,15 @@ std::string LdZr(double Getal, Byte Lengte) {
 Byte ConvertErr(double ErrorNr) {
   struct Row {
     int number;
-    Byte result;
+    Result result;
   };
-  constexpr std::array rows{Row{RuntimeError::portAlreadyOpen, 56}, Row{RuntimeError::deviceNotOpen, 84},
-                            Row{RuntimeError::portNotOpen, 55}, Row{RuntimeError::badSocketState, 58},
-                            Row{RuntimeError::socketNotClosed, 58}};
+  constexpr std::array rows{
+      Row{RuntimeError::portAlreadyOpen, portAlreadyOpen}, Row{RuntimeError::deviceNotOpen, nothingToClose},
+      Row{RuntimeError::portNotOpen, portNotOpen}, Row{RuntimeError::badSocketState, notConnected},
+      Row{RuntimeError::socketNotClosed, notConnected}};
   const auto* const found =
       std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.number == ErrorNr; });
-  return found == rows.end() ? Byte{100} : found->result;
+  return found == rows.end() ? otherFailure : found->result;
 }
 
 }  // namespace velk::values

@@ -32,7 +32,7 @@ void restoreModule(Serial& serial, const Module& module) {
   if (modules::isOwnModule(module.serial)) forgetModel(serial);
   expectDone(serial.Module("W", module.serial, data), "writing " + titleOf(module));
   if (readModule(serial, module.serial).record != module.record) {
-    expectDone(201, "reading back " + titleOf(module));
+    expectDone(readsBackDifferent, "reading back " + titleOf(module));
   }
 }
 

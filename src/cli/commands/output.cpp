@@ -70,7 +70,7 @@ void storeMode(Serial& serial, Byte number, const Layout& layout) {
 /// All items in one write, those that are not given as they are. They have to be those of the mode.
 void storeItems(Serial& serial, const Layout& layout, Output output, const Items& items) {
   if (output.mode != layout.code) {
-    expectDone(201, "reading back the mode of output " + std::to_string(output.number));
+    expectDone(readsBackDifferent, "reading back the mode of output " + std::to_string(output.number));
   }
   for (const auto& [index, value] : items) output.items.at(index) = value;
   const auto write = [&] { return serial.Ctl_Param("W", output.number, output.mode, Bytes(output.items)); };

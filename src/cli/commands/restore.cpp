@@ -83,7 +83,7 @@ void restoreOne(Serial& serial, const Difference& difference, const Backup& back
   for (const Piece& piece : piecesOf(bytesToWrite(difference, backup.lines), backup.lines)) {
     writeBytes(serial, piece.at, piece.bytes);
     if (readBytes(serial, piece.at, piece.bytes.size()) != piece.bytes) {
-      expectDone(201, "reading back " + difference.title);
+      expectDone(readsBackDifferent, "reading back " + difference.title);
     }
   }
   for (const Module& module : backup.modules) {

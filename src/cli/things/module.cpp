@@ -17,7 +17,7 @@ std::string obstacleOf(const Module& module) {
 /// Whether a reply may have come too late, so that it would be taken for one about the next module: no
 /// answer, a trigger that stayed set, or a piece left out.
 bool mayBeLate(const Module& module, Byte result) {
-  constexpr std::array<Byte, 3> unanswered{99, 100, 107};
+  constexpr std::array<Byte, 3> unanswered{nothingDone, otherFailure, controllerBusy};
   if (result == 0) return !modules::isWhole({.serieNr = module.serial, .known = module.known}, module.record);
   return isLost(result) || std::find(unanswered.begin(), unanswered.end(), result) != unanswered.end();
 }

@@ -72,7 +72,7 @@ Output readOutput(Serial& serial, Byte number) {
     std::string mode;
     const Byte result = serial.Ctl_Param("R", number, mode, output.items);
     // These are the items of another mode: what was lost is the marker.
-    return result == 0 && mode != output.mode ? Byte{link::noReply} : result;
+    return result == 0 && mode != output.mode ? Byte{noReply} : result;
   };
   expectRead(read, "reading output " + std::to_string(number));
   return output;

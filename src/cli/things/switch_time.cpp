@@ -18,11 +18,10 @@ std::string entryText(std::string_view entry) {
 }  // namespace
 
 SwitchTime readSwitchTime(Serial& serial, Byte block) {
-  constexpr Byte noSwitchTime = 100;
   SwitchTime time{.block = block};
   const Byte result = retry().read(
       [&] { return serial.SwitchTime("R", block, time.days, time.hour, time.minute, time.data); });
-  time.readable = result != noSwitchTime;
+  time.readable = result != otherFailure;  // what is stored there is no switch time
   if (time.readable) expectDone(result, "reading switch time " + std::to_string(block));
   return time;
 }
