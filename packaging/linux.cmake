@@ -17,7 +17,7 @@ add_library(VelkCom::velkcom ALIAS velkcom)
 # What a program includes, as <velkcom/serial.h>: these headers stand in one folder there, and include each other so.
 set(header_dir ${PROJECT_BINARY_DIR}/include)
 foreach(header component/in_out component/result_codes component/serial link/settings modules/identity platform/host
-               platform/serial_port platform/socket values/bytes values/runtime_error values/value)
+               platform/serial_port platform/socket values/bytes values/result values/runtime_error values/value)
   cmake_path(GET header FILENAME name)
   add_custom_command(
     OUTPUT ${header_dir}/velkcom/${name}.h

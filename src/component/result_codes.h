@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "values/bytes.h"
+#include "values/result.h"
 
 namespace velk {
 

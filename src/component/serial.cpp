@@ -4,7 +4,6 @@
 #include "controller/ctl_init.h"
 #include "controller/ctl_lang.h"
 #include "controller/ctl_soft.h"
-#include "controller/modes.h"
 #include "link/memory.h"
 #include "link/serial_link.h"
 #include "link/tcp_link.h"
@@ -18,6 +17,7 @@
 #include "modules/version.h"
 #include "parameters/ctl_irtext.h"
 #include "parameters/ctl_param.h"
+#include "parameters/modes.h"
 #include "timed/preset.h"
 #include "timed/simulation.h"
 #include "timed/switch_time.h"
@@ -120,11 +120,11 @@ Value Serial::WhatBit(Byte Bytte) {
 }
 
 Byte Serial::ModeToNr(const std::string& ModeStr) {
-  return controller::ModeToNr(ModeStr);
+  return parameters::ModeToNr(ModeStr);
 }
 
 std::string Serial::ModeToStr(Byte Mode, Byte Address) {
-  return controller::ModeToStr(memory(), Mode, Address);
+  return parameters::ModeToStr(memory(), Mode, Address);
 }
 
 Byte Serial::Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::string> Mode,
@@ -207,7 +207,7 @@ Byte Serial::SwitchTime(const std::string& ReadOrWrite, Byte BlokNummer, InOut<B
 }
 
 Bytes Serial::ConvertSim(InOut<Bytes> Data) {
-  return modules::ConvertSim(*Data);
+  return timed::ConvertSim(*Data);
 }
 
 std::int16_t Serial::ModuleType(const std::string& SerieNr) {

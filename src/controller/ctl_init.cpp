@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "controller/selector.h"
+#include "link/selector.h"
 #include "values/helpers.h"
 #include "values/numbers.h"
 
@@ -163,7 +163,7 @@ Byte read(const Memory& memory, Bytes& parameters, Byte count, int offset) {
 
 Byte Ctl_Init(const Memory& memory, std::string_view readOrWrite, Bytes& parameters, Byte count,
               Byte offset) {
-  const bool reads = isRead(readOrWrite);
+  const bool reads = link::isRead(readOrWrite);
   if (offset > seconds) throw Stop{badOffset};
   if (offset + count > blockSize) throw Stop{countTooLarge};
   if (reads) return read(memory, parameters, count, offset);

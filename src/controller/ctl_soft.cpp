@@ -1,6 +1,6 @@
 #include "controller/ctl_soft.h"
 
-#include "controller/selector.h"
+#include "link/selector.h"
 #include "values/helpers.h"
 
 namespace velk::controller {
@@ -84,7 +84,7 @@ void write(const Memory& memory, const SoftLink& link) {
 }  // namespace
 
 void Ctl_Soft(const Memory& memory, std::string_view readOrWrite, const SoftLink& link) {
-  const bool reads = isRead(readOrWrite);
+  const bool reads = link::isRead(readOrWrite);
   if (link.source == 1 || link.source == 2 || link.source == 100 || link.source > 124) throw Stop{badAddress};
   if (link.sub > 3) throw Stop{badSubAddress};
   if (reads) {

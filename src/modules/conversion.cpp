@@ -104,13 +104,4 @@ Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel) {
   return data;
 }
 
-Bytes ConvertSim(Bytes& data) {
-  constexpr std::size_t recordSize = 5;
-  for (std::size_t i = 0; i + 1 < data.size(); i += recordSize) {
-    data[i] = character(decimalOfBcd(byteAt(data, i)));
-    data[i + 1] = character(decimalOfBcd(byteAt(data, i + 1)));
-  }
-  return data;
-}
-
 }  // namespace velk::modules

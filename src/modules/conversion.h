@@ -28,8 +28,4 @@ Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel);
 std::vector<Byte> positionsSent(std::string_view serieNr, std::size_t size, bool knownModel);
 std::vector<Byte> positionsReceived(std::string_view serieNr, bool knownModel);
 
-/// Turns the first two bytes of each five-byte record from packed BCD into numbers, in `data` itself, and
-/// returns the result. Run-time error 13 for a byte that is not BCD.
-Bytes ConvertSim(Bytes& data);
-
 }  // namespace velk::modules

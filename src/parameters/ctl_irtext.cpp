@@ -1,6 +1,6 @@
 #include "parameters/ctl_irtext.h"
 
-#include "controller/selector.h"
+#include "link/selector.h"
 
 namespace velk::parameters {
 
@@ -8,7 +8,7 @@ Byte Ctl_IRText(const link::Memory& memory, std::string_view readOrWrite, Byte n
                 std::string_view text) {
   constexpr Byte lastText = 63;
   // The controller has no way to read these texts: the request is accepted and nothing is done.
-  if (controller::isRead(readOrWrite)) return nothingDone;
+  if (link::isRead(readOrWrite)) return nothingDone;
   if (number > lastText) throw link::Stop{badOffset};
   memory.write(infraredText(number), padded(text, 16));
   return 0;

@@ -1,8 +1,8 @@
 #include "parameters/ctl_param.h"
 
-#include "controller/modes.h"
-#include "controller/selector.h"
+#include "link/selector.h"
 #include "parameters/access.h"
+#include "parameters/modes.h"
 
 namespace velk::parameters {
 
@@ -11,7 +11,7 @@ using link::Stop;
 void Ctl_Param(const link::Memory& memory, std::string_view readOrWrite, const OutputAccess& access) {
   constexpr Byte lastOutput = 99;
   if (access.address < 1 || access.address > lastOutput) throw Stop{badAddress};
-  if (controller::isRead(readOrWrite)) {
+  if (link::isRead(readOrWrite)) {
     readOutput(memory, access);
   } else {
     writeOutput(memory, access);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "controller/modes.h"
+#include "parameters/modes.h"
 
 namespace velk::parameters {
 namespace {
@@ -106,15 +106,10 @@ constexpr Run block3{.at = 16, .size = 3};
 constexpr Run one17{.at = 17, .size = 1};
 constexpr Run ownBlock{.at = 0, .size = 16, .area = Area::block};
 
-constexpr std::array<Layout, controller::lastMode> table{{
+constexpr std::array<Layout, lastMode> table{{
     {.code = "BI", .block = block11, .own = {}, .items = groups, .bound = 15},
     {.code = "PB", .block = block3, .own = {}, .items = push, .bound = 3},
-    {.code = "DI",
-     .block = block7,
-     .own = {},
-     .items = dimmer,
-     .bound = 10,
-     .alsoStoredAs = controller::rollerMode},
+    {.code = "DI", .block = block7, .own = {}, .items = dimmer, .bound = 10, .alsoStoredAs = rollerMode},
     {.code = "RO", .block = block11, .own = {}, .items = roller, .bound = 10, .marked = true},
     {.code = "T1", .block = block7, .own = {}, .items = timer, .bound = 11},
     {.code = "T2", .block = block7, .own = {}, .items = timer, .bound = 11},
@@ -166,7 +161,7 @@ static_assert(forEveryItem([](const Layout& /*layout*/, const Item& item) {
                 return (item.at >= 2 && item.at <= 30) || item.at == 56;
               }),
               "no item lies in another table of the controller");
-static_assert(blockOf(1).dpl == 247 && blockOf(99).dpl == 253,
+static_assert(blockOf(1).page == 247 && blockOf(99).page == 253,
               "the blocks lie behind the pages 3 to 198 that hold the records of presets");
 static_assert(forEveryItem([](const Layout& layout, const Item& item) {
                 return layout.block.holds(item.area, item.at) || layout.own.holds(item.area, item.at) ||

@@ -1,13 +1,13 @@
-#include "controller/modes.h"
 #include "parameters/access.h"
 #include "parameters/image.h"
+#include "parameters/modes.h"
 
 namespace velk::parameters {
 
 void readOutput(const link::Memory& memory, const OutputAccess& access) {
   Image image(memory, access.address);
   image.fetch({.at = modeOffset, .size = 1});
-  access.mode = controller::ModeToStr(memory, image.at(Area::external, modeOffset), access.address);
+  access.mode = ModeToStr(memory, image.at(Area::external, modeOffset), access.address);
   const Layout* const layout = layoutOf(access.mode);
   if (access.count <= 0 && (layout == nullptr || !layout->itemsWithoutCount)) return;
 

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "controller/modes.h"
 #include "parameters/access.h"
 #include "parameters/image.h"
+#include "parameters/modes.h"
 #include "values/helpers.h"
 
 namespace velk::parameters {
@@ -118,7 +118,7 @@ Byte storedNumber(const Layout& layout, Byte number, Byte old, const std::vector
 /// Number 4 is "RO" or "DI" by the output's marker byte, so the marker has to follow the code. A marker that
 /// says "DI" already is left as it is.
 void mark(const Memory& memory, Byte output, bool roller) {
-  const link::Address marker = controller::rollerMarker(output);
+  const link::Address marker = rollerMarker(output);
   if (roller) {
     memory.write(marker, Bytes(1, character(output)));
   } else if (byteAt(memory.read(1, marker), 0) == output) {
@@ -139,7 +139,7 @@ bool isReserved(Byte output, std::string_view mode) {
 }  // namespace
 
 void writeOutput(const Memory& memory, const OutputAccess& access) {
-  const Byte number = controller::ModeToNr(access.mode);
+  const Byte number = ModeToNr(access.mode);
   if (number == 0 || isReserved(access.address, access.mode)) throw Stop{badMode};
   const Byte old = byteAt(memory.read(1, {.page = access.address, .offset = modeOffset}), 0);
   if (access.count == 0 && !layouts()[number - 1U].itemsWithoutCount) {
@@ -155,7 +155,7 @@ void writeOutput(const Memory& memory, const OutputAccess& access) {
   compose(memory, access.address, assignments, changes);
   store(memory, access.address, changes);
   const Byte stored = storedNumber(*layout, number, old, assignments);
-  if (stored == controller::rollerMode) mark(memory, access.address, layout->marked);
+  if (stored == rollerMode) mark(memory, access.address, layout->marked);
   storeMode(memory, access.address, stored);
 }
 

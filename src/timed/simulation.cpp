@@ -1,7 +1,7 @@
 #include "timed/simulation.h"
 
-#include "modules/conversion.h"
 #include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::timed {
 namespace {
@@ -51,10 +51,18 @@ void read(const Memory& memory, Address first, Bytes& data) {
     list += memory.read(blockSize, blockAt(first, offset));
     ended = cutAtEndMark(list);
   }
-  data = modules::ConvertSim(list);
+  data = ConvertSim(list);
 }
 
 }  // namespace
+
+Bytes ConvertSim(Bytes& data) {
+  for (std::size_t i = 0; i + 1 < data.size(); i += eventSize) {
+    data[i] = character(decimalOfBcd(byteAt(data, i)));
+    data[i + 1] = character(decimalOfBcd(byteAt(data, i + 1)));
+  }
+  return data;
+}
 
 void Simulation(const Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour, Bytes& data) {
   if (weekday > 6 || hour > 23) throw link::Stop{badValue};

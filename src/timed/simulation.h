@@ -19,4 +19,8 @@ constexpr link::Address eventList(Byte weekday, Byte hour) {
 void Simulation(const link::Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour,
                 Bytes& data);
 
+/// Turns the first two bytes of each five-byte record from packed BCD into numbers, in `data` itself, and
+/// returns the result. Run-time error 13 for a byte that is not BCD.
+Bytes ConvertSim(Bytes& data);
+
 }  // namespace velk::timed

@@ -37,21 +37,5 @@ TEST(ConversionTest, RecordsByDirection) {
   EXPECT_EQ(errorOf([] { ConvertTXData("090255", "\x01\x01\x01", true); }), 5) << "a field behind the end";
 }
 
-TEST(ConversionTest, SimulationRecords) {
-  const std::pair<Bytes, Bytes> rows[] = {
-      {bytes({0x23, 0x59, 1, 2, 3, 0x07, 0x30}), bytes({23, 59, 1, 2, 3, 7, 30})},
-      {bytes({0x12, 0x10, 0xFF, 0xAA, 0xBB, 0x12}), bytes({12, 10, 0xFF, 0xAA, 0xBB, 0x12})},
-      {bytes({0x12}), bytes({0x12})},
-      {"", ""},
-  };
-  for (const auto& [bcd, numbers] : rows) {
-    Bytes data = bcd;
-    EXPECT_EQ(ConvertSim(data), numbers);
-    EXPECT_EQ(data, numbers) << "the caller's text changes too";
-  }
-  Bytes bad = bytes({0x12, 0x1A});
-  EXPECT_EQ(errorOf([&] { ConvertSim(bad); }), 13);
-}
-
 }  // namespace
 }  // namespace velk::modules

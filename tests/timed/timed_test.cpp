@@ -125,6 +125,22 @@ TEST_F(SimulationRecords, ListsOfEveryLength) {
   }
 }
 
+TEST_F(SimulationRecords, TimesFromBcd) {
+  const std::pair<Bytes, Bytes> rows[] = {
+      {bytes({0x23, 0x59, 1, 2, 3, 0x07, 0x30}), bytes({23, 59, 1, 2, 3, 7, 30})},
+      {bytes({0x12, 0x10, 0xFF, 0xAA, 0xBB, 0x12}), bytes({12, 10, 0xFF, 0xAA, 0xBB, 0x12})},
+      {bytes({0x12}), bytes({0x12})},
+      {"", ""},
+  };
+  for (const auto& [bcd, numbers] : rows) {
+    Bytes data = bcd;
+    EXPECT_EQ(serial.ConvertSim(data), numbers);
+    EXPECT_EQ(data, numbers) << "the caller's text changes too";
+  }
+  Bytes bad = bytes({0x12, 0x1A});
+  EXPECT_EQ(errorOf([&] { serial.ConvertSim(bad); }), 13);
+}
+
 TEST_F(SimulationRecords, BlocksAndAddresses) {
   Bytes data = bytes({12, 34, 1, 2, 3, 56, 7, 8, 9, 10, 11, 12, 13, 14, 15});
   EXPECT_EQ(serial.Simulation("W", 1, 10, data), 0);

@@ -8,8 +8,8 @@
 #include "cli/things/event.h"
 #include "cli/things/output.h"
 #include "cli/words.h"
-#include "controller/modes.h"
 #include "parameters/layouts.h"
+#include "parameters/modes.h"
 #include "timed/simulation.h"
 
 namespace velk::cli {
@@ -72,7 +72,7 @@ void checkModes(const Lines& lines) {
   for (int output = 1; output <= lastOutput; ++output) {
     const Byte mode = byteOf(
         lines, {.area = Area::external, .page = static_cast<Byte>(output), .offset = parameters::modeOffset});
-    if (mode > controller::lastMode) {
+    if (mode > parameters::lastMode) {
       throw std::invalid_argument("output " + std::to_string(output) + " has the mode " +
                                   std::to_string(mode) + ", which does not exist");
     }

@@ -7,8 +7,8 @@
 #include "cli/retry.h"
 #include "cli/transfer.h"
 #include "cli/words.h"
-#include "controller/modes.h"
 #include "parameters/layouts.h"
+#include "parameters/modes.h"
 
 namespace velk::cli {
 namespace {
@@ -50,8 +50,8 @@ Byte readByte(Serial& serial, link::Address at, const std::string& what) {
 /// asked again.
 std::string readMode(Serial& serial, Byte number, const std::string& what) {
   const Byte mode = readByte(serial, {.page = number, .offset = parameters::modeOffset}, what);
-  if (mode != controller::rollerMode) return serial.ModeToStr(mode, number);
-  return readByte(serial, controller::rollerMarker(number), what) == number ? "RO" : "DI";
+  if (mode != parameters::rollerMode) return serial.ModeToStr(mode, number);
+  return readByte(serial, parameters::rollerMarker(number), what) == number ? "RO" : "DI";
 }
 
 }  // namespace

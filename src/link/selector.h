@@ -2,11 +2,11 @@
 
 #include <string_view>
 
-namespace velk::controller {
+namespace velk::link {
 
 /// Whether a configuration method's `ReadOrWrite` text asks for a read: exactly "R" does. Any other text that
 /// occurs inside "RW", so "W", "RW" and the empty text, asks for a write; anything else ends the method with
 /// 101.
 bool isRead(std::string_view readOrWrite);
 
-}  // namespace velk::controller
+}  // namespace velk::link

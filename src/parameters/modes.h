@@ -7,7 +7,7 @@
 #include "values/bytes.h"
 
 /// Output modes: two-letter codes for people and hosts, numbers 1 to 21 in the controller.
-namespace velk::controller {
+namespace velk::parameters {
 
 constexpr Byte lastMode = 21;
 
@@ -27,4 +27,4 @@ constexpr link::Address rollerMarker(Byte address) {
   return {.page = 0x10, .offset = static_cast<Byte>(255 - address)};
 }
 
-}  // namespace velk::controller
+}  // namespace velk::parameters

@@ -1,8 +1,8 @@
-#include "controller/modes.h"
+#include "parameters/modes.h"
 
 #include <cmath>
 
-namespace velk::controller {
+namespace velk::parameters {
 namespace {
 
 /// The code with number n starts at character 3n, counted from 1; that is what makes the division below work.
@@ -29,4 +29,4 @@ std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address) {
   return std::string(packedCodes.substr(std::size_t{3} * mode - 1, 2));
 }
 
-}  // namespace velk::controller
+}  // namespace velk::parameters
