@@ -12,35 +12,7 @@ Bytes joined(const char (&head)[size], std::string_view data, std::string_view t
   return frame;
 }
 
-Area areaOf(bool isExternal, bool isHigh) {
-  if (isExternal) return isHigh ? Area::highExternal : Area::external;
-  return isHigh ? Area::highBlock : Area::block;
-}
-
-Byte commandByte(Byte count, Area area) {
-  return static_cast<Byte>(((count - 1) & countMask) | (isHighBank(area) ? highBank : 0) |
-                           (isExternal(area) ? externalArea : 0));
-}
-
 }  // namespace
-
-Area areaOf(Byte count, std::string_view direction) {
-  constexpr Byte lowestOfHighBank = 128;
-  return areaOf(direction == "V", count >= lowestOfHighBank);
-}
-
-Area areaOf(Byte command) {
-  return areaOf((command & externalArea) != 0, (command & highBank) != 0);
-}
-
-Request readRequest(Byte count, Address at) {
-  return {.command = commandByte(count, at.area), .dph = at.high(), .dpl = at.low(), .data = {}};
-}
-
-Request writeRequest(Byte count, Address at, std::string_view data) {
-  const auto command = static_cast<Byte>(commandByte(count, at.area) | CommandBit::write);
-  return {.command = command, .dph = at.high(), .dpl = at.low(), .data = data};
-}
 
 Bytes echoFrame(const Request& r) {
   return joined({'*', character(r.command), character(r.dph), character(r.dpl)}, r.data);

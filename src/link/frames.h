@@ -33,17 +33,35 @@ struct Request {
 
 /// The area that `ReadCom` and `WriteCom` reach with a byte count and a direction letter: only "V" means the
 /// external ones, and counts of 128 and above the high bank.
-Area areaOf(Byte count, std::string_view direction);
+constexpr Area areaOf(Byte count, std::string_view direction) {
+  constexpr Byte lowestOfHighBank = 128;
+  const bool isHigh = count >= lowestOfHighBank;
+  if (direction == "V") return isHigh ? Area::highExternal : Area::external;
+  return isHigh ? Area::highBlock : Area::block;
+}
 
 /// The area that a command byte selects.
-Area areaOf(Byte command);
+constexpr Area areaOf(Byte command) {
+  return areaOf(command & highBank, (command & externalArea) != 0 ? "V" : "H");
+}
 
-/// The request that reads `count` bytes. A count of 0 means 16 bytes, and counts above 16 wrap: 17 transfers
-/// 1 byte, 128 and 144 transfer 16.
-Request readRequest(Byte count, Address at);
+/// The command byte of a read. A count of 0 means 16 bytes, and counts above 16 wrap: 17 transfers 1 byte,
+/// 128 and 144 transfer 16.
+constexpr Byte commandByte(Byte count, Area area) {
+  return static_cast<Byte>(((count - 1) & countMask) | (isHighBank(area) ? highBank : 0) |
+                           (isExternal(area) ? externalArea : 0));
+}
+
+/// The request that reads `count` bytes.
+constexpr Request readRequest(Byte count, Address at) {
+  return {.command = commandByte(count, at.area), .dph = at.high(), .dpl = at.low(), .data = {}};
+}
 
 /// The request that writes them. The length of `data` is not checked against `count`.
-Request writeRequest(Byte count, Address at, std::string_view data);
+constexpr Request writeRequest(Byte count, Address at, std::string_view data) {
+  const auto command = static_cast<Byte>(commandByte(count, at.area) | CommandBit::write);
+  return {.command = command, .dph = at.high(), .dpl = at.low(), .data = data};
+}
 
 /// The number of data bytes that a command byte asks for, 1 to 16.
 constexpr std::size_t dataCount(Byte command) {

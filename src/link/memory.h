@@ -20,7 +20,7 @@ class Memory {
  public:
   explicit Memory(Link link) : link_(link) {}
 
-  /// Reads `count` bytes, 1 to 16; see `readRequest` for others.
+  /// Reads `count` bytes, 1 to 16; see `commandByte` for others.
   [[nodiscard]] Bytes read(Byte count, Address at) const;
 
   /// Writes `data`, whose length is the count.

@@ -11,7 +11,7 @@ namespace velk::link {
 /// data bytes, or one of the one-byte codes of `Result`, 251 to 254. `attempts` 0 means 3.
 Bytes tranCeiv(Link link, const Request& request, Byte attempts);
 
-/// Reads `count` bytes (1 to 16; see `readRequest` for others) at an address.
+/// Reads `count` bytes (1 to 16; see `commandByte` for others) at an address.
 Bytes readCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, Byte attempts);
 
 /// Writes `data` at an address. The length of `data` is not checked against `count`.

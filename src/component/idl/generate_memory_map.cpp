@@ -116,7 +116,10 @@ std::string rangeOf(Byte first, Byte last) {
 std::string describe(const velk::memory::Region& region) {
   std::string text;
   char letter = 'N';
-  for (const char c : region.name) text += c == '%' ? letter++ : c;
+  for (const char c : region.name) {
+    text += c == '%' ? letter : c;
+    if (c == '%') letter = 'K';
+  }
   return text.empty() ? "output N, nothing known" : text;
 }
 
