@@ -48,6 +48,8 @@ Byte ConvertErr(double ErrorNr) {
       Row{RuntimeError::portAlreadyOpen, portAlreadyOpen}, Row{RuntimeError::deviceNotOpen, nothingToClose},
       Row{RuntimeError::portNotOpen, portNotOpen}, Row{RuntimeError::badSocketState, notConnected},
       Row{RuntimeError::socketNotClosed, notConnected}};
+  static_assert(std::is_sorted(rows.begin(), rows.end(),
+                               [](const Row& a, const Row& b) { return a.number < b.number; }));
   const auto* const found =
       std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.number == ErrorNr; });
   return found == rows.end() ? otherFailure : found->result;
