@@ -255,9 +255,10 @@ class Tests:
         may be part of other programs, too."""
         query = subprocess.run(["ninja", "-C", self.tree, "-t", "inputs", "bin/velk_tests"], check=True,
                                capture_output=True, text=True).stdout.split()
+        objects = {path for path in query if path.endswith(".o")}
         commands = [(os.path.relpath(c["file"], ROOT), shlex.split(c["command"]))
                     for c in json.load(open(os.path.join(self.tree, "compile_commands.json")))]
-        return {file: command for file, command in commands if command[command.index("-o") + 1] in query}
+        return {file: command for file, command in commands if command[command.index("-o") + 1] in objects}
 
     def read_dependents(self):
         """For each header the files of src/ that see it, and the tests that mirror its folder: a default of an argument
@@ -338,8 +339,8 @@ class Tests:
                               capture_output=True, text=True)
         for path in made.values():
             os.remove(path)
-        if link.returncode != 0:
-            return None
+        if link.returncode != 0:  # no break takes a name away
+            raise RuntimeError(link.stderr)
         near = self.suites[b.folder]
         return (self.run(program, near, self.limits[near]) != 0 or
                 self.run(program, "-" + near, self.limits["*"]) != 0)

@@ -39,7 +39,8 @@ std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
   constexpr Byte outputBit = 128;
   std::vector<SoftLink> links;
   // All four records at once: most sources have none.
-  const Bytes records = readMemory(serial, controller::linkRecord(source, 0), linksOfSource * linkSize);
+  const Bytes records =
+      readMemory(serial, controller::linkRecord(source, 0), std::size_t{linksOfSource} * linkSize);
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
     const Byte first = byteAt(records, std::size_t{sub} * linkSize);
     if (first == 0 || isLeftover(serial, source, sub, records)) continue;
