@@ -4,29 +4,23 @@
 // The interface needs the base types first.
 #include <objidl.h>
 
+#include <cfloat>
+
 namespace hosts {
 
-/// Has the processor stop the program at an invalid operation, as some hosts do: in both of its units for
-/// such numbers. The compiler's own functions for that are not there in every 32-bit build.
+/// Has the processor stop the program at an invalid operation, as some hosts do.
 class InvalidOperationsStop {
  public:
-  InvalidOperationsStop() {
-    __asm__ volatile("stmxcsr %0; fnstcw %1" : "=m"(vector_), "=m"(legacy_));
-    constexpr unsigned flag = 0x01;
-    constexpr unsigned vectorMask = 0x80;
-    set(vector_ & ~(flag | vectorMask), static_cast<unsigned short>(legacy_ & ~flag));
-  }
-  ~InvalidOperationsStop() { set(vector_, legacy_); }
+  InvalidOperationsStop() { set(0); }
+  ~InvalidOperationsStop() { set(_EM_INVALID); }
   InvalidOperationsStop(const InvalidOperationsStop&) = delete;
   InvalidOperationsStop& operator=(const InvalidOperationsStop&) = delete;
 
  private:
-  static void set(unsigned vector, unsigned short legacy) {
-    __asm__ volatile("fnclex; fldcw %0; ldmxcsr %1" : : "m"(legacy), "m"(vector));
+  static void set(unsigned masked) {
+    _clearfp();
+    _controlfp(masked, _EM_INVALID);
   }
-
-  unsigned vector_ = 0;
-  unsigned short legacy_ = 0;
 };
 
 /// Counts the blocks of memory that texts and arrays of automation have in use, while it lives.
