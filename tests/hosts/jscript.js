@@ -18,20 +18,14 @@ function check(name, got, expected) {
   }
 }
 
-function open() {
-  if (!overTcp) return serial.OpenCom(port, 9600, words(2) === "fast");
-  return serial.OpenTCP("127.0.0.1", port > 32767 ? port - 65536 : port, words(2));
-}
-
 function checkError(name, number, action) {
-  var caught = null;
   try {
     action();
+    check(name, "nothing", number);
   } catch (error) {
-    caught = error;
+    check(name, error.number & 0xFFFF, number);
+    check(name + ": description", error.message.length > 0, true);
   }
-  check(name, caught === null ? "nothing" : caught.number & 0xFFFF, number);
-  check(name + ": description", caught !== null && caught.message.length > 0, true);
 }
 
 check("an argument left out", serial.OpenTCP("127.0.0.1", 1), 252);
@@ -39,7 +33,6 @@ serial.CloseTCP();
 check("a fraction", serial.DECtoBCD(58.6), 89);
 check("a truth value", serial.IfSetBit(64, 6), true);
 check("an empty result", typeof serial.WhatBit(0), "undefined");
-
 serial.NoEcho = 1;
 check("a truth property", serial.NoEcho, true);
 
@@ -51,12 +44,12 @@ check("256 bytes in a text", serial.SoortETH, all);
 checkError("port not open", 8018, function () { serial.TranCeiv(32, 5, 1, ""); });
 checkError("a character that is no byte", 5, function () { serial.SoortETH = "\u4E2D"; });
 
-check("open", open(), 0);
+check("open", overTcp ? serial.OpenTCP("127.0.0.1", port > 32767 ? port - 65536 : port, words(2))
+                      : serial.OpenCom(port, 9600, words(2) === "fast"), 0);
 if (overTcp) check("kind", serial.SoortETH, words(3));
 var reply = serial.ReadCom(1, 5, 1, "V");
 check("length of the reply", reply.length, 2);
 check("status", reply.charCodeAt(0), 0);
-check("mode number", serial.ModeToNr(serial.ModeToStr(reply.charCodeAt(1), 5)), 5);
 check("close", overTcp ? serial.CloseTCP() : serial.CloseCom(), 0);
 
 WScript.Echo("done");

@@ -1,12 +1,12 @@
-' What the scripts that use a link share; the runner puts it in front of each.
-' Arguments: "tcp" port password kind, or "com" port "echo" or "fast".
+' What the VBScript hosts share; the runner puts it in front of each.
+' Arguments, where a link is used: "tcp" port password kind, or "com" port "echo" or "fast".
 Option Explicit
 
 Dim failures, serial, link, label
 failures = 0
 Set serial = CreateObject("VelkCom.Serial")
 Set link = WScript.Arguments
-label = link(0) & " " & link(link.Count - 1) & ": "
+If link.Count > 0 Then label = link(0) & " " & link(link.Count - 1) & ": "
 
 Sub Check(name, got, expected)
   If got = expected Then
@@ -15,6 +15,19 @@ Sub Check(name, got, expected)
     failures = failures + 1
     WScript.Echo "FAILED " & label & name & ": got [" & got & "], expected [" & expected & "]"
   End If
+End Sub
+
+' The same for type and value: "Byte 89".
+Sub CheckType(name, got, expected)
+  Check name, TypeName(got) & " " & got, expected
+End Sub
+
+' A call that has to succeed with the variable x for several results, which keeps the last one.
+Dim x
+Sub Last(name, result, expected)
+  Check name, result, 0
+  CheckType "  the last result", x, expected
+  x = Empty
 End Sub
 
 Function OpenLink()
@@ -37,11 +50,11 @@ Function Hexed(text)
 End Function
 
 Sub CloseLink()
-  If link(0) = "com" Then
-    Check "close", serial.CloseCom(), 0
-  Else
-    Check "close", serial.CloseTCP(), 0
-  End If
+  If link(0) = "com" Then Check "close", serial.CloseCom(), 0 Else Check "close", serial.CloseTCP(), 0
+  Finish
+End Sub
+
+Sub Finish()
   WScript.Echo "done"
   WScript.Quit failures
 End Sub

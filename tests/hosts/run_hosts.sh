@@ -27,10 +27,10 @@ failed=0
 report() { # report 0|1 NAME: prints the line of a check and counts it
   if [ "$1" -eq 0 ]; then
     passed=$((passed + 1))
-    echo "ok $2"
+    printf 'ok %s\n' "$2"
   else
     failed=$((failed + 1))
-    echo "FAILED $2"
+    printf 'FAILED %s\n' "$2"
   fi
 }
 
@@ -45,7 +45,7 @@ wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null; }
 
 count_lines() { # count_lines FILE: prints the check lines of a host and counts them
   lines=$(tr -d '\r' <"$1" | grep -E '^(ok|FAILED) ')
-  [ -z "$lines" ] || echo "$lines"
+  [ -z "$lines" ] || printf '%s\n' "$lines"
   passed=$((passed + $(printf '%s\n' "$lines" | grep -c '^ok ')))
   failed=$((failed + $(printf '%s\n' "$lines" | grep -c '^FAILED ')))
 }
@@ -76,8 +76,8 @@ script() { # script FILE ARGUMENTS...: runs a script host
   file=$1
   shift
   case $file in
-  values.vbs | *.js) cp "$here/$file" "$work/$file" ;;
-  *) cat "$here/link_common.vbs" "$here/$file" >"$work/$file" ;;
+  *.vbs) cat "$here/link_common.vbs" "$here/$file" >"$work/$file" ;;
+  *) cp "$here/$file" "$work/$file" ;;
   esac
   until_not_held_up "$output" run_script "$file" "$@"
   count_lines "$output"
@@ -85,12 +85,8 @@ script() { # script FILE ARGUMENTS...: runs a script host
   report $? "$file $* ran to its end"
 }
 
-end_children() {
-  for child in $children; do kill "$child" 2>/dev/null && wait "$child" 2>/dev/null; done
-  children=
-}
 end() {
-  end_children
+  for child in $children; do kill "$child" 2>/dev/null && wait "$child" 2>/dev/null; done
   wineserver -k >/dev/null 2>&1
 }
 trap end EXIT
@@ -131,85 +127,74 @@ time.sleep(7200)' >"$work/silent.log" &
 
 export_classes() { # export_classes NAME: what is registered for everybody and for this user
   for hive in HKLM HKCU; do
-    rm -f "$work/$1-$hive.reg"
-    for _ in 1 2 3; do # a program that starts while Wine's server is ending may fail
-      wine_run reg export "$hive\\Software\\Classes" "$work/$1-$hive.reg" /y >/dev/null
-      [ -s "$work/$1-$hive.reg" ] && break
-    done
+    rm -f "$work/classes.reg"
+    wine_run reg export "$hive\\Software\\Classes" "$work/classes.reg" /y >/dev/null
+    iconv -f utf-16 -t utf-8 "$work/classes.reg" >"$work/$1-$hive.txt"
   done
 }
-
-leaves_nothing() { # leaves_nothing NAME: the classes are again what they were; shows what is not
-  for hive in HKLM HKCU; do
-    for file in before "$1"; do iconv -f utf-16 -t utf-8 "$work/$file-$hive.reg" >"$work/$file-$hive.txt"; done
-    diff "$work/before-$hive.txt" "$work/$1-$hive.txt"
-  done >"$work/left.txt"
+leaves_nothing() { # the classes are again what they were; shows what is not
+  export_classes after
+  for hive in HKLM HKCU; do diff "$work/before-$hive.txt" "$work/after-$hive.txt"; done >"$work/left.txt"
   head -20 "$work/left.txt"
   [ ! -s "$work/left.txt" ]
   report $? "  leaves nothing"
 }
-differs() { ! cmp -s "$work/$1" "$work/$2"; }
-same() { cmp -s "$work/$1" "$work/$2"; }
-has_key() { wine_run reg query "$1"; }
-lacks_key() { ! has_key "$1"; }
+
+# Keys below $classes.
+regsvr() { wine_run regsvr32 /s "$@" "$build/bin/VelkCom.dll" >/dev/null; }
+add() { wine_run reg add "$classes\\$1" /ve /d "$2" /f >/dev/null; }
+remove() { wine_run reg delete "$classes\\$1" /f >/dev/null; }
+has() { for key; do check "  has $key" wine_run reg query "$classes\\$key"; done; }
+is_missing() { ! wine_run reg query "$classes\\$1"; }
+lacks() { for key; do check "  has no $key" is_missing "$key"; done; }
 
 registration() {
-  dll=$build/bin/VelkCom.dll
+  class='CLSID\{DD354E3B-3B0A-4871-81E2-879F41FB2B63}'
+  library='TypeLib\{5694BB07-4353-4508-8C6C-0B988D8DD518}'
   classes='HKCU\Software\Classes'
-  for folder in CLSID Interface TypeLib; do # these are there on every used system
-    wine_run reg add "$classes\\$folder" /f >/dev/null
-  done
-  wine_run regsvr32 /s /u "$dll" >/dev/null
-  wine_run regsvr32 /s /u /n /i:user "$dll" >/dev/null
+  for folder in CLSID Interface TypeLib; do add $folder ""; done # these are there on every used system
+  regsvr /u
+  regsvr /u /n /i:user
   export_classes before
 
-  check "registering for this user" wine_run regsvr32 /s /n /i:user "$dll"
+  check "registering for this user" regsvr /n /i:user
+  has "$library\\1.0\\0\\$own"
   export_classes user
-  check "  writes this user's keys" differs before-HKCU.reg user-HKCU.reg
-  check "  and no others" same before-HKLM.reg user-HKLM.reg
-  check "  with the $own type library" has_key "$classes\\TypeLib\\{5694BB07-4353-4508-8C6C-0B988D8DD518}\\1.0\\0\\$own"
-  check "unregistering for this user" wine_run regsvr32 /s /u /n /i:user "$dll"
-  export_classes user-after
-  leaves_nothing user-after
-  check "the word for this user in capitals" wine_run regsvr32 /s /n /i:USER "$dll"
-  check "  registers" has_key "$classes\\VelkCom.Serial"
-  wine_run regsvr32 /s /u /n /i:User "$dll" >/dev/null
-  export_classes capitals-after
-  leaves_nothing capitals-after
+  check "  and for nobody else" cmp "$work/before-HKLM.txt" "$work/user-HKLM.txt"
+  check "unregistering for this user" regsvr /u /n /i:user
+  leaves_nothing
+  check "the word for this user in capitals" regsvr /n /i:USER
+  has VelkCom.Serial
+  regsvr /u /n /i:User
+  leaves_nothing
 
   # A component of the other width that is registered beside it keeps the keys that both share.
-  library='HKLM\Software\Classes\TypeLib\{5694BB07-4353-4508-8C6C-0B988D8DD518}'
-  wine_run reg add "$library\\1.0\\0\\$other" /ve /d other.dll /f >/dev/null
-  check "registering for everybody" wine_run regsvr32 /s "$dll"
-  check "unregistering beside the $other component" wine_run regsvr32 /s /u "$dll"
-  check "  leaves its type library" has_key "$library\\1.0\\0\\$other"
-  check "  and its name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
-  wine_run reg delete "$library\\1.0\\0\\$other" /f >/dev/null
+  classes='HKLM\Software\Classes'
+  add "$library\\1.0\\0\\$other" other.dll
+  check "registering for everybody" regsvr
+  check "unregistering beside the $other component" regsvr /u
+  has "$library\\1.0\\0\\$other" 'VelkCom.Serial\CLSID'
+  remove "$library\\1.0\\0\\$other"
 
   # A later version has a type library of its own and takes over what bears no version.
-  wine_run regsvr32 /s "$dll" >/dev/null
-  wine_run reg add "$library\\2.0" /ve /d later /f >/dev/null
-  for key in 'VelkCom.Serial\CurVer' 'CLSID\{DD354E3B-3B0A-4871-81E2-879F41FB2B63}\ProgID'; do
-    wine_run reg add "HKLM\\Software\\Classes\\$key" /ve /d VelkCom.Serial.2 /f >/dev/null
-  done
-  check "unregistering beside a later version" wine_run regsvr32 /s /u "$dll"
-  check "  leaves the later type library" has_key "$library\\2.0"
-  check "  and not its own" lacks_key "$library\\1.0"
-  check "  leaves the name" has_key 'HKLM\Software\Classes\VelkCom.Serial\CLSID'
-  check "  and not the name with its version" lacks_key 'HKLM\Software\Classes\VelkCom.Serial.1'
-  check "  leaves the class" has_key 'HKLM\Software\Classes\CLSID\{DD354E3B-3B0A-4871-81E2-879F41FB2B63}'
-  wine_run reg delete "$library\\2.0" /f >/dev/null
-  check "registering over it" wine_run regsvr32 /s "$dll"
-  check "unregistering for everybody" wine_run regsvr32 /s /u "$dll"
-  export_classes after
-  leaves_nothing after
-  check "registering again" wine_run regsvr32 /s "$dll"
+  regsvr
+  add "$library\\2.0" later
+  add 'VelkCom.Serial\CurVer' VelkCom.Serial.2
+  add "$class\\ProgID" VelkCom.Serial.2
+  check "unregistering beside a later version" regsvr /u
+  has "$library\\2.0" 'VelkCom.Serial\CLSID' "$class"
+  lacks "$library\\1.0" VelkCom.Serial.1
+  remove "$library\\2.0"
+  check "registering over it" regsvr
+  check "unregistering for everybody" regsvr /u
+  leaves_nothing
+  check "registering again" regsvr
 }
 
 # --- Hosts
 
 test_program() { # test_program NAME: runs a program of tests
-  export VELK_TCP_PORT="$port_q" VELK_TCP_S_PORT="$port_s" VELK_ECHO_PORT=5 VELK_FAST_PORT=6
+  export VELK_TCP_PORT="$port_q" VELK_TCP_S_PORT="$port_s" VELK_FAST_PORT=6
   export VELK_SILENT_PORT="$(cat "$work/silent.log")"
   until_not_held_up "$work/$1.log" wine_run "$build/bin/$1.exe" --gtest_color=no
   status=$?
