@@ -13,10 +13,8 @@ namespace velk::link {
 /// or the block area, and by its bank.
 enum class Area : Byte { external, block, highBlock, highExternal };
 
-constexpr std::size_t areas = 4;
-
 /// What people call them: the direction letter of `ReadCom`, "+" for the high bank.
-constexpr std::array<std::string_view, areas> areaNames{"V", "H", "H+", "V+"};
+constexpr auto areaNames = std::to_array<std::string_view>({"V", "H", "H+", "V+"});
 
 constexpr std::string_view nameOf(Area area) {
   return areaNames.at(static_cast<std::size_t>(area));

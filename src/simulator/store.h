@@ -30,7 +30,7 @@ class Store {
     return static_cast<std::size_t>(at.area) * areaSize + at.page * std::size_t{256} + at.offset;
   }
 
-  std::vector<Byte> cells_ = std::vector<Byte>(link::areas * areaSize);
+  std::vector<Byte> cells_ = std::vector<Byte>(link::areaNames.size() * areaSize);
 };
 
 }  // namespace velk::simulator
