@@ -7,20 +7,18 @@ const std::string gsm = "930100";
 
 TEST(GsmTextTest, WriteAndRead) {
   ModuleHouse house({"code=127@2"});
-  EXPECT_EQ(house.serial.GSMtext("W", gsm, 200, "20 characters long !"), 0);
-  EXPECT_EQ(house.requests, (Requests{"write 16 H+ 001A 32 30 20 63 68 61 72 61 63 74 65 72 73 20 6C 6F",
-                                      "write 4 H+ 101A 6E 67 20 21", "write 6 V 000A DE C8 9F 5D 01 00",
-                                      "write 1 V 0000 FF", "read  1 V 0000", "read  1 V 000A"}));
+  EXPECT_EQ(
+      house.outcome(house.serial.GSMtext("W", gsm, 200, "20 characters long !")),
+      "0: write 16 H+ 001A 32 30 20 63 68 61 72 61 63 74 65 72 73 20 6C 6F; write 4 H+ 101A 6E 67 20 21; "
+      "write 6 V 000A DE C8 9F 5D 01 00; write 1 V 0000 FF; read  1 V 0000; read  1 V 000A");
   Bytes data = "old";
   EXPECT_EQ(house.serial.GSMtext("R", gsm, 201, data), 0) << "at the second attempt";
   EXPECT_EQ(data, Bytes(64, '\0')) << "each text has a number of its own";
   house.restart();
-  EXPECT_EQ(house.serial.GSMtext("R", gsm, 200, data), 0);
+  EXPECT_EQ(house.outcome(house.serial.GSMtext("R", gsm, 200, data)),
+            "0: write 6 V 000A DE C8 1F 5D 01 00; write 1 V 0000 FF; read  1 V 0000; read  1 V 000A; "
+            "read  16 H+ 001A; read  16 H+ 101A; read  16 H+ 201A; read  16 H+ 301A");
   EXPECT_EQ(data, padded("20 characters long !", 64, '\0'));
-  EXPECT_EQ(house.requests, (Requests{"write 6 V 000A DE C8 1F 5D 01 00", "write 1 V 0000 FF",
-                                      "read  1 V 0000", "read  1 V 000A", "read  16 H+ 001A",
-                                      "read  16 H+ 101A", "read  16 H+ 201A", "read  16 H+ 301A"}));
-  house.restart();
   EXPECT_EQ(house.serial.GSMtext("W", gsm, 1, ""), 0);
   EXPECT_EQ(house.requests.size(), 4U) << "no block";
   EXPECT_EQ(house.serial.GSMtext("W", gsm, 1, Bytes(257, 'x')), 99) << "no place for the last block";

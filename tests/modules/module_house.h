@@ -5,14 +5,13 @@
 
 #include "simulator/house_modules.h"
 #include "simulator/mailbox.h"
-#include "support/simulated_house.h"
+#include "support/watched_house.h"
 
 namespace velk::test {
 
-using Requests = std::vector<std::string>;
-
-/// What `Module` takes and gives back besides its result.
+/// What `Module` takes and gives back.
 struct Record {
+  Byte result = 0;
   Bytes data;
   Byte offset = 0;
   std::string model;
@@ -21,8 +20,9 @@ struct Record {
 
   friend bool operator==(const Record&, const Record&) = default;
   friend std::ostream& operator<<(std::ostream& stream, const Record& r) {
-    return stream << testing::PrintToString(r.data) << " +" << int{r.offset} << " model \"" << r.model
-                  << "\", CPU " << int{r.cpu} << ", firmware \"" << r.firmware << '"';
+    return stream << int{r.result} << ": " << testing::PrintToString(r.data) << " +" << int{r.offset}
+                  << " model \"" << r.model << "\", CPU " << int{r.cpu} << ", firmware \"" << r.firmware
+                  << '"';
   }
 };
 
@@ -48,7 +48,7 @@ inline simulator::Module moduleOf(const std::string& serieNr, const std::string&
 
 /// The simulated house with its modules, or with others. A test that tries one fault after the other
 /// makes a house for each.
-class ModuleHouse final : public SimulatedHouse {
+class ModuleHouse final : public WatchedHouse {
  public:
   explicit ModuleHouse(const simulator::Faults& faults = {}) {
     simulator::attachModules(controller, faults);
@@ -71,11 +71,10 @@ class ModuleHouse final : public SimulatedHouse {
     restart();
   }
 
-  Byte read(const std::string& serieNr, Record& record) { return call("R", serieNr, record); }
-  Byte write(const std::string& serieNr, Record& record) { return call("W", serieNr, record); }
+  Record read(const std::string& serieNr, const Record& record = {}) { return call("R", serieNr, record); }
+  Record write(const std::string& serieNr, const Record& record) { return call("W", serieNr, record); }
   Byte write(const std::string& serieNr, const Bytes& data, Byte offset = 0) {
-    Record record{.data = data, .offset = offset};
-    return write(serieNr, record);
+    return write(serieNr, Record{.data = data, .offset = offset}).result;
   }
 
   /// The time since the link was opened or since `restart`, in milliseconds.
@@ -88,6 +87,12 @@ class ModuleHouse final : public SimulatedHouse {
 
   [[nodiscard]] std::size_t countOf(const std::string& request) const {
     return static_cast<std::size_t>(std::count(requests.begin(), requests.end(), request));
+  }
+
+  /// The last requests, as `sent` tells them.
+  std::string last(std::size_t count) {
+    if (requests.size() > count) requests.erase(requests.begin(), requests.end() - std::ptrdiff_t(count));
+    return sent();
   }
 
   /// Number and direction byte of each header: "00 4F, 01 50".
@@ -112,16 +117,15 @@ class ModuleHouse final : public SimulatedHouse {
     return data;
   }
 
-  using SimulatedHouse::host;
-  using SimulatedHouse::memoryAt;
-  using SimulatedHouse::requests;
-  using SimulatedHouse::serial;
+  using SimulatedHouse::host, SimulatedHouse::memoryAt, SimulatedHouse::requests, SimulatedHouse::serial;
+  using WatchedHouse::outcome, WatchedHouse::sent;
 
  private:
   void TestBody() override {}
 
-  Byte call(const std::string& direction, const std::string& serieNr, Record& r) {
-    return serial.Module(direction, serieNr, r.data, r.offset, r.model, r.cpu, r.firmware);
+  Record call(const std::string& direction, const std::string& serieNr, Record r) {
+    r.result = serial.Module(direction, serieNr, r.data, r.offset, r.model, r.cpu, r.firmware);
+    return r;
   }
 
   std::chrono::milliseconds startedAt_{0};

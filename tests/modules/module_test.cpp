@@ -3,17 +3,26 @@
 namespace velk::test {
 namespace {
 
-Requests last(const Requests& requests, std::size_t count) {
-  return {requests.end() - static_cast<std::ptrdiff_t>(std::min(count, requests.size())), requests.end()};
+TEST(ModuleTest, IsIdentified) {
+  ModuleHouse house;
+  EXPECT_EQ(house.outcome(house.serial.RXModuleVersie("090500")),
+            "0: write 16 V 000A DE 00 4F 09 05 00 20 20 20 20 20 20 20 20 20 20; write 1 V 0000 FF; "
+            "read  1 V 0000; read  1 V 000A; read  16 V 0010");
+  EXPECT_EQ(house.outcome(house.serial.RXModuleVersie("ab1234")), "0: ") << "0 has no identification";
+  EXPECT_EQ(house.serial.RXModuleVersie("-90500"), 100) << "a pair of digits below 0";
+  simulator::LoopbackHost host;
+  Serial serial(host);
+  EXPECT_EQ(serial.RXModuleVersie("090500"), 55) << "no port is open";
+  EXPECT_EQ(serial.Module("R", "090500", ""), 55) << "also when Module asks";
+  EXPECT_EQ(serial.Module("R", "010100", ""), 99) << "an error in Module itself";
 }
 
 TEST(ModuleTest, SerialNumbersHaveSixCharacters) {
   ModuleHouse house;
   for (const char* const serieNr : {"", "09025", "0902555"}) {
-    Record record{.data = "old", .offset = 3, .model = "m"};
-    EXPECT_EQ(house.read(serieNr, record), 106);
-    EXPECT_EQ(house.write(serieNr, record), 106);
-    EXPECT_EQ(record, (Record{.data = "old", .offset = 3, .model = "m"}));
+    const Record before{.result = 106, .data = "old", .offset = 3, .model = "m"};
+    EXPECT_EQ(house.read(serieNr, before), before);
+    EXPECT_EQ(house.write(serieNr, before), before);
   }
   EXPECT_TRUE(house.requests.empty());
 }
@@ -41,8 +50,7 @@ TEST(ModuleTest, HeadersBySerialNumber) {
   for (const auto& row : rows) {
     for (const char* const serieNr : row.serieNrs) {
       ModuleHouse house(serieNr, row.name);
-      Record record{.offset = row.offset};
-      (void)house.read(serieNr, record);
+      (void)house.read(serieNr, {.offset = row.offset});
       EXPECT_EQ(house.headers(), row.headers) << serieNr << " " << row.name;
     }
   }
@@ -50,30 +58,25 @@ TEST(ModuleTest, HeadersBySerialNumber) {
 
 TEST(ModuleTest, ReadsPieceByPiece) {
   ModuleHouse house("060001", "SEQ4", counted(80));
-  Record record{.data = "old"};
-  EXPECT_EQ(house.read("060001", record), 0);
-  EXPECT_EQ(record, (Record{.data = counted(74), .offset = 5}));
+  EXPECT_EQ(house.read("060001", {.data = "old"}), (Record{.data = counted(74), .offset = 5}));
   EXPECT_EQ(house.headers(), "00 4F, 00 10, 01 10, 02 10, 03 10, 04 0A");
-  EXPECT_EQ(last(house.requests, 5),
-            (Requests{"write 16 V 000A DE 04 0A 06 00 01 20 20 20 20 20 20 20 20 20 20", "write 1 V 0000 FF",
-                      "read  1 V 0000", "read  1 V 000A", "read  10 V 0010"}));
-  EXPECT_EQ(house.spent(), 205 + 5 * 105);
+  EXPECT_EQ(house.last(5),
+            "write 16 V 000A DE 04 0A 06 00 01 20 20 20 20 20 20 20 20 20 20; write 1 V 0000 FF; "
+            "read  1 V 0000; read  1 V 000A; read  10 V 0010");
 }
 
 TEST(ModuleTest, WritesPieceByPiece) {
   ModuleHouse house;
-  Record record{.data = counted(36), .offset = 3};
-  EXPECT_EQ(house.write("210001", record), 0);
-  EXPECT_EQ(record, (Record{.data = counted(36), .offset = 6}));
+  EXPECT_EQ(house.write("210001", Record{.data = counted(36), .offset = 3}),
+            (Record{.data = counted(36), .offset = 6}));
+  EXPECT_EQ(house.spent(), 205 + 3 * (4 + 100 + 800) + 2 * 100);
   EXPECT_EQ(house.headers(), "00 4F, 03 D0, 04 D0, 05 C4");
   EXPECT_EQ(house.written(), counted(36));
-  EXPECT_EQ(last(house.requests, 4),
-            (Requests{"write 6 V 000A DE 05 C4 15 00 01", "write 4 V 0010 21 22 23 24", "write 1 V 0000 FF",
-                      "read  1 V 0000"}));
-  EXPECT_EQ(house.spent(), 205 + 3 * (4 + 100 + 800) + 2 * 100);
-  const std::pair<const char*, int> pauses[] = {
-      {"949999", 100}, {"950000", 2000}, {"950020", 2000}, {"950021", 100}};
-  for (const auto& [serieNr, pause] : pauses) {
+  EXPECT_EQ(house.last(4),
+            "write 6 V 000A DE 05 C4 15 00 01; write 4 V 0010 21 22 23 24; write 1 V 0000 FF; "
+            "read  1 V 0000");
+  for (const auto& [serieNr, pause] :
+       std::map<std::string, int>{{"949999", 100}, {"950000", 2000}, {"950020", 2000}, {"950021", 100}}) {
     ModuleHouse other(serieNr, "X1");
     EXPECT_EQ(other.write(serieNr, counted(20)), 0) << serieNr;
     EXPECT_EQ(other.spent(), 205 + 2 * 904 + pause) << serieNr << ": one series stores slowly";
@@ -82,17 +85,14 @@ TEST(ModuleTest, WritesPieceByPiece) {
 
 TEST(ModuleTest, TheControllersOwnModule) {
   ModuleHouse house;
-  Record record{.data = "\x02"};
-  EXPECT_EQ(house.write("000001", record), 0) << "without a check";
-  EXPECT_EQ(house.requests,
-            (Requests{"write 6 V 000A DE 00 C1 00 00 01", "write 1 V 0010 02", "write 1 V 0000 FF"}));
-  EXPECT_EQ(house.spent(), 103) << "and without polls";
-  EXPECT_EQ(record.offset, 1);
-  EXPECT_EQ(house.read("090500", record), 0);
+  EXPECT_EQ(house.write("000001", Record{.data = "\x02"}), (Record{.data = "\x02", .offset = 1}))
+      << "no check";
+  EXPECT_EQ(house.sent(), "write 6 V 000A DE 00 C1 00 00 01; write 1 V 0010 02; write 1 V 0000 FF");
+  EXPECT_EQ(house.spent(), 103) << "without polls";
+  EXPECT_EQ(house.read("090500").result, 0);
   house.restart();
-  EXPECT_EQ(house.write("000001", bytes({9, 1, 9, 2, 9, 3, 9, 4})), 0);
-  EXPECT_EQ(house.requests.at(0), "write 6 V 000A DE 01 C8 00 00 01");
-  EXPECT_EQ(house.requests.at(1), "write 8 V 0010 09 EE 09 DD 09 BB 09 77");
+  EXPECT_EQ(house.outcome(house.write("000001", bytes({9, 1, 9, 2, 9, 3, 9, 4}))),
+            "0: write 6 V 000A DE 01 C8 00 00 01; write 8 V 0010 09 EE 09 DD 09 BB 09 77; write 1 V 0000 FF");
 }
 
 /// Modules asked one after the other through one object. What it knows of one does not pass to the next, but
@@ -114,7 +114,7 @@ TEST(ModuleTest, Identities) {
       {"010100", "X1", "", {.offset = 1}},
       {"090504", "MT007/500VA+", "", {.offset = 2, .model = "MT007/500VA+", .cpu = 16, .firmware = "0102"}},
       {"090505", "MT007/500VA", "MT001", {.offset = 2, .model = "MT001", .cpu = 16, .firmware = "0102"}},
-      {"080999", absent, "mine", {.model = "mine"}},
+      {"080999", absent, "mine", {.result = 255, .model = "mine"}},
       {"090506", "  MT012  X ", "", {.offset = 2, .model = "MT012  X", .cpu = 16, .firmware = "0102"}},
       {"090507", "MT036", "nonsense", {.offset = 1}},
       {"090509", "", "", {.offset = 2, .model = "", .cpu = 16, .firmware = "0102"}},
@@ -136,8 +136,7 @@ TEST(ModuleTest, Identities) {
   EXPECT_EQ(house.serial.ConvertTXData("120100", twos), twos) << "no model is known at first";
   for (const auto& row : rows) {
     SCOPED_TRACE(row.serieNr + (" " + row.given));
-    Record record{.model = row.given};
-    EXPECT_EQ(house.read(row.serieNr, record), row.after.offset == 0 ? 255 : 0);
+    Record record = house.read(row.serieNr, {.model = row.given});
     record.data.clear();
     EXPECT_EQ(record, row.after);
     const bool isKnown = row.after.offset == 2;
@@ -147,11 +146,10 @@ TEST(ModuleTest, Identities) {
 }
 
 TEST(ModuleTest, OffsetsThatDoNotFit) {
-  Record record{.offset = 255};
-  EXPECT_EQ(ModuleHouse().read("090500", record), 99) << "a known model counts one piece more";
-  record = {.offset = 254};
-  EXPECT_EQ(ModuleHouse().read("060001", record), 0) << "the code set last, as the third offset does not fit";
-  EXPECT_EQ(record, (Record{.data = Bytes(32, '\0'), .offset = 255}));
+  EXPECT_EQ(ModuleHouse().read("090500", {.offset = 255}).result, 99)
+      << "a known model counts one piece more";
+  EXPECT_EQ(ModuleHouse().read("060001", {.offset = 254}), (Record{.data = Bytes(32, '\0'), .offset = 255}))
+      << "the code set last, as the third offset does not fit";
 }
 
 TEST(ModuleTest, VersionRequestsAtOffset2) {
@@ -167,8 +165,8 @@ TEST(ModuleTest, VersionRequestsAtOffset2) {
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.serieNr) + " " + row.fault);
     ModuleHouse house({row.fault});
-    Record record{.data = "old", .offset = row.offset};
-    EXPECT_EQ(house.read(row.serieNr, record), row.result);
+    const Record record = house.read(row.serieNr, {.data = "old", .offset = row.offset});
+    EXPECT_EQ(record.result, row.result);
     EXPECT_EQ(record.data.size(), row.size);
     EXPECT_EQ(house.countOf("read  2 V 0018"), row.versions);
     EXPECT_EQ(record.firmware, row.firmware);
@@ -181,11 +179,7 @@ TEST(ModuleTest, MasksAtOffset1) {
       {"090500", pairs + bytes({0, 1, 2, 3, 4, 5, 6, 7})},
       {"100100", bytes({5, 1, 6, 2, 7, 3, 8, 4, 0, 1, 2, 3, 4, 5, 6, 7, 17, 18, 19, 20, 21, 22})}};
   ModuleHouse house;
-  for (const auto& [serieNr, data] : rows) {
-    Record record;
-    EXPECT_EQ(house.read(serieNr, record), 0) << serieNr;
-    EXPECT_EQ(record.data, data) << serieNr;
-  }
+  for (const auto& [serieNr, data] : rows) EXPECT_EQ(house.read(serieNr).data, data) << serieNr;
   EXPECT_EQ(house.write("090500", pairs + bytes({12, 11, 10, 9, 8, 7, 6, 5})), 0);
   EXPECT_EQ(house.countOf("write 16 V 0010 05 77 06 BB 07 DD 08 EE FF 7F 3F 1F 0F 07 03 01"), 1U);
   EXPECT_EQ(house.countOf("write 1 V 0010 04"), 1U) << "the record is completed";
@@ -194,10 +188,10 @@ TEST(ModuleTest, MasksAtOffset1) {
   EXPECT_EQ(house.countOf("write 16 V 0010 09 09 10 08 04 02 00 01 03 07 0F 0F 0F 0F 0F 0F"), 1U);
   EXPECT_EQ(house.write("090100", Bytes(17, '\x0F'), 0), 0) << "no masks at another offset";
 
-  ModuleHouse other("090100", "X1", bytes({9, 9, 16, 8, 4, 2, 0, 1, 3, 5}), 1);
-  Record record{.offset = 1};
-  EXPECT_EQ(other.read("090100", record), 105) << "5 is no mask";
-  EXPECT_EQ(record.data, bytes({9, 9, 16, 8, 4, 2, 0, 1, 3, 5})) << "what was read stays";
+  const Bytes wrong = bytes({9, 9, 16, 8, 4, 2, 0, 1, 3, 5});
+  const Record record = ModuleHouse("090100", "X1", wrong, 1).read("090100", {.offset = 1});
+  EXPECT_EQ(record.result, 105) << "5 is no mask";
+  EXPECT_EQ(record.data, wrong) << "what was read stays";
 }
 
 TEST(ModuleTest, LongRecordIsRead) {
@@ -209,17 +203,15 @@ TEST(ModuleTest, LongRecordIsRead) {
   for (const auto& row : rows) {
     const Bytes whole = bytes({row.length}) + counted(140);
     ModuleHouse house("980500", "DSP", whole);
-    Record record{.data = "old"};
-    EXPECT_EQ(house.read("980500", record), 0) << row.length;
-    EXPECT_EQ(record, (Record{.data = whole.substr(0, row.size), .offset = 1})) << row.length;
-    EXPECT_EQ(house.requests.size(), 9 + row.blocks) << row.length;
-    record.offset = 0;
+    SCOPED_TRACE(row.length);
+    const Record read = house.read("980500", {.data = "old"});
+    EXPECT_EQ(read, (Record{.data = whole.substr(0, row.size), .offset = 1}));
+    EXPECT_EQ(house.requests.size(), 9 + row.blocks);
     house.reopen({"short=20@10-"});
-    EXPECT_EQ(house.read("980500", record), 0) << row.length;
-    EXPECT_EQ(house.requests.size(), 9 + row.shortBlocks) << row.length;
+    EXPECT_EQ(house.read("980500").result, 0);
+    EXPECT_EQ(house.requests.size(), 9 + row.shortBlocks);
   }
-  Record record{.data = "old"};
-  EXPECT_EQ(ModuleHouse({"stuck@2"}).read("980500", record), 99) << record;
+  EXPECT_EQ(ModuleHouse({"stuck@2"}).read("980500").result, 99);
 }
 
 TEST(ModuleTest, LongRecordIsWritten) {
@@ -230,14 +222,11 @@ TEST(ModuleTest, LongRecordIsWritten) {
     masks += bytes({200 + i, 0xEE, 220, std::array{0xEE, 0xDD, 0xBB, 0x77}[i % 4]});
   }
   const Bytes data = "front..." + numbers + counted(80);
-  Record record{.data = data};
-  EXPECT_EQ(house.write("700100", record), 0);
-  EXPECT_EQ(record, (Record{.data = data, .offset = 1}));
+  EXPECT_EQ(house.write("700100", Record{.data = data}), (Record{.data = data, .offset = 1}));
   EXPECT_EQ(house.memoryAt(0, 26, 128, link::Area::highBlock),
             "front..." + masks + counted(80) + Bytes(16, '\0'));
   EXPECT_EQ(house.requests.size(), 5U + 7 + 3) << "identification, blocks, exchange";
-  EXPECT_EQ(last(house.requests, 3),
-            (Requests{"write 6 V 000A DE 00 9F 46 01 00", "write 1 V 0000 FF", "read  1 V 0000"}));
+  EXPECT_EQ(house.last(3), "write 6 V 000A DE 00 9F 46 01 00; write 1 V 0000 FF; read  1 V 0000");
   EXPECT_EQ(house.write("700100", Bytes(112, '\x05')), 99) << "5 is no selection";
   EXPECT_EQ(ModuleHouse({"status=7@12"}).write("700100", data), 7) << "the last block";
   EXPECT_EQ(ModuleHouse({"stuck@2"}).write("700100", data), 100);
@@ -263,18 +252,17 @@ TEST(ModuleTest, SelectionsOnTheWire) {
 /// A dead link must not make polling a matter of processor time, and hosts stay alive: their messages are
 /// dispatched in each transaction, behind each poll and at both ends of each pause.
 TEST(ModuleTest, PollingLeavesTimeToOthers) {
-  Record record;
   ModuleHouse house({"stuck@2"});
   const int before = house.host.yields();
-  EXPECT_EQ(house.read("090500", record), 99);
+  EXPECT_EQ(house.read("090500").result, 99);
   EXPECT_EQ(house.requests.size(), 507U);
   EXPECT_EQ(house.host.yields() - before, 507 + 502 + 3 * 2) << "requests, polls, three pauses";
   ModuleHouse stuck({"stuck@*"});
   stuck.host.transferTime = std::chrono::milliseconds(0);
-  EXPECT_EQ(stuck.read("090255", record), 107);
+  EXPECT_EQ(stuck.read("090255").result, 107);
   EXPECT_EQ(stuck.countOf("read  1 V 0000"), 501U) << "one each millisecond";
   ModuleHouse dead({"disconnect@3"});
-  EXPECT_EQ(dead.read("090255", record), 107);
+  EXPECT_EQ(dead.read("090255").result, 107);
   EXPECT_EQ(dead.spent(), 702);
 }
 
