@@ -91,7 +91,8 @@ class ModuleHouse final : public WatchedHouse {
 
   /// The last requests, as `sent` tells them.
   std::string last(std::size_t count) {
-    if (requests.size() > count) requests.erase(requests.begin(), requests.end() - std::ptrdiff_t(count));
+    if (requests.size() > count)
+      requests.erase(requests.begin(), requests.end() - static_cast<std::ptrdiff_t>(count));
     return sent();
   }
 

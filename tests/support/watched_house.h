@@ -21,8 +21,9 @@ class WatchedHouse : public SimulatedHouse {
     return text;
   }
 
-  /// The result of a call, and the requests since the last look: "0: write 1 V 0501 05".
-  std::string outcome(int result) { return std::to_string(result) + ": " + sent(); }
+  /// What a call came to, and the requests since the last look: "0: write 1 V 0501 05".
+  std::string outcome(const std::string& came) { return came + ": " + sent(); }
+  std::string outcome(int result) { return outcome(std::to_string(result)); }
 
   /// Makes a call again for each of its requests, and refuses that one with status 7: the call has to end
   /// there, with 7. `call` brings the house into the state that it needs, and gives the method's result.
