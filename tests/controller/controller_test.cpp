@@ -102,8 +102,7 @@ TEST_F(CtlInit, EveryPositionHasItsRange) {
   const Bytes lowest = bytes({10, 104, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0});
   const Bytes highest = bytes({99, 128, 255, 255, 255, 255, 99, 12, 31, 7, 23, 59, 59});
   for (const auto position : {1U, 2U, 7U, 8U, 9U, 10U, 11U, 12U, 13U}) {
-    Bytes low = lowest;
-    Bytes high = highest;
+    Bytes low = lowest, high = highest;
     EXPECT_EQ((--low[position - 1], write(low, 0)), 105) << "position " << position << " below its range";
     EXPECT_EQ((++high[position - 1], write(high, 0)), 105) << "position " << position << " above its range";
   }

@@ -12,17 +12,14 @@ using test::errorOf;
 
 TEST(ConversionTest, OneField) {
   const std::pair<int, int> sent[] = {{0, 246}, {1, 238}, {2, 221}, {3, 187}, {4, 119}, {0xF3, 187}};
-  for (const auto& [number, mask] : sent) {
+  for (const auto& [number, mask] : sent)
     EXPECT_EQ(ConvertTXSub(bytes({9, number, 9}), 2), bytes({9, mask, 9})) << number;
-  }
   const std::pair<int, int> received[] = {{238, 1}, {221, 2},  {187, 3},  {119, 4}, {254, 1},
                                           {255, 0}, {240, 15}, {0xFC, 3}, {246, 9}, {0x0D, 2}};
-  for (const auto& [mask, number] : received) {
+  for (const auto& [mask, number] : received)
     EXPECT_EQ(ConvertRXSub(bytes({9, mask, 9}), 2), bytes({9, number, 9})) << mask;
-  }
-  for (int number = 5; number <= 15; ++number) {
+  for (int number = 5; number <= 15; ++number)
     EXPECT_EQ(errorOf([&] { ConvertTXSub(bytes({number}), 1); }), 6) << number;
-  }
   for (const Byte position : std::vector<Byte>{0, 3, 255}) {
     EXPECT_EQ(errorOf([&] { ConvertTXSub("ab", position); }), 5);
     EXPECT_EQ(errorOf([&] { ConvertRXSub("ab", position); }), 5);

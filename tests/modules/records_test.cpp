@@ -36,18 +36,9 @@ Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
 
 /// The whole range of serial numbers in runs of the same behaviour, each tried at both ends.
 TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
-  const Lengths any{131};
-  const Lengths type0{1, 16};
-  const Lengths type1{16, 17};
-  const Lengths type4{8, 9, 10};
-  const Lengths type7{11, 32};
-
-  const Positions none;
-  const Positions at2{2};
-  const Positions at8{2, 4, 6, 8};
-  const Positions at16{2, 4, 6, 8, 10, 12, 14, 16};
-  const Positions at32{2, 4, 6, 8, 26, 28, 30, 32};
-  const Positions at38{38};
+  const Lengths any{131}, type0{1, 16}, type1{16, 17}, type4{8, 9, 10}, type7{11, 32};
+  const Positions none, at2{2}, at8{2, 4, 6, 8}, at38{38};
+  const Positions at16{2, 4, 6, 8, 10, 12, 14, 16}, at32{2, 4, 6, 8, 26, 28, 30, 32};
   const struct {
     int first;            ///< serial number; the run ends in front of the next
     int at0, at1, known;  ///< lengths read at these offsets, and of known models
@@ -178,9 +169,8 @@ TEST(RecordsTest, LongRecordsAreWritten) {
   } rows[] = {{"700000", 0, 112, true},  {"704999", 0, 112, true},  {"705000", 0, 112, false},
               {"709999", 0, 112, false}, {"710000", 2, 112, true},  {"719999", 0, 112, true},
               {"700000", 1, 112, false}, {"700000", 0, 113, false}, {"720000", 0, 112, false}};
-  for (const auto& [serieNr, offset, size, isLong] : rows) {
+  for (const auto& [serieNr, offset, size, isLong] : rows)
     EXPECT_EQ(writesLongRecord({serieNr, false}, offset, size), isLong) << serieNr;
-  }
 }
 
 }  // namespace

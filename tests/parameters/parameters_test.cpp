@@ -8,8 +8,7 @@ class CtlParam : public WatchedHouse {
  protected:
   /// The result, then mode, items and count as they come back: "0 AU [14 15 16 17] 4".
   std::string read(Byte address, int count = 255, Byte offset = 0) {
-    std::string mode = "??";
-    Bytes items = "old";
+    std::string mode = "??", items = "old";
     auto number = static_cast<std::int16_t>(count);
     result = serial.Ctl_Param("R", address, mode, items, number, offset);
     return answer(result, mode, items, number);
