@@ -197,10 +197,4 @@ inline std::string contentOf(const std::string& path) {
 /// A memory image of a controller in which nothing is configured.
 constexpr const char* emptyImage = "velk-memory 1\nend\n";
 
-inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
-  const auto at = text.find(from);
-  EXPECT_NE(at, std::string::npos) << from;
-  return text.replace(std::min(at, text.size()), from.size(), to);
-}
-
 }  // namespace velk::cli
