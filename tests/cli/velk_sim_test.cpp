@@ -7,30 +7,6 @@
 namespace velk::cli {
 namespace {
 
-TEST(VelkSimTest, ServesEveryLinkAndSavesItsMemory) {
-  const Folder folder;
-  House house("--tcp-s 0 --echo --fast --password ab --trace --save " + folder / "image");
-  const std::string s = house.simulator.lineBehind("tcp S ");
-  const std::string echo = house.simulator.lineBehind("echo ");
-  const std::string fast = house.simulator.lineBehind("fast ");
-  EXPECT_EQ(house.simulator.line(), "ready");
-
-  EXPECT_EQ(house.velk("call --password ab WriteCom 1 5 4 V '\\x2a'").text, "\\x00  (done)\n");
-  EXPECT_EQ(house.simulator.line(), "login -> accepted");
-  EXPECT_EQ(house.simulator.line(), "write 1 V 0504 2A  output 5, parameters -> ok");
-  EXPECT_EQ(house.velk("call --password no ReadCom 1 5 4 V").status, 4);
-  for (const std::string& link :
-       {"--tcp " + s, "--serial " + echo, "--serial " + fast + " --fast", "--serial " + echo}) {
-    EXPECT_EQ(velk("call " + link + " ReadCom 1 5 4 V").text, "\\x00*  (done)\n") << link;
-  }
-
-  EXPECT_EQ(house.simulator.finish(), 0);
-  House again("--image " + folder / "image" + " --fault late=300@1 --fault status=9@2-");
-  EXPECT_EQ(again.velk("call ReadCom 1 5 4 V").text, "\\x00*  (done)\n");
-  EXPECT_EQ(again.velk("call Ctl_Param R 5 ''").text.substr(0, 3), "9  ");
-  EXPECT_EQ(again.simulator.finish(), 0);
-}
-
 TEST(VelkSimTest, TakesIpv6AddressesInBrackets) {
   if (!std::filesystem::exists("/proc/net/if_inet6")) GTEST_SKIP() << "there is no IPv6 here";
   const House house("--bind ::1");
