@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/tool.h"
 #include "support/simulated_house.h"
 
 namespace velk::cli {
@@ -97,20 +96,6 @@ TEST_F(RetryTest, WritesAgainOnlyAfterReadingBack) {
   EXPECT_EQ(steps, "WRW");
   EXPECT_EQ(write("-", false), 252);
   EXPECT_EQ(steps, "WRWRWRW");
-}
-
-/// The tool over a real link; what it tells is in transcripts/endings.txt.
-TEST(ToolRetry, ReadsBackWhatItWroteAndPausesBehindAModule) {
-  House house("--fault header@1 --trace");
-  EXPECT_EQ(house.simulator.line(), "ready");
-  EXPECT_EQ(house.velk("ir-text 3 Radio").complaint, "velk: 1 request was lost on the way and repeated\n");
-  EXPECT_EQ(house.simulator.line(), "login -> accepted");
-  EXPECT_EQ(house.simulator.line().substr(0, 8), "write 16");
-  EXPECT_EQ(house.simulator.line().substr(0, 8), "read  16") << "the write has arrived";
-  const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(house.velk("modules 090500").status, 1);
-  EXPECT_GE(std::chrono::steady_clock::now() - start, Retry::pauseTime)
-      << "a late answer would be taken for one about the next module";
 }
 
 }  // namespace
