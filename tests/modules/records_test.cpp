@@ -34,6 +34,13 @@ Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
   return taken.size() == 131 ? Lengths{131} : taken;
 }
 
+/// The type counts with the first two characters, the thresholds with the number at the start of the text.
+TEST(RecordsTest, SerialNumbersThatAreNoNumbers) {
+  for (const char* serieNr : {"70abcd", "71abcd", "95abcd", "96abcd"}) {
+    EXPECT_EQ(readLength({.serieNr = serieNr, .known = false}, 0), 20) << serieNr;
+  }
+}
+
 /// The whole range of serial numbers in runs of the same behaviour, each tried at both ends.
 TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
   const Lengths any{131}, type0{1, 16}, type1{16, 17}, type4{8, 9, 10}, type7{11, 32};
