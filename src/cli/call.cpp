@@ -6,6 +6,7 @@
 #include "cli/json.h"
 #include "component/methods.h"
 #include "component/result_codes.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::cli {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "component/result_codes.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {

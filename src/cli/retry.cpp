@@ -5,6 +5,7 @@
 
 #include "cli/interrupts.h"
 #include "link/link.h"
+#include "values/result.h"
 
 namespace velk::cli {
 

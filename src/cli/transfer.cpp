@@ -2,6 +2,7 @@
 
 #include "cli/retry.h"
 #include "link/link.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {

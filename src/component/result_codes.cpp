@@ -4,6 +4,7 @@
 #include <array>
 
 #include "component/method.h"
+#include "values/result.h"
 
 namespace velk {
 namespace {

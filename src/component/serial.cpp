@@ -22,6 +22,7 @@
 #include "timed/simulation.h"
 #include "timed/switch_time.h"
 #include "values/helpers.h"
+#include "values/result.h"
 
 namespace velk {
 

@@ -6,6 +6,7 @@
 #include "link/selector.h"
 #include "values/helpers.h"
 #include "values/numbers.h"
+#include "values/result.h"
 
 namespace velk::controller {
 namespace {

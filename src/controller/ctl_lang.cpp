@@ -1,6 +1,7 @@
 #include "controller/ctl_lang.h"
 
 #include "controller/languages.h"
+#include "values/result.h"
 
 namespace velk::controller {
 namespace {

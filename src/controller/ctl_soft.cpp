@@ -2,6 +2,7 @@
 
 #include "link/selector.h"
 #include "values/helpers.h"
+#include "values/result.h"
 
 namespace velk::controller {
 namespace {

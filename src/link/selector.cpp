@@ -1,6 +1,7 @@
 #include "link/selector.h"
 
 #include "link/memory.h"
+#include "values/result.h"
 
 namespace velk::link {
 

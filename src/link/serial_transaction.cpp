@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "link/wait.h"
+#include "values/result.h"
 
 namespace velk::link {
 namespace {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "link/link.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::link {

@@ -1,6 +1,7 @@
 #include "link/tcp_link.h"
 
 #include "link/tcp_transaction.h"
+#include "values/result.h"
 
 namespace velk::link {
 namespace {

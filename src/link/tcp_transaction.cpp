@@ -1,6 +1,7 @@
 #include "link/tcp_transaction.h"
 
 #include "values/helpers.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::link {

@@ -1,5 +1,7 @@
 #include "modules/gsm_text.h"
 
+#include "values/result.h"
+
 namespace velk::modules {
 namespace {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "values/numbers.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::modules {

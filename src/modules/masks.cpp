@@ -4,6 +4,7 @@
 #include <array>
 
 #include "link/memory.h"
+#include "values/result.h"
 
 namespace velk::modules {
 namespace {

@@ -4,6 +4,7 @@
 #include "modules/module_directions.h"
 #include "modules/version.h"
 #include "values/helpers.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::modules {

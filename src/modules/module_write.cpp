@@ -4,6 +4,7 @@
 #include "modules/module_directions.h"
 #include "modules/records.h"
 #include "modules/translation.h"
+#include "values/result.h"
 
 namespace velk::modules {
 namespace {

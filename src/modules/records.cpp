@@ -6,6 +6,7 @@
 #include "link/memory.h"
 #include "modules/conversion.h"
 #include "modules/mailbox.h"
+#include "values/result.h"
 
 namespace velk::modules {
 namespace {

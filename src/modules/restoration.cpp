@@ -8,6 +8,7 @@
 #include "modules/mailbox.h"
 #include "modules/module_directions.h"
 #include "modules/translation.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::modules {

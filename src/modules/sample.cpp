@@ -1,6 +1,7 @@
 #include "modules/sample.h"
 
 #include "modules/model.h"
+#include "values/result.h"
 
 namespace velk::modules {
 namespace {

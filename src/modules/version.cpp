@@ -2,6 +2,7 @@
 
 #include "modules/model.h"
 #include "values/helpers.h"
+#include "values/result.h"
 
 namespace velk::modules {
 namespace {

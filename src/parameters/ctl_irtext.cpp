@@ -1,6 +1,7 @@
 #include "parameters/ctl_irtext.h"
 
 #include "link/selector.h"
+#include "values/result.h"
 
 namespace velk::parameters {
 

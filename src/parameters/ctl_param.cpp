@@ -3,6 +3,7 @@
 #include "link/selector.h"
 #include "parameters/access.h"
 #include "parameters/modes.h"
+#include "values/result.h"
 
 namespace velk::parameters {
 

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "parameters/modes.h"
+#include "values/result.h"
 
 namespace velk::parameters {
 namespace {

@@ -1,6 +1,7 @@
 #include "parameters/access.h"
 #include "parameters/image.h"
 #include "parameters/modes.h"
+#include "values/result.h"
 
 namespace velk::parameters {
 

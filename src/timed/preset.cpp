@@ -1,5 +1,7 @@
 #include "timed/preset.h"
 
+#include "values/result.h"
+
 namespace velk::timed {
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "values/helpers.h"
 #include "values/numbers.h"
+#include "values/result.h"
 
 namespace velk::timed {
 namespace {

@@ -170,9 +170,8 @@ TEST_F(CtlParam, ArgumentsAreCheckedInOrder) {
   const std::tuple<const char*, Byte, const char*, int> table[] = {
       {"X", 0, "", 112},  {"X", 100, "", 112}, {"X", 99, "", 101},   {"r", 5, "", 101},
       {"", 5, "??", 111}, {"W", 5, "", 111},   {"RW", 1, "BI", 111}, {"W", 2, "RC", 111}};
-  for (const auto& [direction, address, mode, result] : table)
-    EXPECT_EQ(outcome(serial.Ctl_Param(direction, address, mode)), std::to_string(result) + ": ")
-        << direction;
+  for (const auto& [direction, address, mode, code] : table)
+    EXPECT_EQ(outcome(serial.Ctl_Param(direction, address, mode)), std::to_string(code) + ": ") << direction;
   EXPECT_EQ(outcome(read(99)), "111  [] 255: read  1 V 6301; read  1 V 6338") << "no mode is stored";
 }
 

@@ -27,9 +27,9 @@ TEST_F(Presets, Addresses) {
   // A preset and a record, then its page and its offset there.
   const Byte table[][4] = {{0, 9, 12, 0},       {1, 3, 16, 58},      {28, 200, 124, 255}, {29, 3, 128, 3},
                            {60, 255, 252, 255}, {92, 156, 252, 255}, {93, 255, 128, 0}};
-  for (const auto& [number, record, page, offset] : table) {
+  for (const auto& [number, place, page, offset] : table) {
     EXPECT_EQ(serial.DPHPreset(number), page) << int{number};
-    EXPECT_EQ(serial.DPLPreset(number, record), offset) << int{number};
+    EXPECT_EQ(serial.DPLPreset(number, place), offset) << int{number};
   }
   EXPECT_EQ(errorOf([&] { serial.DPLPreset(28, 201); }), 6);
   EXPECT_EQ(errorOf([&] { serial.DPLPreset(61, 157); }), 6);

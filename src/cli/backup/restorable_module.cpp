@@ -5,6 +5,7 @@
 
 #include "cli/failure.h"
 #include "modules/restoration.h"
+#include "values/result.h"
 
 namespace velk::cli {
 

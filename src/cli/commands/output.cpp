@@ -7,6 +7,7 @@
 #include "cli/commands/command.h"
 #include "cli/retry.h"
 #include "parameters/layouts.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {

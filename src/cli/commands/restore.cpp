@@ -10,6 +10,7 @@
 #include "cli/backup/restorable_module.h"
 #include "cli/commands/command.h"
 #include "cli/terminal.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk::cli {

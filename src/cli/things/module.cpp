@@ -6,6 +6,7 @@
 #include "cli/retry.h"
 #include "cli/words.h"
 #include "modules/restoration.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {

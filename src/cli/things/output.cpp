@@ -9,6 +9,7 @@
 #include "cli/words.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {

@@ -2,6 +2,7 @@
 
 #include "cli/retry.h"
 #include "cli/words.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {
