@@ -36,8 +36,11 @@ Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
 
 /// The type counts with the first two characters, the thresholds with the number at the start of the text.
 TEST(RecordsTest, SerialNumbersThatAreNoNumbers) {
-  for (const char* serieNr : {"70abcd", "71abcd", "95abcd", "96abcd"}) {
+  const std::pair<const char*, Lengths> rows[] = {
+      {"70abcd", {112}}, {"71abcd", {112}}, {"95abcd", {20, 32}}, {"96abcd", {20, 32}}};
+  for (const auto& [serieNr, written] : rows) {
     EXPECT_EQ(readLength({.serieNr = serieNr, .known = false}, 0), 20) << serieNr;
+    EXPECT_EQ(lengthsTaken(serieNr, 0), written) << serieNr;
   }
 }
 
