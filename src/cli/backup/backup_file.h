@@ -44,7 +44,7 @@ Backup parseBackup(std::string text);
 /// unfinished one too.
 Backup loadBackup(const std::string& path);
 
-/// The byte at a at.
+/// The byte at an address.
 Byte byteOf(const Lines& lines, Address at);
 
 /// The lines as a controller's memory.
