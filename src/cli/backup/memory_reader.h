@@ -26,7 +26,7 @@ enum class Origin : Byte {
 /// Reads up to 64 of them again, spread over all that are not zero. Throws `Failure`.
 Origin originOf(Serial& serial, const Lines& lines);
 
-/// Reads up to 16 bytes from a at on; a read that is lost is repeated. Throws `Failure`.
+/// Reads up to 16 bytes from an address on; a read that is lost is repeated. Throws `Failure`.
 Bytes readBytes(Serial& serial, Address at, std::size_t count);
 
 /// Writes them. A write that is lost is repeated, but not before what stands there was read. Throws
