@@ -7,7 +7,7 @@ import pathlib, re, sys
 root = pathlib.Path(__file__).resolve().parent.parent
 folders = {folder.name for folder in (root / "src").iterdir()}
 sees, faults = {}, []
-for name, uses in re.findall(r"^velk_library\((\w+)(?:\s+USES\s+([^)]*))?\)", (root / "CMakeLists.txt").read_text(), re.M):
+for name, uses in re.findall(r"^ *velk_library\((\w+)(?:\s+USES\s+([^)]*))?\)", (root / "CMakeLists.txt").read_text(), re.M):
     faults += [f"CMakeLists.txt: {name} USES {used}, which is not above it" for used in uses.split() if used not in sees]
     sees[name] = {name}.union(*(sees.get(used, ()) for used in uses.split()))
 for file in sorted((root / "src").rglob("*.[ch]*")):

@@ -7,9 +7,9 @@
 #include <array>
 #include <stdexcept>
 
+#include "com/identifiers.h"
 #include "component/methods.h"
 #include "component/serial.h"
-#include "component/windows/identifiers.h"
 
 namespace velk::bench {
 namespace {

@@ -9,9 +9,9 @@
 #include <deque>
 #include <random>
 
-#include "component/windows/byte_array.h"
-#include "component/windows/call.h"
-#include "component/windows/serial_object.h"
+#include "com/byte_array.h"
+#include "com/call.h"
+#include "com/serial_object.h"
 #include "host_settings.h"
 #include "values/runtime_error.h"
 

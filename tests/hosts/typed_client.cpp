@@ -4,7 +4,7 @@
 #include <map>
 
 #include "client.h"
-#include "component/windows/identifiers.h"
+#include "com/identifiers.h"
 
 // The interface needs the automation types first.
 #include <ocidl.h>

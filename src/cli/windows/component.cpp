@@ -5,7 +5,7 @@
 #include <array>
 
 #include "cli/component_state.h"
-#include "component/idl/identity.h"
+#include "component/identity.h"
 
 namespace velk::cli {
 namespace {

@@ -1,15 +1,15 @@
-#include "component/windows/serial_object.h"
+#include "com/serial_object.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
 
+#include "com/call.h"
+#include "com/guarded.h"
+#include "com/identifiers.h"
+#include "com/server.h"
+#include "com/type_library.h"
 #include "component/methods.h"
-#include "component/windows/call.h"
-#include "component/windows/guarded.h"
-#include "component/windows/identifiers.h"
-#include "component/windows/server.h"
-#include "component/windows/type_library.h"
 #include "values/runtime_error.h"
 
 namespace velk::com {

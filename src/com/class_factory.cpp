@@ -1,8 +1,8 @@
-#include "component/windows/class_factory.h"
+#include "com/class_factory.h"
 
-#include "component/windows/guarded.h"
-#include "component/windows/serial_object.h"
-#include "component/windows/server.h"
+#include "com/guarded.h"
+#include "com/serial_object.h"
+#include "com/server.h"
 
 namespace velk::com {
 

@@ -7,7 +7,7 @@ file(MAKE_DIRECTORY ${printed})
 # velk_document(name file... [ARGUMENTS ...]): docs/name.md, printed by generate_name, which these files make.
 function(velk_document name)
   cmake_parse_arguments(ARG "" "" "ARGUMENTS" ${ARGN})
-  list(TRANSFORM ARG_UNPARSED_ARGUMENTS PREPEND src/component/idl/)
+  list(TRANSFORM ARG_UNPARSED_ARGUMENTS PREPEND src/printers/)
   add_executable(generate_${name} ${ARG_UNPARSED_ARGUMENTS})
   target_link_libraries(generate_${name} PRIVATE velk_component velk_memory)
   target_compile_options(generate_${name} PRIVATE -O0) # runs once

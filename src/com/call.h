@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "com/argument.h"
 #include "component/methods.h"
-#include "component/windows/argument.h"
 
 namespace velk::com {
 

@@ -1,4 +1,4 @@
-#include "component/windows/text.h"
+#include "com/text.h"
 
 #include <algorithm>
 #include <new>

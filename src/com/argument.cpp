@@ -1,4 +1,4 @@
-#include "component/windows/argument.h"
+#include "com/argument.h"
 
 #include <array>
 #include <bit>
@@ -8,7 +8,7 @@
 #include <new>
 #include <utility>
 
-#include "component/windows/byte_array.h"
+#include "com/byte_array.h"
 #include "values/runtime_error.h"
 
 namespace velk::com {

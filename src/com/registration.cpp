@@ -1,11 +1,11 @@
-#include "component/windows/registration.h"
+#include "com/registration.h"
 
 #include <array>
 #include <string>
 #include <vector>
 
-#include "component/idl/identity.h"
-#include "component/windows/server.h"
+#include "com/server.h"
+#include "component/identity.h"
 
 namespace velk::com {
 namespace {

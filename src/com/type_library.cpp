@@ -1,8 +1,8 @@
-#include "component/windows/type_library.h"
+#include "com/type_library.h"
 
 #include <oleauto.h>
 
-#include "component/windows/server.h"
+#include "com/server.h"
 
 namespace velk::com {
 

@@ -1,4 +1,4 @@
-#include "component/windows/server.h"
+#include "com/server.h"
 
 #include <atomic>
 #include <stdexcept>

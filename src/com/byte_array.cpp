@@ -1,4 +1,4 @@
-#include "component/windows/byte_array.h"
+#include "com/byte_array.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "component/idl/identity.h"
+#include "component/identity.h"
 #include "component/method_table.h"
 
 namespace {

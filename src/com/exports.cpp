@@ -6,11 +6,11 @@
 
 #include <string_view>
 
-#include "component/windows/class_factory.h"
-#include "component/windows/guarded.h"
-#include "component/windows/identifiers.h"
-#include "component/windows/registration.h"
-#include "component/windows/server.h"
+#include "com/class_factory.h"
+#include "com/guarded.h"
+#include "com/identifiers.h"
+#include "com/registration.h"
+#include "com/server.h"
 
 namespace {
 

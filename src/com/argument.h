@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/windows/text.h"
+#include "com/text.h"
 #include "values/value.h"
 
 namespace velk::com {

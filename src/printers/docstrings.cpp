@@ -1,4 +1,4 @@
-#include "component/idl/docstrings.h"
+#include "printers/docstrings.h"
 
 #include <algorithm>
 #include <fstream>

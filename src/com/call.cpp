@@ -1,4 +1,4 @@
-#include "component/windows/call.h"
+#include "com/call.h"
 
 #include <algorithm>
 

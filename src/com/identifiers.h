@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "component/idl/identity.h"
+#include "component/identity.h"
 
 namespace velk::com {
 

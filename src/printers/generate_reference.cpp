@@ -7,9 +7,9 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "component/idl/docstrings.h"
-#include "component/idl/identity.h"
+#include "component/identity.h"
 #include "component/method_table.h"
+#include "printers/docstrings.h"
 
 namespace {
 
