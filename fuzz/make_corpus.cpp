@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "cli/escapes.h"
+#include "cli/shared/escapes.h"
 #include "support/bench.h"
 #include "support/calls.h"
 

@@ -4,8 +4,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "cli/call.h"
-#include "cli/escapes.h"
+#include "cli/shared/escapes.h"
+#include "cli/velk/commands/method_call.h"
 #include "simulator/faults.h"
 #include "simulator/loopback_host.h"
 #include "support/target.h"

@@ -1,11 +1,11 @@
-#include "cli/backup/backup_file.h"
+#include "cli/velk/backup/backup_file.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-#include "cli/backup/checksum.h"
 #include "cli/tool.h"
+#include "cli/velk/backup/checksum.h"
 
 namespace velk::cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/component_state.h"
+#include "cli/velk/doctor/component_state.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

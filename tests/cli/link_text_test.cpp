@@ -1,4 +1,4 @@
-#include "cli/link_text.h"
+#include "cli/velk/connection/link_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/retry.h"
+#include "cli/velk/connection/retry.h"
 
 #include <gtest/gtest.h>
 

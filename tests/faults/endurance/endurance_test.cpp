@@ -3,7 +3,7 @@
 #include <fstream>
 #include <thread>
 
-#include "cli/server.h"
+#include "cli/sim/server.h"
 #include "component/serial.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"

@@ -1,0 +1,30 @@
+# The programs. CLI11 and nlohmann-json are header-only; a cross build reaches the system's copies through links,
+# since the rest of /usr/include must stay out of its sight.
+if(CMAKE_CROSSCOMPILING)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
+  foreach(library CLI nlohmann)
+    file(CREATE_LINK /usr/include/${library} ${PROJECT_BINARY_DIR}/include/${library} SYMBOLIC)
+  endforeach()
+endif()
+target_include_directories(velk_cli_shared SYSTEM PUBLIC
+                           $<$<BOOL:${CMAKE_CROSSCOMPILING}>:${PROJECT_BINARY_DIR}/include>)
+target_link_libraries(velk_cli_shared PUBLIC Threads::Threads "$<$<BOOL:${WIN32}>:ws2_32;ole32;oleaut32;shell32;uuid>")
+# The library behind it takes a compiler twice as long when it optimises what runs once.
+set_property(SOURCE src/cli/shared/command_line.cpp APPEND PROPERTY COMPILE_OPTIONS -O0)
+set_property(SOURCE src/cli/shared/json.cpp PROPERTY SKIP_UNITY_BUILD_INCLUSION ON)
+
+target_include_directories(velk_cli_sim PUBLIC src/cli/sim/${PLATFORM})
+# Too much for one compilation: each room by itself.
+foreach(room backup commands connection doctor things)
+  file(GLOB_RECURSE together src/cli/velk/${room}/*.cpp)
+  set_property(SOURCE ${together} PROPERTY UNITY_GROUP ${room})
+endforeach()
+set_target_properties(velk_cli_velk PROPERTIES UNITY_BUILD_MODE GROUP)
+
+foreach(program velk sim)
+  set_property(SOURCE src/cli/${program}/main.cpp APPEND PROPERTY COMPILE_DEFINITIONS VELK_VERSION="${PROJECT_VERSION}")
+endforeach()
+add_executable(velk src/cli/velk/main.cpp)
+target_link_libraries(velk PRIVATE velk_cli_velk)
+add_executable(velk-sim src/cli/sim/main.cpp)
+target_link_libraries(velk-sim PRIVATE velk_cli_sim)

@@ -1,0 +1,137 @@
+#include "cli/shared/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+namespace velk::cli {
+
+Option Option::required() const {
+  option_->required();
+  return *this;
+}
+
+Option Option::range(int lowest, int highest) const {
+  option_->check(CLI::Range(lowest, highest));
+  return *this;
+}
+
+Option Option::oneOf(const std::vector<std::string>& words) const {
+  option_->check(CLI::IsMember(words));
+  return *this;
+}
+
+Option Option::delimiter(char between) const {
+  option_->delimiter(between);
+  return *this;
+}
+
+Option Option::oneValueEach() const {
+  option_->allow_extra_args(false);
+  return *this;
+}
+
+Option Option::valueOptional() const {
+  option_->expected(0, 1);
+  return *this;
+}
+
+Option Option::excludes(const Option& other) const {
+  option_->excludes(other.option_);
+  return *this;
+}
+
+Option Option::needs(const Option& other) const {
+  option_->needs(other.option_);
+  return *this;
+}
+
+Option Option::typeName(const std::string& name) const {
+  option_->type_name(name);
+  return *this;
+}
+
+Option Option::group(const std::string& heading) const {
+  option_->group(heading);
+  return *this;
+}
+
+Option Option::showDefault() const {
+  option_->capture_default_str();
+  return *this;
+}
+
+bool Option::isGiven() const {
+  return option_->count() != 0;
+}
+
+CommandLine::CommandLine(const std::string& program, const std::string& description)
+    : app_(std::make_shared<CLI::App>(description, program)) {}
+
+Option CommandLine::option(const std::string& names, std::string& value, const std::string& help) const {
+  return Option(*app_->add_option(names, value, help));
+}
+
+Option CommandLine::option(const std::string& names, int& value, const std::string& help) const {
+  return Option(*app_->add_option(names, value, help));
+}
+
+Option CommandLine::option(const std::string& names, double& value, const std::string& help) const {
+  return Option(*app_->add_option(names, value, help));
+}
+
+Option CommandLine::option(const std::string& names, std::vector<std::string>& value,
+                           const std::string& help) const {
+  return Option(*app_->add_option(names, value, help));
+}
+
+Option CommandLine::option(const std::string& names, std::vector<std::uint16_t>& value,
+                           const std::string& help) const {
+  return Option(*app_->add_option(names, value, help));
+}
+
+Option CommandLine::flag(const std::string& names, bool& value, const std::string& help) const {
+  return Option(*app_->add_flag(names, value, help));
+}
+
+void CommandLine::version(const std::string& text) const {
+  app_->set_version_flag("--version", text, "Print the version and exit");
+}
+
+void CommandLine::footer(const std::string& text) const {
+  app_->footer(text);
+}
+
+CommandLine CommandLine::addCommand(const std::string& name, const std::string& help,
+                                    const std::function<void()>& chosen) const {
+  app_->require_subcommand(1);
+  CLI::App* const command = app_->add_subcommand(name, help);
+  command->callback(chosen);
+  return CommandLine(app_->get_subcommand_ptr(command));
+}
+
+bool CommandLine::hasCommand(const std::string& name) const {
+  return !app_->get_subcommands([&](const CLI::App* command) { return command->check_name(name); }).empty();
+}
+
+std::vector<CommandNames> CommandLine::commands() const {
+  std::vector<CommandNames> list;
+  for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; })) {
+    CommandNames& names = list.emplace_back();
+    names.name = command->get_name();
+    for (const CLI::Option* const option : command->get_options()) {
+      const auto& options = option->get_lnames();
+      names.options.insert(names.options.end(), options.begin(), options.end());
+    }
+  }
+  return list;
+}
+
+std::optional<ExitStatus> CommandLine::parse(int argc, char** argv) const {
+  try {
+    app_->parse(argc, argv);
+    return std::nullopt;
+  } catch (const CLI::ParseError& error) {
+    return app_->exit(error) == 0 ? success : wrongUsage;
+  }
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,71 @@
+#include "cli/shared/files.h"
+
+#include <system_error>
+
+#include "cli/shared/failure.h"
+#include "cli/shared/system_files.h"
+
+namespace velk::cli {
+namespace {
+
+constexpr std::size_t largestFile = std::size_t{16} << 20;
+
+Failure failureOf(const std::string& path, const std::system_error& error) {
+  const std::string name = path == standardStream ? "standard output" : path;
+  return {badFile, name + ": " + error.code().message()};
+}
+
+/// Calls `use`; what the system refuses is told with the file's name.
+template <class Use>
+auto named(const std::string& path, Use use) {
+  try {
+    return use();
+  } catch (const std::system_error& error) {
+    throw failureOf(path, error);
+  }
+}
+
+}  // namespace
+
+std::string readFile(const std::string& path) {
+  return named(path, [&] { return system::read(path, largestFile); });
+}
+
+std::optional<std::string> readFileIfThere(const std::string& path) {
+  try {
+    return system::read(path, largestFile);
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
+    throw failureOf(path, error);
+  }
+}
+
+std::string putAside(const std::string& path) {
+  return named(path, [&] {
+    for (int number = 1;; ++number) {
+      std::string aside = path + "." + std::to_string(number);
+      if (system::rename(path, aside)) return aside;
+    }
+  });
+}
+
+OutputFile::OutputFile(std::string path, std::string like)
+    : path_(std::move(path)),
+      like_(std::move(like)),
+      destination_(named(path_, [&] { return system::open(path_); })) {}
+
+void OutputFile::write(std::string_view text) {
+  named(path_, [&] {
+    if (destination_.sink) {
+      destination_.sink->write(text);
+    } else {
+      system::replace(destination_.file, like_, text);
+    }
+  });
+}
+
+void OutputFile::remove() noexcept {
+  if (isFile()) system::remove(destination_.file);
+}
+
+}  // namespace velk::cli

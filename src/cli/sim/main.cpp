@@ -1,0 +1,232 @@
+#include <iostream>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <sstream>
+
+#include "cli/shared/command_line.h"
+#include "cli/shared/escapes.h"
+#include "cli/shared/failure.h"
+#include "cli/shared/files.h"
+#include "cli/shared/guarded.h"
+#include "cli/shared/interrupts.h"
+#include "cli/shared/native_text.h"
+#include "cli/shared/password.h"
+#include "cli/sim/serve.h"
+#include "cli/sim/server.h"
+#include "simulator/clock.h"
+#include "simulator/controller.h"
+#include "simulator/ethernet_sessions.h"
+#include "simulator/house.h"
+#include "simulator/house_modules.h"
+#include "simulator/image.h"
+#include "simulator/serial_sessions.h"
+
+/// The simulated controller behind TCP ports and serial lines.
+namespace velk::cli {
+namespace {
+
+using simulator::Controller;
+using simulator::SessionOptions;
+
+constexpr const char* description =
+    "A simulated controller behind TCP ports and serial lines.\n\n"
+    "Prints one line for each interface (\"tcp Q 127.0.0.1:PORT\", \"tcp S ...\", \"echo DEVICE\",\n"
+    "\"fast DEVICE\") and then \"ready\". Without an interface: --tcp 0. Ends on Ctrl-C, SIGTERM and\n"
+    "SIGHUP.";
+
+constexpr const char* examples =
+    "\nExamples:\n"
+    "  velk-sim --tcp 8445 --trace\n"
+    "  velk-sim --tcp-q 0 --tcp-s 0 --echo --fast\n"
+    "  velk-sim --tcp 8445 --password 1234 --image house.txt --save house.txt\n"
+    "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
+
+/// Until a signal comes.
+constexpr double forEver = std::numeric_limits<double>::infinity();
+
+struct Options {
+  std::vector<std::uint16_t> portsQ;
+  std::vector<std::uint16_t> portsS;
+  std::string address = "127.0.0.1";
+  std::string password;
+  std::vector<std::string> echo;
+  std::vector<std::string> fast;
+  int baud = 9600;
+  int busAddress = 2;
+  std::string image;
+  std::string save;
+  bool trace = false;
+  std::vector<std::string> faults;
+  double seconds = forEver;
+};
+
+std::string describeFaults() {
+  std::string text =
+      "\nFaults, KIND[=N]@WHICH; WHICH is a request (3), a range (2-4, 5-), 0 for the login or *\n"
+      "for all requests; each connection counts its own from 1. The kinds for modules count the\n"
+      "requests to modules, from 1 over all connections:\n";
+  for (const auto& kind : simulator::faultKinds()) {
+    std::string name(kind.name);
+    if (!kind.argument.empty()) name += (kind.fallback < 0 ? "=" : "[=") + std::string(kind.argument);
+    if (kind.fallback >= 0 && !kind.argument.empty()) name += "]";
+    name.resize(std::max<std::size_t>(name.size() + 2, 18), ' ');
+    text += "  " + name + std::string(kind.help) + "\n";
+  }
+  return text;
+}
+
+void declare(const CommandLine& line, Options& options) {
+  line.option("--tcp,--tcp-q", options.portsQ, "Serve kind Q on a TCP port (0: any free one); repeatable")
+      .typeName("PORT")
+      .oneValueEach();
+  line.option("--tcp-s", options.portsS, "Serve kind S on a TCP port; repeatable")
+      .typeName("PORT")
+      .oneValueEach();
+  line.option("--bind", options.address, "Address of the TCP ports, in digits").showDefault();
+  line.option("--password", options.password, "Password of kind Q, four characters (none: four zero bytes)");
+  line.option("--echo", options.echo, "Serve echo mode on a serial device, or on a new pseudo terminal")
+      .typeName("[DEVICE]")
+      .valueOptional();
+  line.option("--fast", options.fast, "Serve fast mode likewise").typeName("[DEVICE]").valueOptional();
+  line.option("--baud", options.baud, "Rate of serial devices in bit/s").showDefault();
+  line.option("--address", options.busAddress, "Bus address of the controller").showDefault().range(0, 255);
+  line.option("--image", options.image, "Start from a memory image, else from a small house")
+      .typeName("FILE");
+  line.option("--save", options.save, "Save the memory image at the end").typeName("FILE");
+  line.flag("--trace", options.trace, "Print each request and its reply");
+  line.option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
+      .typeName("KIND[=N]@WHICH")
+      .oneValueEach();
+  line.option("--for", options.seconds, "End after so many seconds (0: at once)").typeName("SECONDS");
+  line.version("velk-sim " VELK_VERSION);
+  line.footer(examples + describeFaults());
+}
+
+void print(const std::string& line) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
+  std::cout << line << std::endl;  // NOLINT(performance-avoid-endl): programs wait for the lines
+}
+
+SessionOptions sessionOptions(const Options& options) {
+  SessionOptions result;
+  result.busAddress = static_cast<Byte>(options.busAddress);
+  result.password = padded(checkedPassword(bytesOfUtf8(options.password)), link::passwordLength, '\0');
+  for (const std::string& fault : options.faults) result.faults.add(fault);
+  if (options.trace) result.trace = print;
+  return result;
+}
+
+template <class Session>
+Server::MakePeer makerOf(Controller& controller, const SessionOptions& options) {
+  return [&controller, options] { return std::make_unique<Session>(controller, options); };
+}
+
+void announce(std::string interface, std::string_view place) {
+  print((interface += ' ').append(place));
+}
+
+void listen(Server& server, const std::string& interface, const std::string& address,
+            const std::vector<std::uint16_t>& ports, const Server::MakePeer& makePeer) {
+  const bool isIpv6 = address.find(':') != std::string::npos;
+  const std::string host = isIpv6 ? '[' + address + ']' : address;
+  for (const std::uint16_t port : ports) {
+    announce(interface, host + ':' + std::to_string(server.listen(address, port, makePeer)));
+  }
+}
+
+void serveSerial(Server& server, const std::string& interface, const std::vector<std::string>& devices,
+                 int baud, const Server::MakePeer& makePeer) {
+  for (const std::string& device : devices) {
+    if (device.empty()) {
+      announce(interface, server.servePseudoLine(makePeer));
+    } else {
+      server.serveDevice(device, baud, makePeer);
+      announce(interface, device);
+    }
+  }
+}
+
+void waitForTheEnd(double seconds) {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  const auto isOver = [&] { return std::chrono::duration<double>(Clock::now() - start).count() >= seconds; };
+  while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
+}
+
+simulator::Store startOf(const std::string& image) {
+  if (image.empty()) return simulator::house();
+  std::istringstream in(readFile(image));
+  try {
+    return simulator::readImage(in);
+  } catch (const simulator::ImageError& error) {
+    throw Failure(badFile, image + ": " + error.what());
+  }
+}
+
+void save(OutputFile& file, const simulator::Store& store) {
+  std::ostringstream out;
+  simulator::writeImage(out, store);
+  file.write(out.str());
+}
+
+/// Serves until the end. Throws `Failure` with `noLink` when an interface cannot be opened.
+void serveAll(const Options& options, const SessionOptions& session, Controller& controller) {
+  Server server;
+  try {
+    listen(server, "tcp Q", options.address, options.portsQ,
+           makerOf<simulator::EthernetQSession>(controller, session));
+    listen(server, "tcp S", options.address, options.portsS,
+           makerOf<simulator::EthernetSSession>(controller, session));
+    serveSerial(server, "echo", options.echo, options.baud,
+                makerOf<simulator::EchoSession>(controller, session));
+    serveSerial(server, "fast", options.fast, options.baud,
+                makerOf<simulator::FastSession>(controller, session));
+  } catch (const std::invalid_argument&) {
+    throw;  // the command line is wrong
+  } catch (const std::exception& error) {
+    throw Failure(noLink, error.what());
+  }
+  print("ready");
+  waitForTheEnd(options.seconds);
+}
+
+void run(Options& options) {
+  if (!(options.seconds >= 0)) {
+    throw std::invalid_argument("--for takes a number of seconds from 0 on");
+  }
+  if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {
+    options.portsQ.push_back(0);
+  }
+  const SessionOptions session = sessionOptions(options);
+  Controller controller(startOf(options.image));
+  std::optional<OutputFile> image;
+  if (!options.save.empty()) image.emplace(options.save);
+  controller.attach(
+      std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
+  simulator::attachModules(controller, session.faults, session.trace);
+  serveAll(options, session, controller);
+  if (image) save(*image, controller.snapshot());
+}
+
+int carryOut(int argc, char** argv) {
+  const CommandLine line("velk-sim", description);
+  Options options;
+  declare(line, options);
+  const auto status = line.parse(argc, argv);
+  if (!status) {
+    watchInterrupts();
+    run(options);
+  }
+  return status.value_or(success);
+}
+
+}  // namespace
+}  // namespace velk::cli
+
+int main(int argc, char** argv) {
+  return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
+    return velk::cli::guarded("velk-sim", [&] { return velk::cli::carryOut(count, words); });
+  });
+}

@@ -1,0 +1,60 @@
+#include "cli/sim/serve.h"
+
+#include <algorithm>
+#include <map>
+
+namespace velk::cli {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+/// What is still to be sent, by its time; in the order it was added where times are equal.
+class Schedule {
+ public:
+  void add(std::vector<simulator::Delivery> deliveries) {
+    const auto now = Clock::now();
+    for (auto& delivery : deliveries) waiting_.emplace(now + delivery.after, std::move(delivery));
+  }
+
+  /// Sends what is due. False: the peer hangs up.
+  bool sendDue(Stream& stream) {
+    Bytes due;
+    bool hangUp = false;
+    while (!hangUp && !waiting_.empty() && waiting_.begin()->first <= Clock::now()) {
+      due += waiting_.begin()->second.bytes;
+      hangUp = waiting_.begin()->second.hangUp;
+      waiting_.erase(waiting_.begin());
+    }
+    if (!due.empty()) stream.send(due);
+    return !hangUp;
+  }
+
+  [[nodiscard]] milliseconds untilNext() const {
+    if (waiting_.empty()) return stopInterval;
+    const auto rest = std::chrono::ceil<milliseconds>(waiting_.begin()->first - Clock::now());
+    return std::clamp(rest, milliseconds(0), stopInterval);
+  }
+
+ private:
+  std::multimap<Clock::time_point, simulator::Delivery> waiting_;
+};
+
+}  // namespace
+
+void serve(Stream& stream, simulator::Peer& peer, const std::stop_token& stop) {
+  Schedule schedule;
+  schedule.add(peer.connected());
+  auto last = Clock::now();
+  while (!stop.stop_requested() && schedule.sendDue(stream)) {
+    const auto bytes = stream.receive(schedule.untilNext());
+    if (!bytes) return;
+    if (bytes->empty()) continue;
+    const auto now = Clock::now();
+    if (now - last >= simulator::frameGap) peer.quiet();
+    last = now;
+    schedule.add(peer.received(*bytes));
+  }
+}
+
+}  // namespace velk::cli

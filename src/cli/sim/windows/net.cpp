@@ -1,0 +1,40 @@
+#include "cli/sim/net.h"
+
+namespace velk::cli::net {
+
+bool wait(Handle handle, Event event, std::chrono::milliseconds longest) {
+  fd_set watched;
+  FD_ZERO(&watched);
+  FD_SET(handle, &watched);
+  const auto ms = static_cast<long>(longest.count());
+  timeval limit{.tv_sec = ms / 1000, .tv_usec = ms % 1000 * 1000};
+  fd_set* const reading = event == Event::readable ? &watched : nullptr;
+  fd_set* const writing = event == Event::writable ? &watched : nullptr;
+  return select(0, reading, writing, nullptr, &limit) > 0;
+}
+
+void close(Handle handle) {
+  closesocket(handle);
+}
+
+void start() {
+  static const int result = [] {
+    WSADATA data;
+    return WSAStartup(MAKEWORD(2, 2), &data);
+  }();
+  static_cast<void>(result);
+}
+
+int lastError() {
+  return WSAGetLastError();
+}
+
+/// Here a listener takes such a port without being told, and the option of that name would let others in.
+void prepareListener(Handle /*handle*/) {}
+
+void prepareStream(Handle handle) {
+  const int on = 1;
+  setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+}
+
+}  // namespace velk::cli::net

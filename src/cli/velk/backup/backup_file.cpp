@@ -1,0 +1,151 @@
+#include "cli/velk/backup/backup_file.h"
+
+#include <iostream>
+#include <sstream>
+
+#include "cli/shared/failure.h"
+#include "cli/shared/files.h"
+#include "cli/velk/backup/check.h"
+#include "cli/velk/backup/checksum.h"
+#include "cli/velk/things/words.h"
+
+namespace velk::cli {
+namespace {
+
+constexpr const char* format = "velk-backup";
+constexpr int unverifiedVersion = 1;
+constexpr int version = 2;
+
+/// No configuration lies in the fourth.
+constexpr std::array areas{Area::external, Area::block, Area::highBlock};
+
+Json jsonOf(const Lines& lines) {
+  Json json = Json::object();
+  for (const Area area : areas) json[nameOf(area)] = Json::object();
+  for (const auto& [at, bytes] : lines) json[nameOf(at.area)][digitsOf(at)] = hex(bytes);
+  return json;
+}
+
+Lines linesOf(const Json& json) {
+  Lines lines;
+  for (const Area area : areas) {
+    for (const auto& [address, digits] : json.at(nameOf(area)).items()) {
+      const Bytes at = bytesOfHex(address);
+      const Bytes bytes = bytesOfHex(digits.get<std::string>());
+      if (at.size() != 2 || byteAt(at, 1) % lineSize != 0 || bytes.size() != lineSize) {
+        throw std::invalid_argument("the line \"" + address + "\" does not name 16 bytes");
+      }
+      lines[{area, byteAt(at, 0), byteAt(at, 1)}] = bytes;
+    }
+  }
+  return lines;
+}
+
+std::vector<Module> modulesOf(const Json& json) {
+  std::vector<Module> modules;
+  for (const Json& module : json.elements()) modules.push_back(moduleOfJson(module));
+  return modules;
+}
+
+/// The end of a file whose text before it is this one.
+std::string checksumLine(std::string_view before) {
+  const std::uint32_t sum = crc32(before);
+  Bytes bytes;
+  for (int shift = 24; shift >= 0; shift -= 8) bytes += character(static_cast<int>(sum >> shift & 255));
+  return " \"checksum\": \"" + hex(bytes) + "\"\n}\n";
+}
+
+/// Whether every byte is as it was written.
+bool isIntact(std::string_view text) {
+  const std::size_t size = checksumLine({}).size();
+  if (text.size() < size) return false;
+  const std::string_view before = text.substr(0, text.size() - size);
+  return text.substr(before.size()) == checksumLine(before);
+}
+
+}  // namespace
+
+std::string textOf(const Backup& backup) {
+  Json json{{"format", format},
+            {"version", version},
+            {"begun", backup.begun},
+            {"link", backup.link},
+            {"complete", backup.complete},
+            {"lines", backup.lines.size()},
+            {"memory", jsonOf(backup.lines)},
+            {"modules", Json::array()}};
+  for (const Module& module : backup.modules) json["modules"].push_back(jsonOf(module));
+  std::string text = json.dump(1);
+  text.replace(text.size() - 2, 2, ",\n");  // one more member follows
+  return text + checksumLine(text);
+}
+
+Backup parseBackup(std::string text) {
+  std::erase(text, '\r');  // what a system or a mail does to the ends of lines changes nothing
+  std::istringstream in(text);
+  const Json json = Json::parse(in);
+  if (json.value("format", std::string()) != format) throw std::invalid_argument("it is no backup");
+  const int given = json.at("version").get<int>();
+  if (given != version && given != unverifiedVersion) {
+    throw std::invalid_argument("its version is not known here");
+  }
+  Backup backup{.begun = json.at("begun").get<std::string>(),
+                .link = json.at("link").get<std::string>(),
+                .complete = json.at("complete").get<bool>(),
+                .lines = linesOf(json.at("memory")),
+                .modules = modulesOf(json.at("modules"))};
+  checkPlaces(backup.lines);
+  if (given == unverifiedVersion) {
+    backup.condition = Condition::unverified;
+    return backup;
+  }
+  const int count = json.at("lines").get<int>();
+  if (!std::cmp_equal(count, backup.lines.size())) {
+    throw std::invalid_argument("it should have " + std::to_string(count) + " lines and has " +
+                                std::to_string(backup.lines.size()));
+  }
+  if (backup.complete) checkComplete(backup.lines);
+  if (!isIntact(text)) backup.condition = Condition::edited;
+  return backup;
+}
+
+Backup loadBackup(const std::string& path) {
+  const auto fail = [&](const std::string& why) { return Failure(badFile, path + ": " + why); };
+  try {
+    Backup backup = parseBackup(readFile(path));
+    if (!backup.complete) throw fail("the backup is unfinished");
+    if (backup.condition != Condition::intact) {
+      std::cerr << "velk: " << path << ": " << textOf(backup.condition) << '\n';
+    }
+    return backup;
+  } catch (const std::invalid_argument& error) {
+    throw fail(error.what());
+  }
+}
+
+std::string textOf(Condition condition) {
+  switch (condition) {
+    case Condition::intact:
+      return "the file is as velk wrote it";
+    case Condition::edited:
+      return "the file was changed after velk wrote it";
+    case Condition::unverified:
+      return "the file is of format 1, without a checksum; where lines are missing there, zeros are meant";
+  }
+  return {};
+}
+
+Byte byteOf(const Lines& lines, Address at) {
+  const auto index = static_cast<std::size_t>(at.offset % lineSize);
+  at.offset = static_cast<Byte>(at.offset - index);
+  const auto found = lines.find(at);
+  return found == lines.end() ? Byte{0} : byteAt(found->second, index);
+}
+
+simulator::Store storeOf(const Lines& lines) {
+  simulator::Store store;
+  for (const auto& [at, bytes] : lines) store.write(at, bytes);
+  return store;
+}
+
+}  // namespace velk::cli

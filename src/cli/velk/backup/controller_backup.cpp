@@ -1,0 +1,23 @@
+#include "cli/velk/backup/controller_backup.h"
+
+#include "cli/velk/backup/describe.h"
+#include "cli/velk/backup/memory_reader.h"
+#include "cli/velk/backup/progress.h"
+
+namespace velk::cli {
+
+Backup readLike(Serial& serial, const Backup& backup, const Sections& sections) {
+  watchInterrupts();
+  Backup now;
+  {
+    Progress progress("reading");
+    readMissing(
+        serial, now.lines, [&](ThingKind kind) { return isSelected(sections, sectionOf(kind)); },
+        [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+  }
+  if (!isSelected(sections, "modules")) return now;
+  for (const Module& module : backup.modules) now.modules.push_back(readModule(serial, module.serial));
+  return now;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,161 @@
+#include "cli/velk/backup/difference.h"
+
+#include <algorithm>
+
+#include "cli/velk/backup/describe.h"
+#include "cli/velk/connection/expect_done.h"
+#include "cli/velk/things/words.h"
+#include "simulator/controller.h"
+#include "simulator/ethernet_sessions.h"
+#include "simulator/loopback_host.h"
+
+namespace velk::cli {
+namespace {
+
+/// A controller that is not there: a backup's memory behind a link of its own, so that it is read like any
+/// other.
+class Offline {
+ public:
+  explicit Offline(const Lines& lines) : controller_(storeOf(lines)), serial_(host_) {
+    constexpr const char* name = "backup";
+    host_.listen(name, 1, [this] {
+      return std::make_unique<simulator::EthernetSSession>(controller_, simulator::SessionOptions{});
+    });
+    expectDone(serial_.OpenTCP(name, 1), "opening a backup");
+  }
+
+  /// Nothing for bytes that are no such thing.
+  Fields describe(Thing thing) {
+    try {
+      return cli::describe(serial_, thing);
+    } catch (const Failure&) {
+      return {};
+    }
+  }
+
+ private:
+  simulator::Controller controller_;
+  simulator::LoopbackHost host_;
+  Serial serial_;
+};
+
+using Things = std::map<Thing, std::vector<Address>>;
+
+Things differingThings(const Lines& from, const Lines& to, const Sections& sections) {
+  std::set<Address> lines;
+  for (const auto& [at, bytes] : from) lines.insert(at);
+  for (const auto& [at, bytes] : to) lines.insert(at);
+  Things things;
+  for (Address at : lines) {
+    for (int i = 0; i < lineSize; ++i, ++at.offset) {
+      const auto thing = memory::thingAt(at);
+      if (!thing || memory::isReadOnly(at) || byteOf(from, at) == byteOf(to, at)) continue;
+      if (isSelected(sections, sectionOf(thing->kind))) things[*thing].push_back(at);
+    }
+  }
+  return things;
+}
+
+std::string textIn(const Fields& fields, const std::string& name) {
+  const auto found =
+      std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == name; });
+  return found == fields.end() ? std::string() : found->text;
+}
+
+/// Items of different modes have nothing to do with each other.
+bool isItem(const Field& field) {
+  return field.name.starts_with("item ");
+}
+
+std::vector<Change> changesOf(Fields from, Fields to) {
+  if (textIn(from, "mode") != textIn(to, "mode")) {
+    std::erase_if(from, isItem);
+    std::erase_if(to, isItem);
+  }
+  std::vector<Change> changes;
+  for (const Field& field : from) {
+    const std::string other = textIn(to, field.name);
+    if (other != field.text) changes.push_back({field.name, field.text, other});
+  }
+  for (const Field& field : to) {
+    const bool isNew =
+        std::none_of(from.begin(), from.end(), [&](const Field& f) { return f.name == field.name; });
+    if (isNew && !field.text.empty()) changes.push_back({field.name, "", field.text});
+  }
+  return changes;
+}
+
+/// For bytes that no property tells of.
+std::vector<Change> changesOf(const std::vector<Address>& addresses, const Lines& from, const Lines& to) {
+  std::vector<Change> changes;
+  for (const Address at : addresses) {
+    changes.push_back({"byte " + std::to_string(at.offset) + " of page " + std::to_string(at.page),
+                       std::to_string(byteOf(from, at)), std::to_string(byteOf(to, at))});
+  }
+  return changes;
+}
+
+void compareModules(const Backup& from, const Backup& to, std::vector<Difference>& differences) {
+  for (const Module& module : from.modules) {
+    const auto other = std::find_if(to.modules.begin(), to.modules.end(),
+                                    [&](const Module& m) { return m.serial == module.serial; });
+    if (other == to.modules.end()) continue;
+    auto changes = changesOf(fieldsOf(module), fieldsOf(*other));
+    if (!changes.empty()) differences.push_back({titleOf(module), {}, std::move(changes)});
+  }
+}
+
+}  // namespace
+
+Sections parseSections(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
+    if (std::find(sections().begin(), sections().end(), name) != sections().end()) continue;
+    std::string all;
+    for (const std::string_view section : sections()) all.append(" ").append(section);
+    throw std::invalid_argument("there is no section \"" + name + "\", but" + all);
+  }
+  return {names.begin(), names.end()};
+}
+
+bool isSelected(const Sections& sections, std::string_view name) {
+  return sections.empty() || sections.contains(name);
+}
+
+std::vector<Difference> compare(const Backup& from, const Backup& to, const Sections& sections) {
+  std::vector<Difference> differences;
+  Offline before(from.lines);
+  Offline after(to.lines);
+  for (const auto& [thing, addresses] : differingThings(from.lines, to.lines, sections)) {
+    auto changes = changesOf(before.describe(thing), after.describe(thing));
+    if (changes.empty()) changes = changesOf(addresses, from.lines, to.lines);
+    differences.push_back({titleOf(thing), addresses, std::move(changes)});
+  }
+  if (isSelected(sections, "modules")) compareModules(from, to, differences);
+  return differences;
+}
+
+std::string textOf(const Difference& difference) {
+  const auto shown = [](const std::string& text) { return text.empty() ? "(none)" : text; };
+  std::string text = difference.title + ":";
+  const char* gap = " ";
+  for (const Change& change : difference.changes) {
+    text += gap + change.field + " " + shown(change.from) + " -> " + shown(change.to);
+    gap = ", ";
+  }
+  return text;
+}
+
+Json jsonOf(const std::vector<Difference>& differences) {
+  Json json = Json::array();
+  for (const Difference& difference : differences) {
+    Json changes = Json::array();
+    for (const Change& change : difference.changes) {
+      changes.push_back({{"field", change.field}, {"from", change.from}, {"to", change.to}});
+    }
+    json.push_back(
+        {{"thing", difference.title}, {"bytes", difference.addresses.size()}, {"changes", changes}});
+  }
+  return json;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,63 @@
+#include "cli/velk/commands/command.h"
+#include "cli/velk/commands/method_call.h"
+
+namespace velk::cli {
+namespace {
+
+constexpr const char* notes =
+    "\nArguments stand by position or, behind those, as NAME=VALUE. In a text \\xNN is a byte and \\\\ a\n"
+    "backslash; one that starts with a minus is given as NAME=VALUE or behind \"--\". Without a link the\n"
+    "methods that need none can be called. The result stands on the first line, then each by-reference\n"
+    "argument as NAME=VALUE. With --json each character of a text is one byte, U+0000 to U+00FF.\n"
+    "\nExit status:\n"
+    "  0  result 0, or a value; for transactions: status 0\n"
+    "  1  any other result or status\n"
+    "  2  the command line is wrong\n"
+    "  3  the method raised a run-time error\n"
+    "  4  the link could not be opened\n"
+    "\nExamples:\n"
+    "  velk call --simulate Ctl_Param R 5 \"\"\n"
+    "  velk call --tcp 192.168.1.20:8445 --password 1234 Ctl_Param R 5 Mode= --json\n"
+    "  velk call --serial /dev/ttyUSB0 ReadCom 7 0 2 V\n"
+    "  velk call --serial COM3 --fast WriteCom 2 5 19 V Data='\\x1e\\x3c'\n"
+    "  velk call DECtoBCD 59\n"
+    "  velk call --simulate SoortETH\n";
+
+struct CallOptions : LinkedOptions {
+  std::vector<std::string> properties;
+  std::string method;
+  std::vector<std::string> arguments;
+
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("--set", properties, "Set a property before the call; repeatable")
+        .typeName("NAME=VALUE")
+        .oneValueEach();
+    line.option("METHOD", method, "A method or property, see \"velk methods\"").required();
+    line.option("ARGUMENTS", arguments, "Its arguments");
+  }
+};
+
+int carryOutCall(const CallOptions& options) {
+  Call call = parseCall(options.method, options.arguments);
+  const auto connection = open(options.link.find().value_or(LinkOptions()));
+  for (const std::string& property : options.properties) setProperty(connection->serial(), property);
+  const CallResult result = perform(connection->serial(), call);
+  if (options.json) {
+    std::cout << jsonOf(call, result) << '\n';
+  } else if (result.errorNumber) {
+    std::cerr << "velk: run-time error " << *result.errorNumber << ": " << result.errorText << '\n';
+  } else {
+    std::cout << textOf(call, result);
+  }
+  return exitStatusOf(call, result);
+}
+
+}  // namespace
+
+void addCall(const CommandLine& velk, Run& run) {
+  addCommand<CallOptions>(velk, run, "call", "Call a method, or read a property", "", carryOutCall)
+      .footer(notes);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,83 @@
+#include "cli/velk/connection/connection.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+#include <utility>
+
+#include "cli/shared/serial_line.h"
+#include "simulator/clock.h"
+#include "simulator/controller.h"
+#include "simulator/ethernet_sessions.h"
+#include "simulator/house.h"
+#include "simulator/house_modules.h"
+#include "simulator/loopback_host.h"
+
+namespace velk::cli {
+namespace {
+
+struct Endpoint {
+  std::string host;
+  std::uint16_t port;
+};
+
+Endpoint parseEndpoint(const std::string& text) {
+  const auto colon = text.rfind(':');
+  const std::string digits = colon == std::string::npos ? std::string() : text.substr(colon + 1);
+  std::string host = text.substr(0, std::min(colon, text.size()));
+  const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
+  if (bracketed) host = host.substr(1, host.size() - 2);
+  std::uint16_t port = 0;
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, port);
+  // Without brackets nobody could tell the last group of an IPv6 address from a port.
+  const bool ambiguous = !bracketed && host.find_first_of("[]:") != std::string::npos;
+  if (error != std::errc() || stop != end || port == 0 || host.empty() || ambiguous) {
+    throw std::invalid_argument("a TCP link is HOST:PORT or [IPV6]:PORT, not \"" + text + "\"");
+  }
+  return {.host = std::move(host), .port = port};
+}
+
+}  // namespace
+
+Connection::Connection(const LinkOptions& options) {
+  if (options.simulate) {
+    openSimulator(options);
+    return;
+  }
+  serial_ = std::make_unique<Serial>();
+  if (!options.tcp.empty()) openTcp(options);
+  if (!options.serial.empty()) openSerial(options);
+}
+
+Connection::~Connection() = default;
+
+void Connection::openTcp(const LinkOptions& options) {
+  const Endpoint endpoint = parseEndpoint(options.tcp);
+  // Ports above 32767 travel as negative numbers.
+  result_ = serial_->OpenTCP(endpoint.host, static_cast<std::int16_t>(endpoint.port), options.password,
+                             options.busAddress);
+}
+
+void Connection::openSerial(const LinkOptions& options) {
+  serial_->SerAddress = options.busAddress;
+  result_ = serial_->OpenCom(portNumber(options.serial), options.baud, options.fast);
+}
+
+void Connection::openSimulator(const LinkOptions& options) {
+  constexpr const char* name = "simulator";
+  constexpr std::uint16_t port = 1;
+  controller_ = std::make_unique<simulator::Controller>(simulator::house());
+  host_ = std::make_unique<simulator::LoopbackHost>();
+  host_->transferTime = std::chrono::milliseconds(1);
+  controller_->attach(std::make_unique<simulator::Clock>([host = host_.get()] { return host->elapsed(); }));
+  simulator::attachModules(*controller_);
+  const simulator::SessionOptions session{.busAddress = options.busAddress};
+  host_->listen(name, port, [this, session] {
+    return std::make_unique<simulator::EthernetQSession>(*controller_, session);
+  });
+  serial_ = std::make_unique<Serial>(*host_);
+  result_ = serial_->OpenTCP(name, port, "", options.busAddress);
+}
+
+}  // namespace velk::cli

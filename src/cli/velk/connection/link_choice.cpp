@@ -1,0 +1,70 @@
+#include "cli/velk/connection/link_choice.h"
+
+#include <stdexcept>
+
+#include "cli/shared/escapes.h"
+#include "cli/shared/failure.h"
+#include "cli/shared/native_text.h"
+#include "cli/shared/password.h"
+#include "cli/velk/connection/link_failure.h"
+#include "cli/velk/connection/link_text.h"
+
+namespace velk::cli {
+
+void LinkChoice::declare(const CommandLine& line) {
+  constexpr const char* group = "Link";
+  const Option tcp = line.option("--tcp", options_.tcp, "A TCP link").typeName("HOST:PORT");
+  const Option serial = line.option("--serial", options_.serial, "A serial link").typeName("DEVICE");
+  const Option simulate =
+      line.flag("--simulate", options_.simulate, "A simulated controller of a small house");
+  const Option text =
+      line.option("--link", text_, "A link as one text, as in VELK_LINK; see \"velk --help\"");
+  tcp.excludes(serial).excludes(simulate).excludes(text);
+  serial.excludes(simulate).excludes(text);
+  simulate.excludes(text);
+  const Option password = line.option("--password", password_, "Password of the TCP link").needs(tcp);
+  const Option address = line.option("--address", busAddress_, "Bus address of the controller")
+                             .range(link::lowestBusAddress, link::highestBusAddress)
+                             .showDefault()
+                             .excludes(text);
+  const Option baud = line.option("--baud", baud_, "Rate of the serial link in bit/s")
+                          .range(lowestBaud, highestBaud)
+                          .needs(serial)
+                          .showDefault();
+  const Option fast =
+      line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
+  address_ = address;
+  for (const Option& option : {tcp, serial, simulate, text, password, address, baud, fast})
+    option.group(group);
+}
+
+std::optional<LinkOptions> LinkChoice::find() const {
+  if (!text_.empty()) return parseLink(text_);
+  if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
+    const auto text = environment("VELK_LINK");
+    if (!text || text->empty()) return std::nullopt;
+    // Left out it would be the wrong controller, and which of two is meant is no guess of ours.
+    if (address_ && address_->isGiven()) {
+      throw std::invalid_argument("--address does not go with VELK_LINK, which has an address of its own");
+    }
+    return parseLink(*text);
+  }
+  LinkOptions link = options_;
+  link.password = checkedPassword(unescaped(password_));
+  link.baud = static_cast<std::int16_t>(baud_);
+  link.busAddress = static_cast<Byte>(busAddress_);
+  return link;
+}
+
+LinkOptions LinkChoice::required() const {
+  if (auto link = find()) return *std::move(link);
+  throw std::invalid_argument("no link: give --tcp, --serial, --simulate or --link, or set VELK_LINK");
+}
+
+std::unique_ptr<Connection> open(const LinkOptions& link) {
+  auto connection = std::make_unique<Connection>(link);
+  if (connection->result() == 0) return connection;
+  throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP));
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "cli/shared/command_line.h"
+#include "cli/velk/connection/connection.h"
+
+namespace velk::cli {
+
+/// The options by which a command takes its link. Without any of them the environment variable VELK_LINK
+/// names it.
+class LinkChoice {
+ public:
+  void declare(const CommandLine& line);
+
+  /// The link that is asked for, if one is. Throws std::invalid_argument with a sentence.
+  [[nodiscard]] std::optional<LinkOptions> find() const;
+
+  /// The link that a command cannot do without. Throws std::invalid_argument as well when there is none.
+  [[nodiscard]] LinkOptions required() const;
+
+ private:
+  LinkOptions options_;
+  std::string text_;
+  std::string password_;
+  int baud_ = LinkOptions().baud;
+  int busAddress_ = LinkOptions().busAddress;
+  std::optional<Option> address_;
+};
+
+/// Opens a link. Throws `Failure` with `noLink` when it does not open.
+std::unique_ptr<Connection> open(const LinkOptions& link);
+
+}  // namespace velk::cli

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "cli/velk/connection/connection.h"
+
+namespace velk::cli {
+
+/// Why a link did not open, and what to look at, in a sentence.
+/// @param result of `OpenTCP` or `OpenCom`, not 0
+/// @param greeted whether an interface has answered, so that the result is that of the login
+std::string failureToOpen(const LinkOptions& link, Byte result, bool greeted);
+
+}  // namespace velk::cli

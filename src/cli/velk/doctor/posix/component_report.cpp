@@ -1,0 +1,17 @@
+#include "cli/velk/doctor/component_report.h"
+
+#include <iostream>
+
+#include "cli/shared/exit_status.h"
+#include "cli/shared/json.h"
+
+namespace velk::cli {
+
+int reportComponent(bool json) {
+  constexpr const char* note =
+      "The component is for Windows; here programs use the library, and \"velk status\" looks at a link.";
+  std::cout << (json ? Json{{"note", note}}.dump() : note) << '\n';
+  return success;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,105 @@
+#include <objbase.h>
+#include <oleauto.h>
+#include <windows.h>
+
+#include <array>
+
+#include "cli/velk/doctor/component_state.h"
+#include "component/identity.h"
+
+namespace velk::cli {
+namespace {
+
+std::wstring wideText(std::string_view ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+/// The registry as programs of one bitness see it, for everybody or for this user.
+struct Place {
+  int bits;
+  REGSAM view;
+  Audience audience;
+  HKEY hive;
+};
+
+const std::array places{
+    Place{wide, KEY_WOW64_64KEY, Audience::everybody, HKEY_LOCAL_MACHINE},
+    Place{wide, KEY_WOW64_64KEY, Audience::user, HKEY_CURRENT_USER},
+    Place{narrow, KEY_WOW64_32KEY, Audience::everybody, HKEY_LOCAL_MACHINE},
+    Place{narrow, KEY_WOW64_32KEY, Audience::user, HKEY_CURRENT_USER},
+};
+
+std::filesystem::path libraryAt(const Place& place) {
+  const std::wstring name =
+      L"Software\\Classes\\CLSID\\{" + wideText(identity::classId) + L"}\\InprocServer32";
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(place.hive, name.c_str(), 0, KEY_READ | place.view, &key) != ERROR_SUCCESS) return {};
+  std::array<wchar_t, 1024> text{};
+  DWORD size = sizeof text;
+  const LSTATUS status = RegGetValueW(key, nullptr, nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size);
+  RegCloseKey(key);
+  return status == ERROR_SUCCESS ? std::filesystem::path(text.data()) : std::filesystem::path();
+}
+
+/// Empty on 32-bit systems, which have no such folder.
+std::filesystem::path narrowFolder() {
+  std::array<wchar_t, MAX_PATH> text{};
+  GetSystemWow64DirectoryW(text.data(), static_cast<UINT>(text.size()));
+  return text.data();
+}
+
+std::filesystem::path thisProgram() {
+  std::array<wchar_t, 1024> text{};
+  GetModuleFileNameW(nullptr, text.data(), static_cast<DWORD>(text.size()));
+  return text.data();
+}
+
+/// Goes the way of a script host, up to a property.
+HRESULT createAndRead() {
+  constexpr std::array<wchar_t, 9> property{L"SoortETH"};
+  CLSID id;
+  HRESULT result = CLSIDFromProgID(wideText(identity::progId).c_str(), &id);
+  IDispatch* object = nullptr;
+  if (SUCCEEDED(result)) {
+    result =
+        CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&object));
+  }
+  if (FAILED(result)) return result;
+  DISPID member = 0;
+  auto name = property;
+  LPOLESTR names = name.data();
+  result = object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_NEUTRAL, &member);
+  if (SUCCEEDED(result)) {
+    DISPPARAMS none{};
+    VARIANT value;
+    VariantInit(&value);
+    result = object->Invoke(member, IID_NULL, LOCALE_NEUTRAL, DISPATCH_PROPERTYGET, &none, &value, nullptr,
+                            nullptr);
+    VariantClear(&value);
+  }
+  object->Release();
+  return result;
+}
+
+std::uint32_t tryIt() {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  const HRESULT result = createAndRead();
+  CoUninitialize();
+  return SUCCEEDED(result) ? 0 : static_cast<std::uint32_t>(result);
+}
+
+}  // namespace
+
+ComponentState inspectComponent() {
+  ComponentState state{
+      .registrations = {}, .program = thisProgram(), .narrowFolder = narrowFolder(), .result = tryIt()};
+  for (const Place& place : places) {
+    // A 32-bit system has one view, and calls it by both names.
+    if (place.bits == wide && state.narrowFolder.empty()) continue;
+    state.registrations.push_back(
+        {.bits = place.bits, .audience = place.audience, .library = libraryAt(place)});
+  }
+  return state;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,75 @@
+#include "cli/velk/doctor/component_report.h"
+
+#include <iostream>
+
+#include "cli/shared/exit_status.h"
+#include "cli/shared/json.h"
+#include "cli/velk/commands/table.h"
+#include "cli/velk/doctor/component_state.h"
+
+namespace velk::cli {
+namespace {
+
+constexpr int programBits = sizeof(void*) * 8;
+
+std::string nameOf(Audience audience) {
+  return audience == Audience::user ? "this user" : "everybody";
+}
+
+std::string programsOf(int bits) {
+  return std::to_string(bits) + "-bit";
+}
+
+std::string verdictOn(const Registration& registration) {
+  if (registration.library.empty()) return "not registered";
+  const std::string_view fault = faultOf(registration);
+  return fault.empty() ? "registered" : std::string(fault);
+}
+
+void print(const ComponentState& state) {
+  Table table({"Programs", "For", "State", "File"});
+  for (const Registration& row : state.registrations) {
+    table.add({programsOf(row.bits), nameOf(row.audience), verdictOn(row), row.library.string()});
+  }
+  table.print(std::cout, "");
+  std::cout << "\nVelkCom.Serial in this " << programBits
+            << "-bit program: " << (state.result == 0 ? "created, and it answers" : failureOf(state)) << '\n';
+  const auto remedies = remediesFor(state);
+  if (remedies.empty()) return;
+  std::cout << "\nTo register it, for everybody as an administrator:\n";
+  Table lines({"Programs", "For", "Type"});
+  for (const Remedy& row : remedies) lines.add({programsOf(row.bits), nameOf(row.audience), row.command});
+  lines.print(std::cout, "");
+}
+
+Json jsonOf(const ComponentState& state) {
+  Json json{{"program_bits", programBits},
+            {"created", state.result == 0},
+            {"failure", state.result == 0 ? Json() : Json(failureOf(state))},
+            {"registrations", Json::array()},
+            {"remedies", Json::array()}};
+  for (const Registration& row : state.registrations) {
+    json["registrations"].push_back({{"bits", row.bits},
+                                     {"for", nameOf(row.audience)},
+                                     {"state", verdictOn(row)},
+                                     {"file", row.library.string()}});
+  }
+  for (const Remedy& row : remediesFor(state)) {
+    json["remedies"].push_back({{"bits", row.bits}, {"for", nameOf(row.audience)}, {"command", row.command}});
+  }
+  return json;
+}
+
+}  // namespace
+
+int reportComponent(bool json) {
+  const ComponentState state = inspectComponent();
+  if (json) {
+    std::cout << jsonOf(state) << '\n';
+  } else {
+    print(state);
+  }
+  return state.result == 0 ? success : badResult;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,74 @@
+#include <iostream>
+
+#include "cli/shared/guarded.h"
+#include "cli/shared/native_text.h"
+#include "cli/velk/commands/command.h"
+#include "cli/velk/connection/retry.h"
+
+/// The controller's configuration, and the component's methods, from the command line.
+namespace velk::cli {
+namespace {
+
+constexpr const char* description =
+    "Configures the controller of a home-automation bus.\n\n"
+    "Data go to standard output, everything else to standard error.";
+
+constexpr const char* notes =
+    "\nThe link is given by options or, without them, in the environment:\n"
+    "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
+    "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
+    "  VELK_LINK=simulate:\n"
+    "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". An IPv6 address stands in brackets:\n"
+    "[::1]:8445. NO_COLOR switches colours off.\n"
+    "\nExit status:\n"
+    "  0  done\n"
+    "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
+    "     restore: declined;\n"
+    "     doctor: the component cannot be created\n"
+    "  2  the command line is wrong\n"
+    "  3  a run-time error of the link\n"
+    "  4  the link could not be opened; diff: it failed\n"
+    "  5  a file, or standard output, cannot be read or written\n"
+    "  130  Ctrl-C, or what else asks a program to end, came while it read or wrote\n"
+    "\nExamples:\n"
+    "  velk outputs --simulate\n"
+    "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
+    "  velk call --help\n";
+
+void addCommands(const CommandLine& line, Run& run) {
+  for (const auto add : {addStatus, addOutputs, addOutput, addClock, addLinks, addPresets, addSwitchTimes,
+                         addSimulation, addModules, addInfraredText, addLanguage, addBackup, addDiff,
+                         addRestore, addWeek, addDoctor, addCompletion, addCall, addMethods}) {
+    add(line, run);
+  }
+}
+
+/// The parser would only say that a command is missing.
+bool namesUnknownCommand(const CommandLine& line, int argc, char** argv) {
+  const std::string first = argc > 1 ? argv[1] : "-";
+  if (first.starts_with('-') || line.hasCommand(first)) return false;
+  std::cerr << "velk: there is no command \"" << first << "\"; \"velk --help\" lists them\n";
+  return true;
+}
+
+int carryOut(int argc, char** argv) {
+  const CommandLine line("velk", description);
+  line.version("velk " VELK_VERSION);
+  line.footer(notes);
+  Run run;
+  addCommands(line, run);
+  if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
+  if (const auto status = line.parse(argc, argv)) return *status;
+  return run();
+}
+
+}  // namespace
+}  // namespace velk::cli
+
+int main(int argc, char** argv) {
+  return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
+    const int status = velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
+    velk::cli::tellRepeats();
+    return status;
+  });
+}

@@ -1,0 +1,56 @@
+#include "cli/velk/things/event.h"
+
+#include "cli/velk/connection/retry.h"
+#include "cli/velk/things/words.h"
+
+namespace velk::cli {
+
+std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
+  constexpr std::size_t recordSize = 5;
+  Bytes data;
+  expectRead([&] { return serial.Simulation("R", day, hour, data); },
+             "reading the simulation of " + weekday(day) + " " + timeOfDay(hour, 0));
+  std::vector<Event> events;
+  for (std::size_t i = 0; i + recordSize <= data.size(); i += recordSize) {
+    Bytes record = data.substr(i, recordSize);
+    if (record == Bytes(recordSize, '\0')) continue;
+    events.push_back({.day = day, .hour = hour, .record = std::move(record)});
+  }
+  return events;
+}
+
+std::vector<Event> readEvents(Serial& serial) {
+  std::vector<Event> week;
+  for (Byte day = 0; day < weekdays; ++day) {
+    for (Byte hour = 0; hour < hoursOfDay; ++hour) {
+      const std::vector<Event> events = readEvents(serial, day, hour);
+      week.insert(week.end(), events.begin(), events.end());
+    }
+  }
+  return week;
+}
+
+std::string timeOf(const Event& event) {
+  return timeOfDay(event.hour, byteAt(event.record, 0), byteAt(event.record, 1));
+}
+
+std::string actionOf(const Event& event) {
+  return "output " + std::to_string(byteAt(event.record, 2)) + ": " + numbers(slice(event.record, 3));
+}
+
+Json jsonOf(const Event& event) {
+  Json json{{"day", weekday(event.day)}, {"time", timeOf(event)}};
+  json["data"] = Json::array();
+  for (const char c : slice(event.record, 2)) json["data"].push_back(byteValue(c));
+  return json;
+}
+
+Fields fieldsOf(const std::vector<Event>& events) {
+  Fields fields;
+  for (const Event& event : events) {
+    fields.push_back({"event " + std::to_string(fields.size() + 1), timeOf(event) + " " + actionOf(event)});
+  }
+  return fields;
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cli/shared/json.h"
+#include "cli/velk/things/fields.h"
+#include "parameters/items.h"
+
+namespace velk::cli {
+
+constexpr Byte lastOutput = 99;
+
+/// An output: mode and parameter items.
+struct Output {
+  Byte number = 0;
+  std::string name;  ///< as people read it; often empty
+  std::string mode;  ///< two letters; empty for an output without a mode
+  Bytes items;       ///< one character an item
+};
+
+/// Reads mode and name, and the items if there is a mode.
+Output readOutput(Serial& serial, Byte number);
+
+/// Reads only mode and name.
+Output readOutputHead(Serial& serial, Byte number);
+
+/// The name of an output.
+std::string outputName(Serial& serial, Byte number);
+
+/// "output 5 Hall ceiling".
+std::string titleOf(const Output& output);
+
+/// What a mode does, in a word or two: "timer"; empty for some.
+std::string_view meaningOfMode(std::string_view mode);
+
+/// Where an item lies: "17", "18.low", "16:0", "B3".
+std::string placeOf(const parameters::Item& item);
+
+/// An item's value: a letter where it has letters, else a number.
+std::string valueOf(const parameters::Item& item, char value);
+
+/// The character for such a text; none when the item cannot hold it.
+std::optional<char> parseItem(const parameters::Item& item, std::string_view text);
+
+Json jsonOf(const Output& output);
+Fields fieldsOf(const Output& output);
+
+}  // namespace velk::cli

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/shared/json.h"
+#include "cli/velk/things/fields.h"
+
+namespace velk::cli {
+
+constexpr int switchTimes = 128;
+
+/// A switch-time block.
+struct SwitchTime {
+  Byte block = 0;
+  Byte days = 0;  ///< bit 0 is Monday
+  Byte hour = 0;
+  Byte minute = 0;
+  Bytes data;            ///< an action of two bytes, or entries of three
+  bool readable = true;  ///< false for bytes that are no switch time
+};
+
+SwitchTime readSwitchTime(Serial& serial, Byte block);
+
+bool isUsed(const SwitchTime& time);
+
+/// "07:30".
+std::string timeOf(const SwitchTime& time);
+
+/// What it switches: "output 3: 255 2; output 7: 0 4", "action 101.2".
+std::string actionOf(const SwitchTime& time);
+
+Json jsonOf(const SwitchTime& time);
+Fields fieldsOf(const SwitchTime& time);
+
+}  // namespace velk::cli

@@ -1,0 +1,105 @@
+#include "cli/velk/things/week.h"
+
+#include <algorithm>
+#include <array>
+
+#include "cli/velk/things/output.h"
+#include "cli/velk/things/words.h"
+
+namespace velk::cli {
+namespace {
+
+constexpr int minutesOfHour = 60;
+constexpr int slotMinutes = 30;
+constexpr int slots = hoursOfDay * minutesOfHour / slotMinutes;
+
+void addSwitchTimes(Serial& serial, std::vector<Mark>& marks) {
+  for (int block = 0; block < switchTimes; ++block) {
+    const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
+    for (int day = 0; time.readable && day < weekdays; ++day) {
+      if ((time.days >> day & 1) == 0) continue;
+      marks.push_back({day, time.hour * minutesOfHour + time.minute, false, actionOf(time)});
+    }
+  }
+}
+
+void addEvents(Serial& serial, std::vector<Mark>& marks) {
+  for (const Event& event : readEvents(serial)) {
+    marks.push_back({event.day, event.hour * minutesOfHour + byteAt(event.record, 0), true, actionOf(event)});
+  }
+}
+
+std::string destinationName(Serial& serial, const SoftLink& link) {
+  const bool hasName = link.toOutput && link.destination >= 1 && link.destination <= lastOutput;
+  return named(destinationOf(link), hasName ? outputName(serial, link.destination) : "");
+}
+
+void addLinks(Serial& serial, std::vector<NamedLink>& links) {
+  for (int source = 0; source <= lastLinkSource; ++source) {
+    if (!isLinkSource(source)) continue;
+    for (const SoftLink& link : readLinks(serial, static_cast<Byte>(source))) {
+      links.push_back({link, destinationName(serial, link)});
+    }
+  }
+}
+
+std::string timeOf(const Mark& mark) {
+  return timeOfDay(mark.minute / minutesOfHour, mark.minute % minutesOfHour);
+}
+
+/// The rows of the grid, a character each half hour.
+using Rows = std::array<std::string, weekdays>;
+
+Rows rowsOf(const Week& week) {
+  Rows rows;
+  rows.fill(std::string(slots, ' '));
+  for (const Mark& mark : week.marks) {
+    char& cell = rows.at(static_cast<std::size_t>(mark.day))
+                     .at(static_cast<std::size_t>(std::min(mark.minute / slotMinutes, slots - 1)));
+    const char sign = mark.event ? '.' : '#';
+    cell = cell == ' ' || cell == sign ? sign : '*';
+  }
+  return rows;
+}
+
+}  // namespace
+
+Week readWeek(Serial& serial) {
+  Week week;
+  addSwitchTimes(serial, week.marks);
+  addEvents(serial, week.marks);
+  std::stable_sort(week.marks.begin(), week.marks.end(), [](const Mark& a, const Mark& b) {
+    return std::pair(a.day, a.minute) < std::pair(b.day, b.minute);
+  });
+  addLinks(serial, week.links);
+  return week;
+}
+
+std::string gridOf(const Week& week) {
+  std::string text = "     ";
+  for (int hour = 0; hour < hoursOfDay; hour += 3) text += timeOfDay(hour, 0) + " ";
+  text += '\n';
+  int day = 0;
+  for (const std::string& row : rowsOf(week)) text += weekday(day++).substr(0, 3) + " |" + row + "|\n";
+  text += "     # switch time   . simulation   * both\n\n";
+  for (const Mark& mark : week.marks) {
+    text +=
+        weekday(mark.day).substr(0, 3) + " " + timeOf(mark) + (mark.event ? " . " : " # ") + mark.text + "\n";
+  }
+  return text;
+}
+
+Json jsonOf(const Week& week) {
+  Json marks = Json::array();
+  for (const Mark& mark : week.marks) {
+    marks.push_back({{"day", weekday(mark.day)},
+                     {"time", timeOf(mark)},
+                     {"kind", mark.event ? "simulation" : "switch time"},
+                     {"text", mark.text}});
+  }
+  Json links = Json::array();
+  for (const NamedLink& link : week.links) links.push_back(jsonOf(link.link));
+  return {{"marks", std::move(marks)}, {"links", std::move(links)}};
+}
+
+}  // namespace velk::cli
