@@ -1,7 +1,8 @@
 #include "modules/module.h"
 
 #include "modules/model.h"
-#include "modules/module_directions.h"
+#include "modules/module_read.h"
+#include "modules/module_write.h"
 #include "modules/version.h"
 #include "values/helpers.h"
 #include "values/result.h"

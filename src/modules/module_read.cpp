@@ -1,6 +1,7 @@
+#include "modules/module_read.h"
+
 #include <algorithm>
 
-#include "modules/module_directions.h"
 #include "modules/records.h"
 #include "modules/translation.h"
 #include "values/helpers.h"

@@ -1,7 +1,8 @@
+#include "modules/module_write.h"
+
 #include <algorithm>
 
 #include "modules/conversion.h"
-#include "modules/module_directions.h"
 #include "modules/records.h"
 #include "modules/translation.h"
 #include "values/result.h"

@@ -6,7 +6,7 @@
 #include "link/memory.h"
 #include "modules/conversion.h"
 #include "modules/mailbox.h"
-#include "modules/module_directions.h"
+#include "modules/module.h"
 #include "modules/translation.h"
 #include "values/result.h"
 #include "values/runtime_error.h"

@@ -2,7 +2,7 @@
 
 #include "modules/conversion.h"
 #include "modules/masks.h"
-#include "modules/module_directions.h"
+#include "modules/module.h"
 
 namespace velk::modules {
 

@@ -1,8 +1,9 @@
 #include "parameters/ctl_param.h"
 
 #include "link/selector.h"
-#include "parameters/access.h"
 #include "parameters/modes.h"
+#include "parameters/read_output.h"
+#include "parameters/write_output.h"
 #include "values/result.h"
 
 namespace velk::parameters {

@@ -1,4 +1,5 @@
-#include "parameters/access.h"
+#include "parameters/read_output.h"
+
 #include "parameters/image.h"
 #include "parameters/modes.h"
 #include "values/result.h"

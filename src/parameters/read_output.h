@@ -3,10 +3,9 @@
 #include "link/memory.h"
 #include "parameters/ctl_param.h"
 
-/// The two directions of `Ctl_Param`; both end normally for result 0 and throw `Stop` for any other.
 namespace velk::parameters {
 
+/// `Ctl_Param` when it reads. Ends normally for result 0, throws `Stop` for any other.
 void readOutput(const link::Memory& memory, const OutputAccess& access);
-void writeOutput(const link::Memory& memory, const OutputAccess& access);
 
 }  // namespace velk::parameters

@@ -1,7 +1,8 @@
+#include "parameters/write_output.h"
+
 #include <algorithm>
 #include <vector>
 
-#include "parameters/access.h"
 #include "parameters/image.h"
 #include "parameters/modes.h"
 #include "values/helpers.h"
