@@ -196,6 +196,7 @@ registration() {
 test_program() { # test_program NAME: runs a program of tests
   export VELK_TCP_PORT="$port_q" VELK_TCP_S_PORT="$port_s" VELK_FAST_PORT=6
   export VELK_SILENT_PORT="$(cat "$work/silent.log")"
+  export VELK_TYPE_LIBRARY="Z:$build/idl/velkcom.tlb"
   until_not_held_up "$work/$1.log" wine_run "$build/bin/$1.exe" --gtest_color=no
   status=$?
   tr -d '\r' <"$work/$1.log" | sed -n \
