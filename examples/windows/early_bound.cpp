@@ -1,77 +1,53 @@
-// C++, early bound: saves an output to a file, or writes it back. Methods are called by the dispatch ids of
-// the type library, which never change, through a class with their types. Visual C++ writes such a class
-// itself: #import "VelkCom.dll".
+// C++, early bound: saves an output to a file, or writes it back, with the class that velkcom.h declares.
 //   early_bound HOST PORT PASSWORD save|restore OUTPUT FILE
-// Build: x86_64-w64-mingw32-g++-posix -std=c++20 -static early_bound.cpp -lole32 -loleaut32 -luuid
+// Build: x86_64-w64-mingw32-g++-posix -static early_bound.cpp -lole32 -loleaut32 -luuid
+// velkcom.h lies in the folder "bindings" beside the examples, or here.
 
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 
-#include "dispatch.h"
+#include "velkcom.h"
 
 namespace {
-
-/// The methods of `_Serial` that this program uses.
-class Serial {
- public:
-  Serial() : object_(create(L"VelkCom.Serial")) {}
-  Serial(const Serial&) = delete;
-  Serial& operator=(const Serial&) = delete;
-  ~Serial() { object_->Release(); }
-
-  int openTcp(const std::string& host, short port, const std::string& password) {
-    return call(object_, 12, {argument(ByteText(host)), argument(port), argument(ByteText(password))});
-  }
-
-  int closeTcp() { return call(object_, 13, {}); }
-
-  int param(const std::string& readOrWrite, int output, ByteText& mode, ByteText& items, short& count) {
-    return call(object_, 32,
-                {argument(ByteText(readOrWrite)), argument(output), reference(mode), reference(items),
-                 reference(count)});
-  }
-
- private:
-  IDispatch* object_;
-};
 
 /// The file holds the two letters of the mode, then the items as they are.
 constexpr std::size_t modeLength = 2;
 
-int save(Serial& serial, int output, const std::string& file) {
-  ByteText mode;
-  ByteText items;
+int save(VelkCom::Serial& serial, unsigned char output, const char* file) {
+  std::string mode;
+  std::string items;
   short count = 255;  // all
-  const int result = serial.param("R", output, mode, items, count);
-  if (result != 0) return result;
-  std::ofstream(file, std::ios::binary) << mode.bytes() << items.bytes();
-  std::cout << "saved output " << output << ": mode " << mode.bytes() << ", " << count << " items\n";
+  const int result = serial.Ctl_Param("R", output, mode, &items, &count);
+  if (result != VelkCom::ResultSuccess) return result;
+  std::ofstream(file, std::ios::binary) << mode << items;
+  std::cout << "saved output " << int{output} << ": mode " << mode << ", " << count << " items\n";
   return 0;
 }
 
-int restore(Serial& serial, int output, const std::string& file) {
+int restore(VelkCom::Serial& serial, unsigned char output, const char* file) {
   std::ifstream stream(file, std::ios::binary);
   const std::string saved{std::istreambuf_iterator<char>(stream), {}};
   if (saved.size() < modeLength) throw std::runtime_error("the file holds no output");
-  ByteText mode(saved.substr(0, modeLength));
-  ByteText items(saved.substr(modeLength));
-  short count = static_cast<short>(saved.size() - modeLength);
-  const int result = serial.param("W", output, mode, items, count);
-  if (result == 0) std::cout << "restored output " << output << '\n';
+  std::string mode = saved.substr(0, modeLength);
+  std::string items = saved.substr(modeLength);
+  short count = static_cast<short>(items.size());
+  const int result = serial.Ctl_Param("W", output, mode, &items, &count);
+  if (result == VelkCom::ResultSuccess) std::cout << "restored output " << int{output} << '\n';
   return result;
 }
 
 int run(char** words) {
-  Serial serial;
+  VelkCom::Serial serial;
+  std::string password = words[3];
   // The port is an Integer: above 32767 it is passed as a negative number.
-  int result = serial.openTcp(words[1], static_cast<short>(std::atoi(words[2])), words[3]);
-  if (result == 0) {
+  int result = serial.OpenTCP(words[1], static_cast<short>(std::atoi(words[2])), &password);
+  if (result == VelkCom::ResultSuccess) {
     const bool saves = std::string(words[4]) == "save";
-    result = (saves ? save : restore)(serial, std::atoi(words[5]), words[6]);
+    result = (saves ? save : restore)(serial, static_cast<unsigned char>(std::atoi(words[5])), words[6]);
   }
-  serial.closeTcp();
+  serial.CloseTCP();
   return result;
 }
 

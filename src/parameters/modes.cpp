@@ -19,6 +19,10 @@ Byte ModeToNr(std::string_view modeStr) {
   return static_cast<Byte>(std::lround(static_cast<double>(found + 1) / 3));
 }
 
+std::string_view codeOf(Byte mode) {
+  return packedCodes.substr(std::size_t{3} * mode - 1, 2);
+}
+
 std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address) {
   if (mode == 0 || mode > lastMode) return {};
   if (mode == rollerMode) {
@@ -26,7 +30,7 @@ std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address) {
     const bool marked = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == address;
     return marked ? "RO" : "DI";
   }
-  return std::string(packedCodes.substr(std::size_t{3} * mode - 1, 2));
+  return std::string(codeOf(mode));
 }
 
 }  // namespace velk::parameters
