@@ -10,6 +10,7 @@
 //
 // A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw COMException, whose
 // ErrorCode is 0x800A0000 plus the error's number.
+#pragma warning disable 618, 1573, 1591 // dispatch interfaces are meant; names say the rest
 using System.Runtime.InteropServices;
 
 namespace VelkCom

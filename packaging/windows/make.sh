@@ -35,6 +35,7 @@ for package in libcli11-dev nlohmann-json3-dev mingw-w64-x86-64-dev; do
   sed 's/$/\r/' "/usr/share/doc/$package/copyright" >"$tree/licenses/$package.txt"
 done
 cp -r "$source/examples/windows" "$tree/examples"
+cp -r "$source/bindings" "$tree/"
 
 (cd "$work" && cmake -E tar cf "$output/$name.zip" --format=zip "$name")
 

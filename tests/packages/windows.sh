@@ -81,7 +81,8 @@ uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of 
 
 has_files() { # has_files FOLDER
   for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.md README.md \
-    LICENSE.txt licenses/libcli11-dev.txt examples/set_clock.vbs uninstall.exe; do
+    LICENSE.txt bindings/{VelkCom.cs,VelkCom_TLB.pas,velkcom.h} licenses/libcli11-dev.txt examples/set_clock.vbs \
+    uninstall.exe; do
     [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
   done
 }
@@ -102,8 +103,8 @@ start_controller() {
 build_examples() {
   local example
   for example in late_bound early_bound; do
-    x86_64-w64-mingw32-g++-posix -std=c++20 -Wall -Wextra -Werror -static "$examples/$example.cpp" \
-      -o "$work/$example.exe" -lole32 -loleaut32 -luuid || return
+    x86_64-w64-mingw32-g++-posix -std=c++20 -Wall -Wextra -Werror -static -I "$root/bindings" \
+      "$examples/$example.cpp" -o "$work/$example.exe" -lole32 -loleaut32 -luuid || return
   done
 }
 
