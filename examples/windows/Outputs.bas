@@ -2,6 +2,7 @@
 ' Fills the active sheet with output, mode and parameter items (in hexadecimal) of every output. Import this module
 ' and start ListOutputs.
 Option Explicit
+Const NotInUse = 111
 
 Public Sub ListOutputs()
   Dim serial As Object, result As Byte, row As Long, output As Long, i As Long
@@ -16,11 +17,11 @@ Public Sub ListOutputs()
   For output = 1 To 99
     count = 255 ' all
     result = serial.Ctl_Param("R", output, mode, items, count)
-    If result <> 0 Then
+    If result <> 0 And result <> NotInUse Then
       MsgBox "Output " & output & " cannot be read: result " & result
       Exit For
     End If
-    If Len(mode) > 0 Then
+    If result = 0 Then
       row = row + 1
       ActiveSheet.Cells(row, 1).Value = output
       ActiveSheet.Cells(row, 2).Value = mode

@@ -13,11 +13,10 @@ try {
   1..99 | ForEach-Object {
     [string]$mode = ''; [string]$items = ''; [int16]$count = 255
     $result = $serial.Ctl_Param('R', $_, [ref]$mode, [ref]$items, [ref]$count)
+    if ($result -eq 111) { return }  # not in use
     if ($result -ne 0) { throw "Output $_ cannot be read: result $result" }
-    if ($mode) {
-      $bytes = $items.ToCharArray() | ForEach-Object { '{0:X2}' -f [int]$_ }
-      [pscustomobject]@{ Output = $_; Mode = $mode; Items = $bytes -join ' ' }
-    }
+    $bytes = $items.ToCharArray() | ForEach-Object { '{0:X2}' -f [int]$_ }
+    [pscustomobject]@{ Output = $_; Mode = $mode; Items = $bytes -join ' ' }
   } | Export-Csv -NoTypeInformation -Path $File
 } finally {
   [void]$serial.CloseTCP()

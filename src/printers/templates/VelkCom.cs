@@ -8,8 +8,8 @@
 //     byte result = serial.OpenCom(3);
 //     if (result != 0) Console.WriteLine((VelkCom.Result)result);
 //
-// A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw COMException, whose
-// ErrorCode is 0x800A0000 plus the error's number.
+// A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw an exception whose
+// HResult is 0x800A0000 plus the error's number; since .NET Core it is the InnerException of the one that is caught.
 #pragma warning disable 618, 1573, 1591 // dispatch interfaces are meant; names say the rest
 using System.Runtime.InteropServices;
 
