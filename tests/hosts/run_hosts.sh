@@ -69,8 +69,8 @@ until_not_held_up() { # until_not_held_up FILE COMMAND...: three times at most; 
   "$@" >"$log"
 }
 
-run_script() { # run_script FILE ARGUMENTS...; a script that breaks off still ends with 0
-  (cd "$work" && wine_run cscript.exe //nologo "$@") | tr -d '\r' | tee "$work/lines"
+run_lines() { # run_lines PROGRAM ARGUMENTS...; a script that breaks off still ends with 0
+  (cd "$work" && wine_run "$@") | tr -d '\r' | tee "$work/lines"
   grep -q '^done' "$work/lines" && ! grep -q '^FAILED' "$work/lines"
 }
 
@@ -82,10 +82,16 @@ script() { # script FILE ARGUMENTS...: runs a script host
   *.vbs) cat "$here/link_common.vbs" "$here/$file" >"$work/$file" ;;
   *) cp "$here/$file" "$work/$file" ;;
   esac
-  until_not_held_up "$output" run_script "$file" "$@"
-  count_lines "$output"
-  grep -q '^done' "$output"
-  report $? "$file $* ran to its end"
+  checks "$output" "$file $*" cscript.exe //nologo "$file" "$@"
+}
+
+checks() { # checks LOG NAME PROGRAM ARGUMENTS...: runs a host that prints check lines
+  log=$1 title=$2
+  shift 2
+  until_not_held_up "$log" run_lines "$@"
+  count_lines "$log"
+  grep -q '^done' "$log"
+  report $? "$title ran to its end"
 }
 
 end() {
