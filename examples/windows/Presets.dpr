@@ -1,4 +1,4 @@
-// Delphi; not run by the tests, which have no Delphi.
+// Delphi, and Free Pascal in its Delphi mode, with which the tests run it.
 // Lists text and delays of every preset that has a text:
 //   Presets HOST PORT PASSWORD
 program Presets;
@@ -6,7 +6,7 @@ program Presets;
 {$APPTYPE CONSOLE}
 
 uses
-  System.SysUtils, System.Variants, System.Win.ComObj, Winapi.ActiveX;
+  SysUtils, Variants, ComObj, ActiveX;
 
 const
   LastPreset = 92;
@@ -21,11 +21,15 @@ end;
 procedure List;
 var
   Serial, Text, Records, Delay1, Delay2: OleVariant; // variables are passed by reference
+  Host, Password: string; // what a function returns goes into a variable first
+  Port: SmallInt; // a TCP port above 32767 is passed as a negative number
   Number: Integer;
 begin
+  Host := ParamStr(1);
+  Port := SmallInt(StrToInt(ParamStr(2)));
+  Password := ParamStr(3);
   Serial := CreateOleObject('VelkCom.Serial');
-  // The port is a signed 16-bit number.
-  Must(Serial.OpenTCP(ParamStr(1), SmallInt(StrToInt(ParamStr(2))), ParamStr(3)), 'The link does not open');
+  Must(Serial.OpenTCP(Host, Port, Password), 'The link does not open');
   try
     for Number := 1 to LastPreset do
     begin
@@ -33,7 +37,9 @@ begin
       Records := '';
       Delay1 := 0;
       Delay2 := 0;
-      Must(Serial.Preset('R', Number, Text, FirstRecord, Records, Delay1, Delay2), 'A preset cannot be read');
+      // Free Pascal does not take a literal of one character for a text.
+      Must(Serial.Preset(WideString('R'), Number, Text, FirstRecord, Records, Delay1, Delay2),
+        'A preset cannot be read');
       if Trim(StringReplace(VarToStr(Text), #255, '', [rfReplaceAll])) <> '' then
         Writeln(Format('%2d  %s  delays %d, %d', [Number, VarToStr(Text), Integer(Delay1), Integer(Delay2)]));
     end;

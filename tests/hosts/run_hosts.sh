@@ -55,7 +55,7 @@ count_lines() { # count_lines FILE: prints the check lines of a host and counts 
 # something. The clocks here are real: a byte on a line in echo mode has 0.1 s to come back, and on a busy machine one
 # of many thousand comes later.
 held_up() {
-  [ ! -s "$1" ] || grep -A12 -e '^FAILED' -e ': Failure' "$1" | grep -qE "got \[25[1-4]\]|\(25[1-4][,)]|> .*Byte 25[1-4]"
+  [ ! -s "$1" ] || grep -A12 -e '^FAILED' -e ': Failure' "$1" | grep -qE "got \[25[1-4][]|]|\(25[1-4][,)]|> .*Byte 25[1-4]"
 }
 
 until_not_held_up() { # until_not_held_up FILE COMMAND...: three times at most; the output goes to the file
@@ -222,6 +222,26 @@ close() { # the closing line
   exit
 }
 
+presets() { # presets PORT EXPECTED: what the example in Pascal prints, and the status that it ends with
+  got=$({ wine_run "$build/bin/pascal/Presets.exe" 127.0.0.1 "$1" pass; echo $?; } | tr -d '\r' | tr '\n' '|')
+  [ "$got" = "$2" ] && return
+  [ ${#got} -lt 5 ] || echo "FAILED Presets.dpr: got [${got##*: result }]" # no more than a status: it did not start
+  false
+}
+
+example() { # example PORT EXPECTED
+  until_not_held_up "$work/Presets.log" presets "$@"
+  report $? "Presets.dpr: $2"
+  cat "$work/Presets.log"
+}
+
+pascal() { # while the presets are as they come with the controller
+  [ -d "$build/bin/pascal" ] || { echo "$build/bin has no pascal: tools/pascal makes it" && return; }
+  lights=' 1  All lights off    delays 20, 0| 2  Evening           delays 10, 40|'
+  example "$port_q" "${lights}30  Film              delays 5, 0|61  Holiday           delays 60, 120|0|"
+  example 1 'The link does not open: result 252|1|'
+}
+
 [ -x "$sim" ] || { echo "$0: no simulated controller at $sim; build the preset linux first" >&2; exit 2; }
 if [ ! -e "$WINEPREFIX/system.reg" ]; then
   timeout -k 5 "$longest" wineboot -i >/dev/null 2>&1
@@ -241,6 +261,7 @@ start_silent_peer
 test_program platform_tests
 test_program marshalling
 test_program typed_client
+pascal
 script values.vbs
 for suite in configuration.vbs jscript.js; do
   script "$suite" tcp "$port_q" pass Q
