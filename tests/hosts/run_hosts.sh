@@ -240,6 +240,10 @@ pascal() { # while the presets are as they come with the controller
   lights=' 1  All lights off    delays 20, 0| 2  Evening           delays 10, 40|'
   example "$port_q" "${lights}30  Film              delays 5, 0|61  Holiday           delays 60, 120|0|"
   example 1 'The link does not open: result 252|1|'
+  for link in "tcp $port_q pass Q" "com 6 fast"; do
+    # shellcheck disable=SC2086 # arguments
+    checks "$work/pascal_host.log" "pascal_host $link" "$build/bin/pascal/pascal_host.exe" $link
+  done
 }
 
 [ -x "$sim" ] || { echo "$0: no simulated controller at $sim; build the preset linux first" >&2; exit 2; }
