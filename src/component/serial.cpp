@@ -1,5 +1,7 @@
 #include "component/serial.h"
 
+#include <algorithm>
+
 #include "component/trap.h"
 #include "controller/ctl_init.h"
 #include "controller/ctl_lang.h"
@@ -21,7 +23,8 @@
 #include "timed/preset.h"
 #include "timed/simulation.h"
 #include "timed/switch_time.h"
-#include "values/helpers.h"
+#include "values/bits.h"
+#include "values/numbers.h"
 #include "values/result.h"
 
 namespace velk {
@@ -92,31 +95,31 @@ Bytes Serial::WriteCom(Byte AtlBytes, Byte DPHxram, Byte DPLxram, const std::str
 }
 
 Byte Serial::ConvertErr(const Value& ErrorNr) {
-  return values::ConvertErr(toNumber(ErrorNr));
+  return resultOfError(toNumber(ErrorNr));
 }
 
 Byte Serial::DECtoBCD(Byte Getal) {
-  return values::DECtoBCD(Getal);
+  return toBcd(Getal);
 }
 
 bool Serial::IfSetBit(Byte Bytte, Byte Bitnr) {
-  return values::IfSetBit(Bytte, Bitnr);
+  return testBit(Bytte, Bitnr);
 }
 
 Value Serial::LdZr(const Value& Getal, Byte Lengte) {
-  return values::LdZr(toNumber(Getal), Lengte);
+  return zeroPadded(toNumber(Getal), Lengte);
 }
 
 Byte Serial::LowNibbleBit(Byte Waarde) {
-  return values::LowNibbleBit(Waarde);
+  return lowestBit(Waarde & 15).value_or(0);
 }
 
 Value Serial::Minimum(Byte Getal1, Byte Getal2) {
-  return values::Minimum(Getal1, Getal2);
+  return std::min(Getal1, Getal2);
 }
 
 Value Serial::WhatBit(Byte Bytte) {
-  const auto bit = values::WhatBit(Bytte);
+  const auto bit = lowestBit(Bytte);
   return bit ? Value(*bit) : Value();
 }
 
@@ -169,7 +172,7 @@ Value Serial::Ctl_Lang(const std::string& Taal) {
   } catch (const link::Stop& stop) {
     return std::int16_t{stop.result};
   } catch (const RuntimeError& error) {
-    return values::ConvertErr(error.number());
+    return resultOfError(error.number());
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include "link/memory.h"
 #include "values/bytes.h"
-#include "values/helpers.h"
+#include "values/result.h"
 #include "values/runtime_error.h"
 
 namespace velk {
@@ -21,7 +21,7 @@ Byte trapped(Body body) {
   } catch (const link::Stop& stop) {
     return stop.result;
   } catch (const RuntimeError& error) {
-    return values::ConvertErr(error.number());
+    return resultOfError(error.number());
   }
 }
 

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "link/selector.h"
-#include "values/helpers.h"
 #include "values/numbers.h"
 #include "values/result.h"
 
@@ -82,7 +81,7 @@ void writeClock(const Memory& memory, const Bytes& parameters) {
   // so.
   Bytes clock;
   for (std::size_t i = 1; i <= clockSize; ++i)
-    clock += character(values::DECtoBCD(byteAt(parameters, parameters.size() - i)));
+    clock += character(toBcd(byteAt(parameters, parameters.size() - i)));
   memory.write(clockSeconds, clock);
   set(clockHold.next(), 0);
   set(clockHold, 0);
@@ -135,7 +134,7 @@ Bytes readHead(const Memory& memory, int offset, int end) {
 /// The clock's positions, which run against its addresses. A range that ends behind position 13 begins below
 /// the clock and takes the hold bytes for clock values.
 Bytes readClock(const Memory& memory, Byte count, int end) {
-  const Byte size = values::Minimum(static_cast<Byte>(end - kind), count);
+  const Byte size = std::min(static_cast<Byte>(end - kind), count);
   const Bytes bytes = memory.read(size, {.page = 0xFF, .offset = static_cast<Byte>(262 - end)});
   Bytes clock;
   std::transform(bytes.rbegin(), bytes.rend(), std::back_inserter(clock),

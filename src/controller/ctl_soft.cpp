@@ -1,7 +1,7 @@
 #include "controller/ctl_soft.h"
 
 #include "link/selector.h"
-#include "values/helpers.h"
+#include "values/bits.h"
 #include "values/result.h"
 
 namespace velk::controller {
@@ -9,7 +9,6 @@ namespace {
 
 using link::Memory;
 using link::Stop;
-using values::IfSetBit;
 
 constexpr Byte lowestGroup = 129;
 constexpr Byte lowestParametrisedInput = 101;
@@ -74,7 +73,7 @@ void writeInputLink(const Memory& memory, const SoftLink& link) {
 void write(const Memory& memory, const SoftLink& link) {
   if (std::string_view("IO").find(link.kind) == std::string_view::npos) throw Stop{badLinkKind};
   const bool toItself = link.kind == "O" && link.destination == link.source;
-  if (toItself && IfSetBit(link.parameters1, link.sub)) throw Stop{badAddress};
+  if (toItself && testBit(link.parameters1, link.sub)) throw Stop{badAddress};
   if (link.kind == "I") {
     writeInputLink(memory, link);
   } else {

@@ -1,6 +1,5 @@
 #include "link/tcp_transaction.h"
 
-#include "values/helpers.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
 
@@ -42,7 +41,7 @@ Bytes tranceivTcp(Link link, const TcpRequest& request) {
   try {
     return exchange(link, request);
   } catch (const RuntimeError& error) {
-    return Bytes(1, character(values::ConvertErr(error.number())));
+    return Bytes(1, character(resultOfError(error.number())));
   }
 }
 

@@ -4,7 +4,6 @@
 #include "modules/module_read.h"
 #include "modules/module_write.h"
 #include "modules/version.h"
-#include "values/helpers.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
 
@@ -21,7 +20,7 @@ Byte readVersion(const Mailbox& mailbox, std::string_view serieNr, Identity& ide
   try {
     return RXModuleVersie(mailbox, serieNr, identity);
   } catch (const RuntimeError& error) {
-    return values::ConvertErr(error.number());
+    return resultOfError(error.number());
   }
 }
 

@@ -4,7 +4,7 @@
 
 #include "modules/records.h"
 #include "modules/translation.h"
-#include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::modules {
 namespace {
@@ -36,7 +36,7 @@ void requestVersion(const Mailbox& mailbox, const ModuleAccess& access, const Re
   constexpr Byte versionPlace = 8;
   if (!request(mailbox, access, versionRequest) || row.special != Special::versionReplyFirst) return;
   const Bytes version = mailbox.get(2, versionPlace);
-  access.firmware = values::LdZr(byteAt(version, 0), 2) + values::LdZr(byteAt(version, 1), 2);
+  access.firmware = zeroPadded(byteAt(version, 0), 2) + zeroPadded(byteAt(version, 1), 2);
 }
 
 void readPieces(const Mailbox& mailbox, const ModuleAccess& access, const Subject& subject, Byte length,

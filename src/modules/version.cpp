@@ -1,7 +1,7 @@
 #include "modules/version.h"
 
 #include "modules/model.h"
-#include "values/helpers.h"
+#include "values/numbers.h"
 #include "values/result.h"
 
 namespace velk::modules {
@@ -30,7 +30,7 @@ std::string trimmedBlanks(std::string_view text) {
 }
 
 std::string twoDigits(Byte number) {
-  return values::LdZr(number, 2);
+  return zeroPadded(number, 2);
 }
 
 /// Takes over the name that the module reports; false when it is not known. This test has no blanks behind

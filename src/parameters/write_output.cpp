@@ -5,7 +5,6 @@
 
 #include "parameters/image.h"
 #include "parameters/modes.h"
-#include "values/helpers.h"
 #include "values/result.h"
 
 namespace velk::parameters {

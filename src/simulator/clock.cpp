@@ -1,6 +1,6 @@
 #include "simulator/clock.h"
 
-#include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::simulator {
 namespace {
@@ -31,7 +31,7 @@ unsigned get(Store& store, Field field) {
 }
 
 void put(Store& store, Field field, unsigned value) {
-  at(store, field) = values::DECtoBCD(static_cast<Byte>(value));
+  at(store, field) = toBcd(static_cast<Byte>(value));
 }
 
 void addDays(Store& store, days count) {

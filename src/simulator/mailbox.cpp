@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::simulator {
 namespace {
@@ -143,7 +143,7 @@ ModuleRequest decode(std::string_view header, const Module* module) {
 
 std::string describe(const ModuleRequest& request) {
   constexpr Byte digits = 6;
-  return "module " + values::LdZr(request.serial, digits) + ": " + describeAction(request);
+  return "module " + zeroPadded(request.serial, digits) + ": " + describeAction(request);
 }
 
 Mailbox::Mailbox(std::vector<Module> modules, Faults faults, Trace trace)

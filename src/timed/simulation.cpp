@@ -1,6 +1,5 @@
 #include "timed/simulation.h"
 
-#include "values/helpers.h"
 #include "values/numbers.h"
 #include "values/result.h"
 
@@ -24,7 +23,7 @@ void write(const Memory& memory, Address list, Bytes& data) {
   // The caller's own text is converted and closed: it comes back as it lies in the controller.
   for (std::size_t start = 0; start < data.size(); start += eventSize) {
     for (const std::size_t i : {start, start + 1}) {
-      const Byte bcd = values::DECtoBCD(byteAt(data, i));
+      const Byte bcd = toBcd(byteAt(data, i));
       data[i] = character(bcd);
     }
   }

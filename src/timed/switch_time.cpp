@@ -1,6 +1,5 @@
 #include "timed/switch_time.h"
 
-#include "values/helpers.h"
 #include "values/numbers.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
@@ -11,7 +10,6 @@ namespace {
 using link::Address;
 using link::Memory;
 using link::Stop;
-using values::DECtoBCD;
 
 constexpr Byte actionFlag = 128;  ///< in the day byte: the block holds one two-byte action
 constexpr Byte dayMask = 127;
@@ -30,7 +28,7 @@ Address placeIn(const SwitchTimeAccess& access, std::size_t offset) {
 }
 
 Bytes header(const SwitchTimeAccess& access, int days) {
-  return {character(days), character(DECtoBCD(access.minute % 60)), character(DECtoBCD(access.hour % 24))};
+  return {character(days), character(toBcd(access.minute % 60)), character(toBcd(access.hour % 24))};
 }
 
 void writeAction(const Memory& memory, const SwitchTimeAccess& access) {

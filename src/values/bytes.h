@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "values/runtime_error.h"
+
 namespace velk {
 
 using Byte = std::uint8_t;
@@ -36,6 +38,9 @@ constexpr std::string_view slice(std::string_view text, std::size_t index,
 Bytes padded(std::string_view text, std::size_t size, char fill = ' ');
 
 /// `value` as a byte; run-time error 6 (overflow) outside 0 to 255.
-Byte checkedByte(long value);
+constexpr Byte checkedByte(long value) {
+  if (value < 0 || value > 255) throw RuntimeError(RuntimeError::overflow);
+  return static_cast<Byte>(value);
+}
 
 }  // namespace velk

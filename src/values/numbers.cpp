@@ -101,6 +101,12 @@ bool equalsIgnoringCase(std::string_view a, std::string_view b) {
                     [](char x, char y) { return std::tolower(byteValue(x)) == std::tolower(byteValue(y)); });
 }
 
+std::string zeroPadded(double number, Byte length) {
+  // Dropping the sign position loses the sign of a negative number: hosts rely on -7 giving "007".
+  const std::string digits = std::string(length, '0') + signedText(number).substr(1);
+  return digits.substr(digits.size() - length);
+}
+
 Byte decimalOfBcd(Byte bcd) {
   const int tens = bcd >> 4;
   const int ones = bcd & 15;

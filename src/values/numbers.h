@@ -38,6 +38,15 @@ Integer roundTo(double number) {
   return static_cast<Integer>(rounded);
 }
 
+/// A number's digits with zeros in front, the last `length` of them: 7 and 3 give "007".
+std::string zeroPadded(double number, Byte length);
+
+/// Packed BCD of a number from 0 to 159: tens in the high nibble, ones in the low. Run-time error 6 from 160
+/// on.
+constexpr Byte toBcd(Byte number) {
+  return checkedByte(number / 10 * 16 + number % 10);
+}
+
 /// A packed-BCD byte as the number that its two hexadecimal digits spell (0x59 gives 59); run-time error 13
 /// when a digit is A to F.
 Byte decimalOfBcd(Byte bcd);

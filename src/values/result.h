@@ -36,4 +36,8 @@ enum Result : Byte {
   moduleRefused255 = 255,
 };
 
+/// The result for the number of a run-time error: 8005 gives 56, 8012 gives 84, 8018 gives 55, 40006 and
+/// 40020 give 58, anything else 100.
+Byte resultOfError(double number);
+
 }  // namespace velk

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::modules {
 namespace {
@@ -17,7 +17,7 @@ TEST(ModelTest, TypesOfAllPrefixes) {
   };
   for (int prefix = 0; prefix < 100; ++prefix) {
     for (const char* const number : {"0000", "9999"}) {
-      EXPECT_EQ(ModuleType(values::LdZr(prefix, 2) + number), types[prefix / 10][prefix % 10]) << prefix;
+      EXPECT_EQ(ModuleType(zeroPadded(prefix, 2) + number), types[prefix / 10][prefix % 10]) << prefix;
     }
   }
 }
@@ -31,7 +31,7 @@ TEST(ModelTest, AnyTextHasAType) {
 TEST(ModelTest, TheListIsSearchedAsOneText) {
   std::string whole = "MT001";
   for (int model = 2; model <= 37; ++model) {
-    whole += "|" + (model == 36 ? "  oude:" : "MT" + values::LdZr(model, 3));
+    whole += "|" + (model == 36 ? "  oude:" : "MT" + zeroPadded(model, 3));
   }
   EXPECT_TRUE(inModelList(whole) && inModelList("01|MT") && inModelList(""));
   for (const char* const missing : {"mt001", "MT036", "MT038", "MT000", "     ", "MT0  ", "37|MT", " MT01"}) {

@@ -5,7 +5,7 @@
 #include "link/memory.h"
 #include "modules/conversion.h"
 #include "support/bytes.h"
-#include "values/helpers.h"
+#include "values/numbers.h"
 
 namespace velk::modules {
 namespace {
@@ -94,7 +94,7 @@ TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
   for (std::size_t i = 0; i + 1 < std::size(runs); ++i) {
     const auto& run = runs[i];
     for (const int serial : {run.first, runs[i + 1].first - 1}) {
-      const std::string serieNr = values::LdZr(serial, 6);
+      const std::string serieNr = zeroPadded(serial, 6);
       SCOPED_TRACE(serieNr);
       EXPECT_EQ(readLength({serieNr, false}, 0), run.at0);
       EXPECT_EQ(readLength({serieNr, false}, 1), run.at1);
