@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "values/numbers.h"
+
 namespace velk::memory {
 namespace {
 
@@ -48,22 +50,20 @@ int linkAt(int /*page*/, int offset) {
   return (offset - 31) / 2;
 }
 
-// A list of events has a page: weekday * 36, plus the hour in packed BCD.
-constexpr int slotsOfDay = 36;
-constexpr int hoursOfDay = 24;
+// A list of events has a page: those of the weekdays before, plus the hour in packed BCD.
 constexpr int digit = 16;
 
 int weekdayOf(int page, int /*offset*/) {
-  return page / slotsOfDay;
+  return page / bcdHoursOfDay;
 }
 
 int hourOf(int page, int /*offset*/) {
-  return page % slotsOfDay / digit * 10 + page % slotsOfDay % digit;
+  return page % bcdHoursOfDay / digit * 10 + page % bcdHoursOfDay % digit;
 }
 
 /// The pages between the hours, whose second digit would be above 9, are none.
 bool isHour(int page) {
-  return page % slotsOfDay % digit < 10;
+  return page % bcdHoursOfDay % digit < 10;
 }
 
 using enum Area;

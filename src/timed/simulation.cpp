@@ -1,6 +1,5 @@
 #include "timed/simulation.h"
 
-#include "values/numbers.h"
 #include "values/result.h"
 
 namespace velk::timed {
@@ -65,7 +64,7 @@ Bytes ConvertSim(Bytes& data) {
 }
 
 void Simulation(const Memory& memory, std::string_view readOrWrite, Byte weekday, Byte hour, Bytes& data) {
-  if (weekday > 6 || hour > 23) throw link::Stop{badValue};
+  if (weekday > 6 || hour >= hoursOfDay) throw link::Stop{badValue};
   if (readOrWrite == "R") {
     read(memory, eventList(weekday, hour), data);
   } else {

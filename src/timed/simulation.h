@@ -4,14 +4,14 @@
 
 #include "link/memory.h"
 #include "values/bytes.h"
+#include "values/numbers.h"
 
 namespace velk::timed {
 
 /// Where the list of events of a weekday (0 for Monday) and hour begins; it has a page of its own.
 constexpr link::Address eventList(Byte weekday, Byte hour) {
-  constexpr int slotsOfDay = 36;
-  const int bcd = hour / 10 * 16 + hour % 10;
-  return {.area = link::Area::highBlock, .page = static_cast<Byte>(weekday * slotsOfDay + bcd), .offset = 0};
+  const int page = weekday * bcdHoursOfDay + toBcd(hour);
+  return {.area = link::Area::highBlock, .page = static_cast<Byte>(page), .offset = 0};
 }
 
 /// Reads or writes the recorded events of one weekday and hour. Ends normally for result 0, throws `Stop` for

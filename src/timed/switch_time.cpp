@@ -28,7 +28,7 @@ Address placeIn(const SwitchTimeAccess& access, std::size_t offset) {
 }
 
 Bytes header(const SwitchTimeAccess& access, int days) {
-  return {character(days), character(toBcd(access.minute % 60)), character(toBcd(access.hour % 24))};
+  return {character(days), character(toBcd(access.minute % 60)), character(toBcd(access.hour % hoursOfDay))};
 }
 
 void writeAction(const Memory& memory, const SwitchTimeAccess& access) {

@@ -47,6 +47,10 @@ constexpr Byte toBcd(Byte number) {
   return checkedByte(number / 10 * 16 + number % 10);
 }
 
+/// The hours of a day, and the numbers that they run through in packed BCD: 0x00 to 0x23.
+constexpr int hoursOfDay = 24;
+constexpr int bcdHoursOfDay = toBcd(hoursOfDay - 1) + 1;
+
 /// A packed-BCD byte as the number that its two hexadecimal digits spell (0x59 gives 59); run-time error 13
 /// when a digit is A to F.
 Byte decimalOfBcd(Byte bcd);

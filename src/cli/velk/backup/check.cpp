@@ -5,12 +5,12 @@
 #include <stdexcept>
 
 #include "cli/velk/backup/event_list.h"
-#include "cli/velk/things/event.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/words.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
 #include "timed/simulation.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {

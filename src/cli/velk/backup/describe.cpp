@@ -14,6 +14,7 @@
 #include "controller/ctl_lang.h"
 #include "parameters/ctl_irtext.h"
 #include "timed/preset.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {

@@ -2,9 +2,9 @@
 
 #include "cli/velk/backup/event_list.h"
 #include "cli/velk/connection/transfer.h"
-#include "cli/velk/things/event.h"
 #include "cli/velk/things/words.h"
 #include "timed/simulation.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {

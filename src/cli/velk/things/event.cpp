@@ -2,6 +2,7 @@
 
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 

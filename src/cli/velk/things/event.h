@@ -8,8 +8,6 @@
 
 namespace velk::cli {
 
-constexpr int hoursOfDay = 24;
-
 /// A recorded event of the simulation.
 struct Event {
   Byte day = 0;  ///< 0 is Monday

@@ -5,6 +5,7 @@
 
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/words.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {
