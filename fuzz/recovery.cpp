@@ -35,16 +35,16 @@ void run(Input input) {
   Input faults;
   require(bench.open(kind, throughHandsOf(faults)) == 0, "a good link opens");
   const Byte count = input.byte();
-  const Byte dph = input.byte();
-  const Byte dpl = input.byte();
+  const Byte high = input.byte();
+  const Byte low = input.byte();
   const bool isWrite = (input.byte() & 1) != 0;
   const auto wanted = link::dataCount(link::readRequest(count, {}).command);
   faults = input;
 
   const auto start = bench.host.elapsed();
   try {
-    const Bytes reply = isWrite ? serial.WriteCom(count, dph, dpl, "V", Bytes(wanted, 'x'))
-                                : serial.ReadCom(count, dph, dpl, "V");
+    const Bytes reply = isWrite ? serial.WriteCom(count, high, low, "V", Bytes(wanted, 'x'))
+                                : serial.ReadCom(count, high, low, "V");
     // Over TCP the length is the reply's own, so that only the serial line can tell.
     if (isSerial(kind)) {
       require(isLinkError(reply) || reply.size() == (isWrite ? kind == LinkKind::fast ? 2 : 1 : wanted + 1),

@@ -8,7 +8,7 @@
 namespace velk::fuzz {
 namespace {
 
-constexpr link::Request readMode{.command = 0x20, .dph = 5, .dpl = 1, .data = {}};
+constexpr link::Request readMode{.command = 0x20, .high = 5, .low = 1, .data = {}};
 
 Bytes goodRequest(LinkKind kind) {
   if (kind == LinkKind::echo) return link::echoFrame(readMode);

@@ -39,7 +39,7 @@ struct Bench {
   }
 
   /// What a read of the mode of output 5 has to give.
-  Bytes mode() { return controller.answer({.command = 0x20, .dph = 5, .dpl = 1, .data = {}}).bytes(); }
+  Bytes mode() { return controller.answer({.command = 0x20, .high = 5, .low = 1, .data = {}}).bytes(); }
 
   simulator::Controller controller{simulator::house()};
   simulator::LoopbackHost host;

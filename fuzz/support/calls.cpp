@@ -8,8 +8,8 @@
 namespace velk::fuzz {
 namespace {
 
-/// The forms that an argument may come in; the number is what stands for it in the input.
-enum Form : Byte { missing, empty, truth, byte, integer, large, fraction, text, forms };
+/// The shapes that an argument may have; the number is what stands for it in the input.
+enum Shape : Byte { missing, empty, truth, byte, integer, large, fraction, text, shapes };
 
 bool isLink(const Method& method) {
   constexpr int first = 10;  // OpenCom
@@ -17,8 +17,8 @@ bool isLink(const Method& method) {
   return method.id >= first && method.id <= last;
 }
 
-Value valueOf(Form form, Input& input) {
-  switch (form) {
+Value valueOf(Shape shape, Input& input) {
+  switch (shape) {
     case truth:
       return (input.byte() & 1) != 0;
     case byte:
@@ -43,7 +43,7 @@ void call(Serial& serial, Input& input, bool withLinks) {
   if (method == nullptr || (isLink(*method) && !withLinks)) return;
   if (method->put != nullptr && (input.byte() & 1) != 0) {
     try {
-      method->put(serial, convert(valueOf(static_cast<Form>(input.below(forms)), input), method->result));
+      method->put(serial, convert(valueOf(static_cast<Shape>(input.below(shapes)), input), method->result));
     } catch (const RuntimeError&) {
       return;
     }
@@ -52,9 +52,9 @@ void call(Serial& serial, Input& input, bool withLinks) {
   std::array<Value, mostParameters> arguments;
   std::array<bool, mostParameters> given{};
   for (std::size_t i = 0; i < method->count; ++i) {
-    const auto form = static_cast<Form>(input.below(forms));
-    given[i] = form != missing;
-    arguments[i] = valueOf(form, input);
+    const auto shape = static_cast<Shape>(input.below(shapes));
+    given[i] = shape != missing;
+    arguments[i] = valueOf(shape, input);
   }
   if (const auto fault = complete(*method, std::span(arguments).first(method->count), given)) {
     require(fault->parameter < method->count, "a fault names a parameter of the method");

@@ -80,7 +80,7 @@ Bytes Serial::TranceivTcp(std::int16_t Protocol, std::int16_t ID, Byte AtlPoging
 Bytes Serial::TranCeiv(Byte AtlBytes, Byte DPHxram, Byte DPLxram, const Bytes& Data, Byte AtlPogingen,
                        Byte Instructie) {
   return link::tranCeiv(
-      link(), {.command = AtlBytes, .dph = DPHxram, .dpl = DPLxram, .data = Data, .instruction = Instructie},
+      link(), {.command = AtlBytes, .high = DPHxram, .low = DPLxram, .data = Data, .instruction = Instructie},
       AtlPogingen);
 }
 

@@ -35,10 +35,10 @@ struct Address {
   Byte page = 0;
   Byte offset = 0;
 
-  /// The high address byte of a request, `DPH`.
+  /// The high address byte of a request.
   [[nodiscard]] constexpr Byte high() const { return isExternal(area) ? page : offset; }
 
-  /// The low one, `DPL`.
+  /// The low one.
   [[nodiscard]] constexpr Byte low() const { return isExternal(area) ? offset : page; }
 
   /// The byte so many steps further in the order of a transfer. The external areas go on in the next page and

@@ -15,18 +15,18 @@ Bytes joined(const char (&head)[size], std::string_view data, std::string_view t
 }  // namespace
 
 Bytes echoFrame(const Request& r) {
-  return joined({'*', character(r.command), character(r.dph), character(r.dpl)}, r.data);
+  return joined({'*', character(r.command), character(r.high), character(r.low)}, r.data);
 }
 
 Bytes fastFrame(const Request& r, Byte busAddress) {
   if (r.instruction != memoryAccess) return joined({'*', character(r.instruction)}, r.data, "#");
-  return joined({'*', character(memoryAccess), character(busAddress), character(r.command), character(r.dph),
-                 character(r.dpl)},
+  return joined({'*', character(memoryAccess), character(busAddress), character(r.command), character(r.high),
+                 character(r.low)},
                 r.data, "#");
 }
 
 Bytes slashFrame(const Request& r, Byte busAddress) {
-  return joined({'/', character(busAddress), character(r.command), character(r.dph), character(r.dpl)},
+  return joined({'/', character(busAddress), character(r.command), character(r.high), character(r.low)},
                 r.data);
 }
 

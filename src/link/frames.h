@@ -25,8 +25,8 @@ enum Instruction : Byte { shortRequest = 0, memoryAccess = 2 };
 /// One memory request.
 struct Request {
   Byte command;
-  Byte dph;  ///< high address byte
-  Byte dpl;  ///< low address byte
+  Byte high;  ///< address byte
+  Byte low;   ///< address byte
   std::string_view data;
   Byte instruction = memoryAccess;  ///< of a fast-mode frame
 };
@@ -54,13 +54,13 @@ constexpr Byte commandByte(Byte count, Area area) {
 
 /// The request that reads `count` bytes.
 constexpr Request readRequest(Byte count, Address at) {
-  return {.command = commandByte(count, at.area), .dph = at.high(), .dpl = at.low(), .data = {}};
+  return {.command = commandByte(count, at.area), .high = at.high(), .low = at.low(), .data = {}};
 }
 
 /// The request that writes them. The length of `data` is not checked against `count`.
 constexpr Request writeRequest(Byte count, Address at, std::string_view data) {
   const auto command = static_cast<Byte>(commandByte(count, at.area) | CommandBit::write);
-  return {.command = command, .dph = at.high(), .dpl = at.low(), .data = data};
+  return {.command = command, .high = at.high(), .low = at.low(), .data = data};
 }
 
 /// The number of data bytes that a command byte asks for, 1 to 16.

@@ -13,13 +13,13 @@ Bytes tranCeiv(Link link, const Request& request, Byte attempts) {
   return serialTransaction(link, request, frame, attempts == 0 ? Byte{3} : attempts);
 }
 
-Bytes readCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, Byte attempts) {
-  return tranCeiv(link, readRequest(count, addressAt(areaOf(count, direction), dph, dpl)), attempts);
+Bytes readCom(Link link, Byte count, Byte high, Byte low, std::string_view direction, Byte attempts) {
+  return tranCeiv(link, readRequest(count, addressAt(areaOf(count, direction), high, low)), attempts);
 }
 
-Bytes writeCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, std::string_view data,
+Bytes writeCom(Link link, Byte count, Byte high, Byte low, std::string_view direction, std::string_view data,
                Byte attempts) {
-  return tranCeiv(link, writeRequest(count, addressAt(areaOf(count, direction), dph, dpl), data), attempts);
+  return tranCeiv(link, writeRequest(count, addressAt(areaOf(count, direction), high, low), data), attempts);
 }
 
 }  // namespace velk::link

@@ -12,10 +12,10 @@ namespace velk::link {
 Bytes tranCeiv(Link link, const Request& request, Byte attempts);
 
 /// Reads `count` bytes (1 to 16; see `commandByte` for others) at an address.
-Bytes readCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, Byte attempts);
+Bytes readCom(Link link, Byte count, Byte high, Byte low, std::string_view direction, Byte attempts);
 
 /// Writes `data` at an address. The length of `data` is not checked against `count`.
-Bytes writeCom(Link link, Byte count, Byte dph, Byte dpl, std::string_view direction, std::string_view data,
+Bytes writeCom(Link link, Byte count, Byte high, Byte low, std::string_view direction, std::string_view data,
                Byte attempts);
 
 }  // namespace velk::link

@@ -25,7 +25,7 @@ Reply refusal(const link::Request& request, Byte status) {
 }
 
 Reply Controller::answer(const link::Request& request) {
-  const Address first = addressAt(link::areaOf(request.command), request.dph, request.dpl);
+  const Address first = addressAt(link::areaOf(request.command), request.high, request.low);
   const std::size_t count = link::dataCount(request.command);
   const Transfer transfer{.first = first, .count = count};
   const bool isWrite = (request.command & link::write) != 0;

@@ -45,7 +45,8 @@ Deliveries BufferedSession::received(std::string_view bytes) {
 }
 
 link::Request requestFrom(std::string_view text) {
-  return {.command = byteAt(text, 0), .dph = byteAt(text, 1), .dpl = byteAt(text, 2), .data = text.substr(3)};
+  return {
+      .command = byteAt(text, 0), .high = byteAt(text, 1), .low = byteAt(text, 2), .data = text.substr(3)};
 }
 
 }  // namespace velk::simulator

@@ -19,10 +19,10 @@ std::string hexList(std::string_view data) {
 }  // namespace
 
 std::string describe(const link::Request& request) {
-  const link::Address at = addressAt(link::areaOf(request.command), request.dph, request.dpl);
+  const link::Address at = addressAt(link::areaOf(request.command), request.high, request.low);
   std::string text = (request.command & link::write) != 0 ? "write " : "read  ";
   text += std::to_string(link::dataCount(request.command));
-  text.append(" ").append(nameOf(at.area)) += " " + hex(request.dph) + hex(request.dpl);
+  text.append(" ").append(nameOf(at.area)) += " " + hex(request.high) + hex(request.low);
   if (!request.data.empty()) text += " " + hexList(request.data);
   const std::string name = memory::nameOf(at);
   return name.empty() ? text : text + "  " + name;

@@ -10,14 +10,14 @@ constexpr Byte good = 0x11;
 constexpr Byte stale = 0x77;
 
 /// A read of a byte of output 5, and the reply, on each kind of link.
-std::array<Bytes, 4> requests(int dpl) {
-  const Bytes fast = bytes({'*', 2, 2, 0x20, 5, dpl, '#'});
-  return {bytes({'*', 0x20, 5, dpl}), fast, "VELK" + bytes({0, 1, 0, 1, 0, 255, 0, 5, '/', 2, 0x20, 5, dpl}),
+std::array<Bytes, 4> requests(int low) {
+  const Bytes fast = bytes({'*', 2, 2, 0x20, 5, low, '#'});
+  return {bytes({'*', 0x20, 5, low}), fast, "VELK" + bytes({0, 1, 0, 1, 0, 255, 0, 5, '/', 2, 0x20, 5, low}),
           bytes({7, 0, 0, 0, 13, 0, 0, 0}) + fast};
 }
 
-std::array<Bytes, 4> replies(int dpl, Byte value) {
-  const Bytes fast = bytes({'*', 2, 2, 0x20, 5, dpl, 0, value, '#'});
+std::array<Bytes, 4> replies(int low, Byte value) {
+  const Bytes fast = bytes({'*', 2, 2, 0x20, 5, low, 0, value, '#'});
   return {bytes({0, value}), fast, "VELK" + bytes({0, 1, 0, 1, 0, 255, 0, 2, 0, value}),
           bytes({9, 0, 0, 0, 13, 0, 0, 0}) + fast};
 }

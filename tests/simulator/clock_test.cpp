@@ -16,10 +16,10 @@ class ClockTest : public testing::Test {
     controller.attach(std::make_unique<Clock>([this] { return now; }));
   }
 
-  Bytes read() { return controller.answer({.command = 0x26, .dph = 255, .dpl = 249}).data; }
-  void write(int dpl, const Bytes& data) {
+  Bytes read() { return controller.answer({.command = 0x26, .high = 255, .low = 249}).data; }
+  void write(int low, const Bytes& data) {
     controller.answer(link::writeRequest(static_cast<Byte>(data.size()),
-                                         {.page = 255, .offset = static_cast<Byte>(dpl)}, data));
+                                         {.page = 255, .offset = static_cast<Byte>(low)}, data));
   }
 
   std::chrono::nanoseconds now = 1000s;

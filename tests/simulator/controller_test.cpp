@@ -10,10 +10,10 @@ namespace {
 using test::bytes;
 
 /// Requests by their command byte; with data they write.
-link::Request at(int command, int dph, int dpl, std::string_view data = {}) {
+link::Request at(int command, int high, int low, std::string_view data = {}) {
   return {.command = static_cast<Byte>(command),
-          .dph = static_cast<Byte>(dph),
-          .dpl = static_cast<Byte>(dpl),
+          .high = static_cast<Byte>(high),
+          .low = static_cast<Byte>(low),
           .data = data};
 }
 

@@ -13,12 +13,13 @@ using test::bytes;
 /// A controller with the modules of the house, asked byte by byte.
 class MailboxTest : public testing::Test {
  protected:
-  Bytes read(int count, Byte dph, Byte dpl, Byte area = link::externalArea) {
-    return controller.answer({.command = static_cast<Byte>(area | (count - 1)), .dph = dph, .dpl = dpl}).data;
+  Bytes read(int count, Byte high, Byte low, Byte area = link::externalArea) {
+    return controller.answer({.command = static_cast<Byte>(area | (count - 1)), .high = high, .low = low})
+        .data;
   }
-  void write(Byte dph, Byte dpl, const Bytes& data, Byte area = link::externalArea) {
+  void write(Byte high, Byte low, const Bytes& data, Byte area = link::externalArea) {
     const auto command = static_cast<Byte>(link::write | area | (data.size() - 1));
-    controller.answer({.command = command, .dph = dph, .dpl = dpl, .data = data});
+    controller.answer({.command = command, .high = high, .low = low, .data = data});
   }
 
   /// Sends a request and returns the reply code.

@@ -6,11 +6,11 @@ namespace velk::simulator {
 namespace {
 
 TEST(TraceTest, WritesRequestsAndReplies) {
-  EXPECT_EQ(describe({.command = 0x2F, .dph = 5, .dpl = 16}), "read  16 V 0510  output 5, parameters");
-  EXPECT_EQ(describe({.command = 0x60, .dph = 5, .dpl = 1, .data = "\x05"}),
+  EXPECT_EQ(describe({.command = 0x2F, .high = 5, .low = 16}), "read  16 V 0510  output 5, parameters");
+  EXPECT_EQ(describe({.command = 0x60, .high = 5, .low = 1, .data = "\x05"}),
             "write 1 V 0501 05  output 5, mode");
-  EXPECT_EQ(describe({.command = 0x8F, .dph = 0, .dpl = 10}), "read  16 H+ 000A  infrared text 0");
-  EXPECT_EQ(describe({.command = 0x61, .dph = 100, .dpl = 0, .data = "\xAB\x0C"}), "write 2 V 6400 AB 0C");
+  EXPECT_EQ(describe({.command = 0x8F, .high = 0, .low = 10}), "read  16 H+ 000A  infrared text 0");
+  EXPECT_EQ(describe({.command = 0x61, .high = 100, .low = 0, .data = "\xAB\x0C"}), "write 2 V 6400 AB 0C");
   EXPECT_EQ(describe(Reply{}), "ok");
   EXPECT_EQ(describe(Reply{.status = 0, .data = "\x01\xff"}), "01 FF");
   EXPECT_EQ(describe(Reply{.status = 7, .data = "\x01"}), "status 7");

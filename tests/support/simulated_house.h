@@ -49,13 +49,14 @@ class SimulatedHouse : public testing::Test {
   /// Opens the fastest link with one fault.
   void openWith(const std::string& fault) { open(LinkKind::ethernetQ, {fault}); }
 
-  [[nodiscard]] Bytes memoryAt(int dph, int dpl, std::size_t count,
+  [[nodiscard]] Bytes memoryAt(int high, int low, std::size_t count,
                                link::Area area = link::Area::external) const {
-    return controller.snapshot().read(addressAt(area, static_cast<Byte>(dph), static_cast<Byte>(dpl)), count);
+    return controller.snapshot().read(addressAt(area, static_cast<Byte>(high), static_cast<Byte>(low)),
+                                      count);
   }
 
-  void setMemory(int dph, int dpl, const Bytes& data, link::Area area = link::Area::external) {
-    link::Address at = addressAt(area, static_cast<Byte>(dph), static_cast<Byte>(dpl));
+  void setMemory(int high, int low, const Bytes& data, link::Area area = link::Area::external) {
+    link::Address at = addressAt(area, static_cast<Byte>(high), static_cast<Byte>(low));
     for (std::size_t i = 0; i < data.size(); ++i, at = at.next()) {
       controller.answer(link::writeRequest(1, at, std::string_view(data).substr(i, 1)));
     }
