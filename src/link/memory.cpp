@@ -19,11 +19,11 @@ Bytes Memory::read(Byte count, Address at) const {
 
 void Memory::write(Address at, std::string_view data) const {
   const Byte count = checkedByte(static_cast<long>(data.size()));
-  stopUnlessGood(tranCeiv(link_, writeRequest(count, at, data), 0));
+  stopUnlessGood(tranCeiv(link_, writeRequest(count, at, data)));
 }
 
 Bytes Memory::tryRead(Byte count, Address at) const {
-  return tranCeiv(link_, readRequest(count, at), 0);
+  return tranCeiv(link_, readRequest(count, at));
 }
 
 }  // namespace velk::link

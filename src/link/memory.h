@@ -14,7 +14,7 @@ struct Stop {
   Result result;
 };
 
-/// The controller's memory behind the link: reads and writes with three attempts that throw `Stop` with the
+/// The controller's memory behind the link: reads and writes that throw `Stop` with the
 /// status of a transaction that fails. An empty reply is run-time error 5.
 class Memory {
  public:

@@ -11,21 +11,28 @@ namespace {
 using platform::Messages;
 using platform::Source;
 
+constexpr Byte usualAttempts = 3;
 constexpr Seconds breakTime(0.01);
 constexpr Seconds breakSettling(0.1);
-constexpr Seconds echoTime(0.1);
-constexpr Seconds replyTime(1.0);
+constexpr Seconds echoTime(0.1);   // of each byte
+constexpr Seconds replyTime(1.0);  // of an attempt
 constexpr Seconds resyncTime(1.0);
 
-/// What one attempt came to.
-struct Outcome {
-  enum Next { done, failed, sendAgain } next;
-  Bytes result;        ///< unused with sendAgain, which leaves the result of the attempt before
-  bool yields = true;  ///< whether messages are dispatched before the next attempt
+enum class Verdict : Byte {
+  answered,
+  failed,
+  unanswered,     ///< failed too; the next attempt follows without a look at messages
+  resynchronised  ///< no result yet: the request is to be sent again
 };
 
-Outcome failed(Byte code) {
-  return {Outcome::failed, Bytes(1, character(code))};
+/// What one attempt came to.
+struct Attempt {
+  Verdict verdict;
+  Bytes result;
+};
+
+Attempt failed(Byte code, Verdict verdict = Verdict::failed) {
+  return {verdict, Bytes(1, character(code))};
 }
 
 class SerialTransaction {
@@ -33,7 +40,7 @@ class SerialTransaction {
   SerialTransaction(Link link, const Request& request, std::string_view frame)
       : link_(link), host_(link.host), request_(request), frame_(frame) {}
 
-  Outcome attempt() {
+  Attempt attempt() {
     host_.port().read();
     if (link_.settings.FlgBreak) sendBreak();
     host_.yield();
@@ -50,7 +57,7 @@ class SerialTransaction {
     link_.settings.FlgBreak = false;
   }
 
-  Outcome echoAttempt() {
+  Attempt echoAttempt() {
     Bytes received;
     for (const char sent : frame_) {
       received = echoOf(sent);
@@ -63,8 +70,8 @@ class SerialTransaction {
     collect(reply, length, deadline, deadline.whole());
     if (reply.size() != length) return failed(hasShortReply(request_.command) ? wrongWriteReply : noReply);
     // The last reply is the result even when its status is bad: callers look at its first byte.
-    const bool good = reply.front() == '\0';
-    return {good ? Outcome::done : Outcome::failed, std::move(reply)};
+    const Verdict verdict = reply.front() == '\0' ? Verdict::answered : Verdict::failed;
+    return {verdict, std::move(reply)};
   }
 
   /// Sends one byte and returns what came back for it: the echo, and perhaps the start of the reply.
@@ -80,43 +87,41 @@ class SerialTransaction {
     return received;
   }
 
-  Outcome fastAttempt() {
+  Attempt fastAttempt() {
     host_.port().write(frame_);
     const std::size_t length = expectedReply(request_, true);
     Bytes reply;
     host_.yield();
     const Deadline deadline(host_, replyTime);
     collect(reply, length, deadline, deadline.whole());
-    const bool ours = sameHeader(frame_, reply);
-    if (reply.size() != length && (reply.empty() || ours)) {
-      return {Outcome::failed, Bytes(1, character(noReply)), false};
-    }
-    if (!ours) return resynchronise(std::move(reply), length);
-    if (request_.instruction == shortRequest) return {Outcome::done, Bytes(1, '\0')};
+    if (reply.empty() && length != 0) return failed(noReply, Verdict::unanswered);
+    if (!sameHeader(frame_, reply)) return resynchronise(std::move(reply), length);
+    if (reply.size() != length) return failed(noReply, Verdict::unanswered);
+    if (request_.instruction == shortRequest) return {Verdict::answered, Bytes(1, '\0')};
     if (byteAt(reply, headerLength) != 0) return failed(echoFault);
-    return {Outcome::done, Bytes(slice(reply, headerLength, dataCount(request_.command) + 1))};
+    return {Verdict::answered, Bytes(slice(reply, headerLength, dataCount(request_.command) + 1))};
   }
 
   /// The interface may deliver other frames before the answer, each closed by "#": they are dropped until the
   /// reply starts as the request does, for at most one second in all. The answer found that way is not used:
   /// the frame is sent again without spending an attempt. That is the interface's protocol, not an oversight.
-  Outcome resynchronise(Bytes reply, std::size_t length) {
+  Attempt resynchronise(Bytes reply, std::size_t length) {
     const Deadline deadline(host_, resyncTime);
     // A request without a known reply length waits for at least one byte, not for none.
     const std::size_t wanted = std::max<std::size_t>(length, 1);
-    for (;;) {
-      const std::size_t end = endOfFrame(reply);
-      if (end == Bytes::npos && deadline.passed()) return failed(noMatchingReply);
-      reply.erase(0, end);
+    do {
+      if (!dropFrame(reply) && deadline.passed()) return failed(noMatchingReply);
       collect(reply, wanted, deadline, deadline.remaining());
-      if (sameHeader(frame_, reply)) return {Outcome::sendAgain, {}};
-    }
+    } while (!sameHeader(frame_, reply));
+    return {Verdict::resynchronised, {}};
   }
 
-  /// The position behind the first "#" that follows the header; `npos` when there is none.
-  static std::size_t endOfFrame(const Bytes& reply) {
+  /// Drops all up to the first "#" behind a header; without one all there is, and returns false.
+  static bool dropFrame(Bytes& reply) {
     const auto mark = reply.find('#', headerLength);
-    return mark == Bytes::npos ? mark : mark + 1;
+    const bool found = mark != Bytes::npos;
+    reply.erase(0, found ? mark + 1 : mark);
+    return found;
   }
 
   /// Appends what arrives until the reply holds `length` bytes or the deadline has passed.
@@ -138,17 +143,15 @@ class SerialTransaction {
 
 }  // namespace
 
-Bytes serialTransaction(Link link, const Request& request, std::string_view frame, int attempts) {
+Bytes serialTransaction(Link link, const Request& request, std::string_view frame, Byte attempts) {
   SerialTransaction transaction(link, request, frame);
-  Bytes result;
-  while (attempts > 0) {
-    Outcome outcome = transaction.attempt();
-    if (outcome.next != Outcome::sendAgain) result = std::move(outcome.result);
-    if (outcome.next == Outcome::done) attempts = 0;
-    if (outcome.next == Outcome::failed) --attempts;
-    if (outcome.yields) link.host.yield();
+  int left = attempts == 0 ? usualAttempts : attempts;
+  for (;;) {
+    Attempt attempt = transaction.attempt();
+    if (attempt.verdict != Verdict::unanswered) link.host.yield();
+    if (attempt.verdict == Verdict::resynchronised) continue;
+    if (attempt.verdict == Verdict::answered || --left == 0) return std::move(attempt.result);
   }
-  return result;
 }
 
 }  // namespace velk::link

@@ -6,9 +6,11 @@
 namespace velk::link {
 namespace {
 
-/// How long a reply may take.
+constexpr Seconds replyTimeTcp(2.0);
+
+/// How long a reply may take. There is one attempt, whatever their number.
 Seconds longestWait(platform::Host& host, Byte attempts) {
-  if (attempts == 0) return Seconds(2.0);
+  if (attempts == 0) return replyTimeTcp;
   // The clock is counted twice, here and in the deadline, so that such a wait ends in practice only with
   // data, with the connection, or at midnight. Interfaces are in use that rely on it: do not "correct" it.
   return Seconds(host.clock() + 0.5F + 0.5F * static_cast<float>(attempts));

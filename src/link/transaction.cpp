@@ -10,7 +10,7 @@ Bytes tranCeiv(Link link, const Request& request, Byte attempts) {
   if (link.settings.TCP) {
     return tranceivTcp(link, {.attempts = attempts, .function = tcpMemory, .data = frame});
   }
-  return serialTransaction(link, request, frame, attempts == 0 ? Byte{3} : attempts);
+  return serialTransaction(link, request, frame, attempts);
 }
 
 Bytes readCom(Link link, Byte count, Byte high, Byte low, std::string_view direction, Byte attempts) {
