@@ -1,9 +1,8 @@
 #include "link/tcp_frames.h"
 
 #include <algorithm>
-#include <array>
 
-#include "link/link.h"
+#include "link/frames.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
 
@@ -24,8 +23,8 @@ constexpr char lowByte(std::int16_t number) {
   return character(number & 255);
 }
 
-bool answeredByOneByte(Byte function) {
-  return function == tcpLogin || function == tcpOther;
+constexpr std::size_t numberOf(Byte high, Byte low) {
+  return high * std::size_t{256} + low;
 }
 
 Byte functionClass(Byte function) {
@@ -34,9 +33,9 @@ Byte functionClass(Byte function) {
 }
 
 template <std::size_t size>
-Bytes behind(const std::array<char, size>& header, std::string_view data) {
+Bytes behind(const char (&header)[size], std::string_view data) {
   Bytes text(size + data.size(), '\0');
-  std::copy(data.begin(), data.end(), std::copy(header.begin(), header.end(), text.begin()));
+  std::copy(data.begin(), data.end(), std::copy(header, header + size, text.begin()));
   return text;
 }
 
@@ -44,62 +43,60 @@ Bytes one(Byte value) {
   return Bytes(1, character(value));
 }
 
+/// Status and data of the frame in a reply, which has a header of six bytes and a closing "#".
+Bytes insideFrame(std::string_view reply) {
+  constexpr std::size_t around = headerLength + 1;
+  const auto frame = reply.find("*\x02", headerS);
+  if (frame == std::string_view::npos) return one(noReply);
+  if (reply.size() < headerS + around) throw RuntimeError(RuntimeError::invalidArgument);
+  return Bytes(slice(reply, frame + headerLength, reply.size() - headerS - around));
+}
+
 }  // namespace
 
 Bytes requestQ(const TcpRequest& request) {
   const bool hasLength = request.function >= tcpLogin;
-  const std::array<char, headerQ> header{
-      'V',
-      'E',
-      'L',
-      'K',
-      highByte(request.protocol),
-      lowByte(request.protocol),
-      highByte(request.id),
-      lowByte(request.id),
-      character(request.attempts),
-      character(request.function),
-      '\0',
-      character(hasLength ? static_cast<int>(request.data.size() & 255) : 0)};
-  return behind(header, request.data);
+  return behind(
+      {'V', 'E', 'L', 'K', highByte(request.protocol), lowByte(request.protocol), highByte(request.id),
+       lowByte(request.id), character(request.attempts), character(request.function), '\0',
+       character(hasLength ? static_cast<int>(request.data.size() & 255) : 0)},
+      request.data);
 }
 
 Bytes requestS(const TcpRequest& request) {
   const std::size_t length = request.data.size();
-  const std::array<char, headerS> header{character(static_cast<int>(length & 255)),
-                                         character(checkedByte(static_cast<long>(length >> 8))),
-                                         '\0',
-                                         '\0',
-                                         character(functionClass(request.function)),
-                                         '\0',
-                                         '\0',
-                                         '\0'};
-  return behind(header, request.data);
+  return behind(
+      {character(static_cast<int>(length & 255)), character(checkedByte(static_cast<long>(length >> 8))),
+       '\0', '\0', character(functionClass(request.function)), '\0', '\0', '\0'},
+      request.data);
 }
 
 Bytes replyQ(const TcpRequest& request, Bytes sent, std::string_view reply) {
   if (slice(reply, 0, comparedQ) != slice(sent, 0, comparedQ)) return one(echoFault);
-  if (request.function == tcpMemory) {
-    const std::size_t length = byteAt(reply, 10) * std::size_t{256} + byteAt(reply, 11);
-    sent = slice(reply, headerQ, length);
-    return sent;
+  switch (request.function) {
+    case tcpMemory:
+      sent = slice(reply, headerQ, numberOf(byteAt(reply, 10), byteAt(reply, 11)));
+      return sent;
+    case tcpLogin:
+    case tcpOther:
+      return one(byteAt(reply, 11));
+    default:
+      return byteAt(reply, 10) != 0 ? one(byteAt(reply, 11)) : one(0).append(slice(reply, headerQ));
   }
-  if (answeredByOneByte(request.function)) return one(byteAt(reply, 11));
-  if (byteAt(reply, 10) != 0) return one(byteAt(reply, 11));
-  return one(0).append(slice(reply, headerQ));
 }
 
 Bytes replyS(const TcpRequest& request, std::string_view reply) {
-  const std::size_t length = byteAt(reply, 1) * std::size_t{256} + byteAt(reply, 0);
+  const std::size_t length = numberOf(byteAt(reply, 1), byteAt(reply, 0));
   if (length + headerS != reply.size()) return one(echoFault);
-  if (answeredByOneByte(request.function)) return one(byteAt(reply, headerS));
-  // The three characters are what hosts expect here, not a code.
-  if (request.function != tcpMemory) return "100";
-  const auto frame = reply.find("*\x02", headerS);
-  if (frame == std::string_view::npos) return one(noReply);
-  // Behind the frame's header of six bytes: status and data, without the closing "#".
-  if (reply.size() < headerS + 7) throw RuntimeError(RuntimeError::invalidArgument);
-  return Bytes(slice(reply, frame + 6, reply.size() - headerS - 7));
+  switch (request.function) {
+    case tcpMemory:
+      return insideFrame(reply);
+    case tcpLogin:
+    case tcpOther:
+      return one(byteAt(reply, headerS));
+    default:
+      return "100";  // the three characters are what hosts expect here, not a code
+  }
 }
 
 std::string_view kindOfGreeting(std::string_view greeting) {
