@@ -9,7 +9,7 @@
 /// The bytes on the wire. Nothing here waits, sends or keeps state.
 namespace velk::link {
 
-/// Bits of the command byte, the first byte of every memory request. The low four bits hold the byte count
+/// Bits of the command byte, the first byte of every memory request. The low four hold the byte count
 /// minus 1.
 enum CommandBit : Byte {
   countMask = 15,

@@ -14,8 +14,8 @@ constexpr Byte defaultBusAddress = 2;
 /// The bytes of the password with which a host logs in to an Ethernet interface of kind "Q".
 constexpr std::size_t passwordLength = 4;
 
-/// The public settings of a `Serial` object, read at every transaction. Writing one has no effect but on the
-/// next transaction.
+/// The public settings of a `Serial` object, read at every transaction: writing one takes effect with the
+/// next. The members are bound as properties and go by the interface's names, on purpose.
 struct Settings {
   /// True: the next serial transaction first sends a line break (10 ms on, 100 ms to settle) and clears this.
   bool FlgBreak = true;

@@ -13,16 +13,16 @@ bool isBlank(std::string_view text) {
   return text.find_first_not_of(' ') == std::string_view::npos;
 }
 
-Byte logIn(Link link, std::string& passWord) {
-  passWord = padded(passWord, passwordLength, '\0');
-  return byteAt(tranceivTcp(link, {.function = tcpLogin, .data = passWord}), 0);
+Byte logIn(Link link, std::string& password) {
+  password = padded(password, passwordLength, '\0');
+  return byteAt(tranceivTcp(link, {.function = tcpLogin, .data = password}), 0);
 }
 
 }  // namespace
 
-Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, std::string& passWord,
-             Byte rsAddress) {
-  if (isBlank(passWord)) passWord.assign(passwordLength, '\0');
+Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, std::string& password,
+             Byte busAddress) {
+  if (isBlank(password)) password.assign(passwordLength, '\0');
   link.settings.NoEcho = true;
   // A signed 16-bit number reaches the upper ports as negative ones.
   link.host.socket().connect(ipAddress, static_cast<std::uint16_t>(portNumber));
@@ -30,11 +30,10 @@ Byte openTcp(Link link, const std::string& ipAddress, std::int16_t portNumber, s
   const std::string_view kind = kindOfGreeting(fetchWithin(link.host, greetingTime));
   if (kind.empty()) return noReply;
   link.settings.SoortETH = kind;
-  const Byte result = kind == "Q" ? logIn(link, passWord) : Byte{0};
-  const bool taken = rsAddress >= lowestBusAddress && rsAddress <= highestBusAddress;
-  link.settings.SerAddress = taken ? rsAddress : defaultBusAddress;
-  // Also after a refused login, which the result tells: the interface keeps the connection and hosts may go
-  // on.
+  const Byte result = kind == "Q" ? logIn(link, password) : Byte{0};
+  const bool fits = busAddress >= lowestBusAddress && busAddress <= highestBusAddress;
+  link.settings.SerAddress = fits ? busAddress : defaultBusAddress;
+  // Also after a refused login, which the result tells: the interface keeps the connection, hosts may go on.
   link.settings.TCP = true;
   return result;
 }

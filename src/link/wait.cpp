@@ -6,8 +6,8 @@
 namespace velk::link {
 namespace {
 
-constexpr float guard = 1.0F;
-constexpr double day = 86400;
+constexpr float guard = 1.0F;  // seconds since midnight
+constexpr double day = 86400;  // seconds
 
 }  // namespace
 
