@@ -32,43 +32,39 @@ struct Bounds {
   Byte high = 255;
 };
 
-/// What the positions up to the clock's last may be written as; the others take any byte. The day has a rule
-/// of its own on top.
+/// What the positions up to the clock's last may be written as; the others take any byte. The day has one
+/// more rule, `lastDay`.
 constexpr std::array<Bounds, seconds> bounds{
     {{10, 99}, {104, 128}, {}, {}, {}, {}, {0, 99}, {1, 12}, {1, 255}, {0, 7}, {0, 23}, {0, 59}, {0, 59}}};
 
-/// The positions that a call names, from `offset` + 1 to `end`, and their bytes.
-struct Positions {
+/// The part of the block that a call names: the positions from `offset` + 1 to `end`, and their bytes.
+struct Part {
   const Bytes& bytes;
   int offset;
   int end;
 
-  /// The byte of a position; run-time error 5 for one outside the range.
+  /// The byte of a position; run-time error 5 for one outside the part.
   [[nodiscard]] Byte at(int position) const {
     return byteAt(bytes, static_cast<std::size_t>(position - offset - 1));
   }
 };
 
-/// The last day of the month that a write names. Outside 1 to 12 the day is not checked: the month fails
-/// itself.
-int lastDay(const Positions& positions) {
+/// The last day of the month that a write names. A month outside 1 to 12, which fails itself, bounds no day.
+int lastDay(const Part& part) {
   constexpr std::array days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const Byte m = positions.at(month);
+  const Byte m = part.at(month);
   if (m < 1 || m > 12) return 255;
-  // Only February asks for the year, which is a run-time error when the range begins behind it.
-  const bool leapDay = m == 2 && positions.at(year) % 4 == 0;
+  // Only February asks for the year, which is a run-time error when the part begins behind it.
+  const bool leapDay = m == 2 && part.at(year) % 4 == 0;
   return days.at(m - 1U) + (leapDay ? 1 : 0);
 }
 
-void checkWrite(const Positions& positions) {
-  bool good = true;
-  for (int p = positions.offset + 1; p <= std::min(positions.end, seconds); ++p) {
-    const Bounds& bound = bounds.at(static_cast<std::size_t>(p - 1));
-    const int value = positions.at(p);
-    if (p == day && value > lastDay(positions)) good = false;
-    if (value < bound.low || value > bound.high) good = false;
+void checkWrite(const Part& part) {
+  for (int p = part.offset + 1; p <= std::min(part.end, seconds); ++p) {
+    const auto [low, high] = bounds.at(static_cast<std::size_t>(p - 1));
+    const int value = part.at(p);
+    if ((p == day && value > lastDay(part)) || value < low || value > high) throw Stop{badValue};
   }
-  if (!good) throw Stop{badValue};
 }
 
 void writeClock(const Memory& memory, const Bytes& parameters) {
@@ -76,9 +72,8 @@ void writeClock(const Memory& memory, const Bytes& parameters) {
   const auto set = [&](Address at, int value) { memory.write(at, Bytes(1, character(value))); };
   set(clockHold, 255);
   set(clockHold.next(), 255);
-  // The last seven characters, not positions 7 to 13: a range that ends behind position 13 sets the clock
-  // from its own end, and one of six characters is a run-time error with the clock held. Hosts know the block
-  // so.
+  // The last seven characters, not positions 7 to 13: a part that ends behind position 13 sets the clock from
+  // its own end, and one of six characters is a run-time error with the clock held. Hosts know the block so.
   Bytes clock;
   for (std::size_t i = 1; i <= clockSize; ++i)
     clock += character(toBcd(byteAt(parameters, parameters.size() - i)));
@@ -87,27 +82,18 @@ void writeClock(const Memory& memory, const Bytes& parameters) {
   set(clockHold, 0);
 }
 
-Byte write(const Memory& memory, const Positions& positions) {
-  const bool endsBeforeClock = positions.end < year;
-  const bool coversClock = positions.offset < month && positions.end >= seconds;
-  if (positions.bytes.size() != static_cast<std::size_t>(positions.end - positions.offset))
-    throw Stop{wrongLength};
-  if (!endsBeforeClock && !coversClock) throw Stop{wrongLength};
-  checkWrite(positions);
+Byte write(const Memory& memory, const Part& part) {
+  const bool hasClock = part.end >= year;
+  const bool hasWholeClock = part.offset < month && part.end >= seconds;
+  if (part.bytes.size() != static_cast<std::size_t>(part.end - part.offset)) throw Stop{wrongLength};
+  if (hasClock && !hasWholeClock) throw Stop{wrongLength};
+  checkWrite(part);
 
-  Byte result = nothingDone;
-  const Bytes head =
-      positions.bytes.substr(0, static_cast<std::size_t>(std::max(0, settings - positions.offset)));
-  // No positions, no transaction: a count of 0 would not mean none on the wire. Such a write ends with 99.
-  if (!head.empty()) {
-    memory.write(firstSetting.next(static_cast<std::size_t>(positions.offset)), head);
-    result = 0;
-  }
-  if (coversClock) {
-    writeClock(memory, positions.bytes);
-    result = 0;
-  }
-  return result;
+  const Bytes head = part.bytes.substr(0, static_cast<std::size_t>(std::max(0, settings - part.offset)));
+  // No settings, no transaction: a count of 0 would not mean none on the wire.
+  if (!head.empty()) memory.write(firstSetting.next(static_cast<std::size_t>(part.offset)), head);
+  if (hasClock) writeClock(memory, part.bytes);
+  return head.empty() && !hasClock ? nothingDone : success;
 }
 
 /// Position 6, derived from the bytes at 0x0002 to 0x0008.
@@ -119,7 +105,7 @@ Byte kindValue(const Bytes& bytes) {
   return a < 9 || (a == 9 && b < 14) ? Byte{2} : byteAt(bytes, 0);
 }
 
-/// The positions up to 6 that the range names.
+/// The positions up to 6 that a call names.
 Bytes readHead(const Memory& memory, int offset, int end) {
   const Bytes bytes = memory.read(7, readSettings);
   // Found out before it is known to be wanted: a reply without the bytes for it is a run-time error.
@@ -131,11 +117,16 @@ Bytes readHead(const Memory& memory, int offset, int end) {
   return head;
 }
 
-/// The clock's positions, which run against its addresses. A range that ends behind position 13 begins below
-/// the clock and takes the hold bytes for clock values.
+/// Where a position of the clock lies: they run against its addresses.
+Address clockAt(int position) {
+  return {.page = clockSeconds.page, .offset = static_cast<Byte>(clockSeconds.offset + seconds - position)};
+}
+
+/// The clock's positions that a call names. Those behind position 13 lie below the clock: its hold bytes are
+/// taken for clock values.
 Bytes readClock(const Memory& memory, Byte count, int end) {
   const Byte size = std::min(static_cast<Byte>(end - kind), count);
-  const Bytes bytes = memory.read(size, {.page = 0xFF, .offset = static_cast<Byte>(262 - end)});
+  const Bytes bytes = memory.read(size, clockAt(end));
   Bytes clock;
   std::transform(bytes.rbegin(), bytes.rend(), std::back_inserter(clock),
                  [](char bcd) { return character(decimalOfBcd(byteValue(bcd))); });
@@ -149,12 +140,11 @@ Byte read(const Memory& memory, Bytes& parameters, Byte count, int offset) {
   const auto collect = [&](const Bytes& bytes) {
     collected += bytes;
     parameters = collected;
-    result = 0;
+    result = success;
   };
   if (offset < kind) collect(readHead(memory, offset, end));
   if (end >= year && offset < seconds) collect(readClock(memory, count, end));
-  // The three further bytes follow whenever position 13 is reached, so that positions 1 to 13 read as 16
-  // bytes.
+  // Three further bytes follow whenever position 13 is reached, so that positions 1 to 13 read as 16 bytes.
   if (end >= seconds) collect(memory.read(3, furtherBytes));
   return result;
 }

@@ -10,8 +10,7 @@ namespace velk::controller {
 /// The first of the three settings that can be written.
 constexpr link::Address firstSetting{.page = 0x00, .offset = 0x04};
 
-/// Two bytes; while one of them is not 0, the clock stands still. The clock follows, from the seconds to the
-/// year.
+/// Two bytes; while one of them is not 0, the clock stands still. The clock follows, from seconds to year.
 constexpr link::Address clockHold{.page = 0xFF, .offset = 0xF7};
 constexpr link::Address clockSeconds = clockHold.next(2);
 
