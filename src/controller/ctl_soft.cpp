@@ -13,15 +13,15 @@ using link::Stop;
 constexpr Byte lowestGroup = 129;
 constexpr Byte lowestParametrisedInput = 101;
 
-Byte highFlankBit(const SoftLink& link) {
+Byte highFlankBit(const SoftLinkAccess& link) {
   return static_cast<Byte>(1 << (link.sub + 4));
 }
 
-Byte lowFlankBit(const SoftLink& link) {
+Byte lowFlankBit(const SoftLinkAccess& link) {
   return static_cast<Byte>(1 << link.sub);
 }
 
-void read(const Memory& memory, const SoftLink& link) {
+void read(const Memory& memory, const SoftLinkAccess& link) {
   constexpr Byte outputBit = 128;
   const Bytes record = memory.read(2, linkRecord(link.source, link.sub));
   const Byte first = byteAt(record, 0);
@@ -38,12 +38,12 @@ void read(const Memory& memory, const SoftLink& link) {
   link.lowFlank = (flanks & lowFlankBit(link)) != 0;
 }
 
-void writeRecord(const Memory& memory, const SoftLink& link, int first, int second) {
+void writeRecord(const Memory& memory, const SoftLinkAccess& link, int first, int second) {
   memory.write(linkRecord(link.source, link.sub),
                Bytes{character(checkedByte(first)), character(checkedByte(second))});
 }
 
-void writeFlanks(const Memory& memory, const SoftLink& link) {
+void writeFlanks(const Memory& memory, const SoftLinkAccess& link) {
   int flanks = byteAt(memory.read(1, flanksOf(link.source)), 0);
   flanks &= ~(highFlankBit(link) | lowFlankBit(link));
   if (link.highFlank) flanks |= highFlankBit(link);
@@ -51,7 +51,7 @@ void writeFlanks(const Memory& memory, const SoftLink& link) {
   memory.write(flanksOf(link.source), Bytes(1, character(flanks)));
 }
 
-void writeOutputLink(const Memory& memory, const SoftLink& link) {
+void writeOutputLink(const Memory& memory, const SoftLinkAccess& link) {
   if (link.destination == 0) {
     writeRecord(memory, link, 0, 0);
     return;
@@ -65,12 +65,12 @@ void writeOutputLink(const Memory& memory, const SoftLink& link) {
   writeFlanks(memory, link);
 }
 
-void writeInputLink(const Memory& memory, const SoftLink& link) {
+void writeInputLink(const Memory& memory, const SoftLinkAccess& link) {
   const bool hasParameters = link.destination >= lowestParametrisedInput;
   writeRecord(memory, link, link.destination, hasParameters ? link.parameters2 & 15 : 0);
 }
 
-void write(const Memory& memory, const SoftLink& link) {
+void write(const Memory& memory, const SoftLinkAccess& link) {
   if (std::string_view("IO").find(link.kind) == std::string_view::npos) throw Stop{badLinkKind};
   const bool toItself = link.kind == "O" && link.destination == link.source;
   if (toItself && testBit(link.parameters1, link.sub)) throw Stop{badAddress};
@@ -83,7 +83,7 @@ void write(const Memory& memory, const SoftLink& link) {
 
 }  // namespace
 
-void Ctl_Soft(const Memory& memory, std::string_view readOrWrite, const SoftLink& link) {
+void Ctl_Soft(const Memory& memory, std::string_view readOrWrite, const SoftLinkAccess& link) {
   const bool reads = link::isRead(readOrWrite);
   if (link.source == 1 || link.source == 2 || link.source == 100 || link.source > 124) throw Stop{badAddress};
   if (link.sub > 3) throw Stop{badSubAddress};

@@ -9,7 +9,7 @@
 namespace velk::controller {
 
 /// One link of an input to a destination, as `Ctl_Soft` hands it in and out.
-struct SoftLink {
+struct SoftLinkAccess {
   Byte source;
   Byte sub;  ///< sub-address of the source, 0 to 3
   Byte& destination;
@@ -31,6 +31,6 @@ constexpr link::Address flanksOf(Byte source) {
 }
 
 /// Reads or writes one link and its flanks. Ends normally for result 0, throws `Stop` for any other.
-void Ctl_Soft(const link::Memory& memory, std::string_view readOrWrite, const SoftLink& link);
+void Ctl_Soft(const link::Memory& memory, std::string_view readOrWrite, const SoftLinkAccess& link);
 
 }  // namespace velk::controller

@@ -1,18 +1,16 @@
 #include "controller/languages.h"
 
-#include <algorithm>
-
 namespace velk::controller {
 namespace {
 
 /// One slot in every language. The texts stand as the controllers in use show them, down to the blank:
 /// borrowed English, uneven centring and mixed case included.
-struct Row {
+struct SlotTexts {
   std::string_view dutch, english, french, german, portuguese, spanish;
 };
 
 // clang-format off
-constexpr std::array<Row, textCount> rows{{
+constexpr std::array<SlotTexts, textCount> rows{{
     {" AAN UITNEER OP ", "  ON OFFDOWN UP ", "MARCARREDESCMONT", " EIN AUSUNTEOBEN", "LIGADESLBAIXCIMA", "ENCEAPAGABAJARRI"},  // 6
     {"NROP",             "DNUP",             "DEMO",             "UNOB",             "BACI",             "ABAR"},  // 7
     {"CONTROLLER V8.01", "CONTROLLER V8.01", "CONTROLLER V8.01", "CONTROLLER V8.01", " VELK CTL  V8.01", " VELK CTL  V8.01"},  // 8
@@ -45,7 +43,7 @@ constexpr std::array<Row, textCount> rows{{
 }};
 // clang-format on
 
-constexpr Texts column(std::string_view Row::*language) {
+constexpr Texts column(std::string_view SlotTexts::*language) {
   Texts texts;
   for (std::size_t i = 0; i < textCount; ++i) texts[i] = rows[i].*language;
   return texts;
@@ -53,33 +51,34 @@ constexpr Texts column(std::string_view Row::*language) {
 
 /// The second Portuguese differs in the words of the first two slots alone.
 constexpr Texts brazilian = [] {
-  Texts texts = column(&Row::portuguese);
+  Texts texts = column(&SlotTexts::portuguese);
   texts[0] = "LIGADESLDESCSOBE";
   texts[1] = "DESO";
   return texts;
 }();
 
-struct Language {
+struct LanguageTexts {
   std::string_view letter;
   Texts texts;
 };
 
-constexpr std::array languages{
-    Language{"N", column(&Row::dutch)},
-    Language{"E", column(&Row::english)},
-    Language{"F", column(&Row::french)},
-    Language{"D", column(&Row::german)},
-    Language{"B", brazilian},
-    Language{"P", column(&Row::portuguese)},
-    Language{"S", column(&Row::spanish)},
+constexpr LanguageTexts languages[] = {
+    {"N", column(&SlotTexts::dutch)},
+    {"E", column(&SlotTexts::english)},
+    {"F", column(&SlotTexts::french)},
+    {"D", column(&SlotTexts::german)},
+    {"B", brazilian},
+    {"P", column(&SlotTexts::portuguese)},
+    {"S", column(&SlotTexts::spanish)},
 };
 
 }  // namespace
 
 const Texts* textsOf(std::string_view language) {
-  const auto* const found = std::find_if(languages.begin(), languages.end(),
-                                         [&](const Language& l) { return l.letter == language; });
-  return found == languages.end() ? nullptr : &found->texts;
+  for (const auto& [letter, texts] : languages) {
+    if (letter == language) return &texts;
+  }
+  return nullptr;
 }
 
 }  // namespace velk::controller
