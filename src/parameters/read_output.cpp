@@ -1,7 +1,7 @@
 #include "parameters/read_output.h"
 
-#include "parameters/image.h"
 #include "parameters/modes.h"
+#include "parameters/output_bytes.h"
 #include "values/result.h"
 
 namespace velk::parameters {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "parameters/image.h"
 #include "parameters/modes.h"
+#include "parameters/output_bytes.h"
 #include "values/result.h"
 
 namespace velk::parameters {

@@ -1,4 +1,4 @@
-#include "parameters/image.h"
+#include "parameters/output_bytes.h"
 
 #include "values/runtime_error.h"
 
