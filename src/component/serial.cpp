@@ -136,7 +136,7 @@ Byte Serial::Ctl_Param(const std::string& ReadOrWrite, Byte Address, InOut<std::
   return trapped([&] {
     parameters::Ctl_Param(
         memory(), ReadOrWrite,
-        {.address = Address, .mode = *Mode, .parameters = *Parameters, .count = *Aantal, .offset = Offset});
+        {.output = Address, .mode = *Mode, .parameters = *Parameters, .count = *Aantal, .offset = Offset});
   });
 }
 

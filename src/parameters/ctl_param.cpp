@@ -12,7 +12,7 @@ using link::Stop;
 
 void Ctl_Param(const link::Memory& memory, std::string_view readOrWrite, const OutputAccess& access) {
   constexpr Byte lastOutput = 99;
-  if (access.address < 1 || access.address > lastOutput) throw Stop{badAddress};
+  if (access.output < 1 || access.output > lastOutput) throw Stop{badAddress};
   if (link::isRead(readOrWrite)) {
     readOutput(memory, access);
   } else {

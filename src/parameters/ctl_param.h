@@ -10,7 +10,7 @@ namespace velk::parameters {
 
 /// What a caller of `Ctl_Param` hands in and gets back.
 struct OutputAccess {
-  Byte address;
+  Byte output;  ///< its number, 1 to 99
   std::string& mode;
   std::string& parameters;
   std::int16_t& count;

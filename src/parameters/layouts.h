@@ -7,12 +7,12 @@
 #include "parameters/items.h"
 #include "values/bytes.h"
 
-/// Where the parameter items of each output mode lie in the controller, as tables that reading and writing
+/// Where the parameter items of each output mode lie in the controller: tables that reading and writing
 /// share.
 namespace velk::parameters {
 
 /// A run of bytes that is read at once.
-struct Run {
+struct ByteRun {
   Byte at{};
   Byte size = 0;
   Area area = Area::external;
@@ -35,8 +35,8 @@ enum class CountRule : Byte {
 /// One output mode.
 struct Layout {
   std::string_view code;
-  Run block;                    ///< read before the arguments are checked
-  Run own;                      ///< read after they are checked
+  ByteRun block;                ///< read before the arguments are checked
+  ByteRun own;                  ///< read after they are checked
   std::span<const Item> items;  ///< by item number
   Byte bound = 0;               ///< the largest `Offset`
   OffsetRule offsets = OffsetRule::upToBound;
@@ -50,13 +50,13 @@ struct Layout {
 constexpr Byte modeOffset = 1;
 
 /// Page offset of the byte that is read for every mode after its block.
-constexpr Run furtherByte{.at = 56, .size = 1};
+constexpr ByteRun furtherByte{.at = 56, .size = 1};
 
 /// The 16 bytes that an output owns in the block area. All outputs together fill the pages 247 to 253.
-constexpr link::Address blockOf(Byte address) {
+constexpr link::Address blockOf(Byte output) {
   return {.area = link::Area::block,
-          .page = static_cast<Byte>(247 + address / 16),
-          .offset = static_cast<Byte>(address % 16 * 16)};
+          .page = static_cast<Byte>(247 + output / 16),
+          .offset = static_cast<Byte>(output % 16 * 16)};
 }
 
 /// The layout of a mode code; none for an unknown code.
@@ -74,8 +74,8 @@ struct Range {
   std::size_t end;
 };
 
-/// Checks `offset` (103) and `count` (102) against the layout and replaces a count of 255 by what it stands
-/// for.
+/// Checks `offset` (103) and `count` (102) against the layout; a count of 255 is replaced by what it
+/// stands for.
 Range resolveRange(const Layout& layout, Byte offset, std::int16_t& count);
 
 }  // namespace velk::parameters

@@ -11,10 +11,10 @@ static_assert(packedCodes.size() == 3 * lastMode + 1);
 
 }  // namespace
 
-Byte ModeToNr(std::string_view modeStr) {
+Byte ModeToNr(std::string_view code) {
   // A search for any part of the list, rounded to the nearest code, not a comparison of whole codes: "I"
   // gives 1 and "|P" gives 2, and hosts rely on it.
-  const auto found = packedCodes.find(modeStr);
+  const auto found = packedCodes.find(code);
   if (found == std::string_view::npos) return 0;
   return static_cast<Byte>(std::lround(static_cast<double>(found + 1) / 3));
 }
@@ -23,11 +23,11 @@ std::string_view codeOf(Byte mode) {
   return packedCodes.substr(std::size_t{3} * mode - 1, 2);
 }
 
-std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address) {
+std::string ModeToStr(const link::Memory& memory, Byte mode, Byte output) {
   if (mode == 0 || mode > lastMode) return {};
   if (mode == rollerMode) {
-    const Bytes reply = memory.tryRead(1, rollerMarker(address));
-    const bool marked = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == address;
+    const Bytes reply = memory.tryRead(1, rollerMarker(output));
+    const bool marked = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == output;
     return marked ? "RO" : "DI";
   }
   return std::string(codeOf(mode));

@@ -15,19 +15,19 @@ constexpr Byte lastMode = 21;
 constexpr Byte rollerMode = 4;
 
 /// The number of a code, 0 when the text is not found.
-Byte ModeToNr(std::string_view modeStr);
+Byte ModeToNr(std::string_view code);
 
 /// The code of a number from 1 to 21; of 4 it is "RO".
 std::string_view codeOf(Byte mode);
 
 /// The code of a number, empty outside 1 to 21. For number 4 the controller is asked which of "RO" and "DI"
 /// it is; a failed transaction gives "DI".
-std::string ModeToStr(const link::Memory& memory, Byte mode, Byte address);
+std::string ModeToStr(const link::Memory& memory, Byte mode, Byte output);
 
-/// Where the controller marks an output of mode 4 as "RO", by holding the output's own address: a table of
+/// Where the controller marks an output of mode 4 as "RO", by holding the output's own number: a table of
 /// one byte per output that grows downwards from 0x10FF.
-constexpr link::Address rollerMarker(Byte address) {
-  return {.page = 0x10, .offset = static_cast<Byte>(255 - address)};
+constexpr link::Address rollerMarker(Byte output) {
+  return {.page = 0x10, .offset = static_cast<Byte>(255 - output)};
 }
 
 }  // namespace velk::parameters

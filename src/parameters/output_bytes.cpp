@@ -4,14 +4,14 @@
 
 namespace velk::parameters {
 
-void Image::fetch(const Run& run) {
+void OutputBytes::fetch(const ByteRun& run) {
   if (run.size == 0) return;
-  pieces_.at(count_++) = {run, memory_.read(run.size, addressOf(output_, run.area, run.at))};
+  fetched_.at(count_++) = {run, memory_.read(run.size, addressOf(output_, run.area, run.at))};
 }
 
-Byte Image::at(Area area, Byte offset) const {
-  for (const Piece& piece : std::span(pieces_).first(count_)) {
-    if (piece.run.holds(area, offset)) return byteAt(piece.bytes, offset - piece.run.at);
+Byte OutputBytes::at(Area area, Byte offset) const {
+  for (const auto& [held, bytes] : std::span(fetched_).first(count_)) {
+    if (held.holds(area, offset)) return byteAt(bytes, offset - held.at);
   }
   throw RuntimeError(RuntimeError::invalidArgument);
 }

@@ -8,12 +8,12 @@
 namespace velk::parameters {
 
 /// The bytes of one output that were read, by their place.
-class Image {
+class OutputBytes {
  public:
-  Image(const link::Memory& memory, Byte output) : memory_(memory), output_(output) {}
+  OutputBytes(const link::Memory& memory, Byte output) : memory_(memory), output_(output) {}
 
   /// Reads a run of bytes and keeps it; an empty run reads nothing.
-  void fetch(const Run& run);
+  void fetch(const ByteRun& run);
 
   /// The byte at a place; run-time error 5 when no reply has brought it.
   [[nodiscard]] Byte at(Area area, Byte offset) const;
@@ -21,14 +21,14 @@ class Image {
  private:
   static constexpr std::size_t mostRuns = 4;  ///< the mode, the layout's two runs, the further byte
 
-  struct Piece {
-    Run run;
+  struct Fetched {
+    ByteRun run;
     Bytes bytes;
   };
 
   const link::Memory& memory_;
   Byte output_;
-  std::array<Piece, mostRuns> pieces_;
+  std::array<Fetched, mostRuns> fetched_;
   std::size_t count_ = 0;
 };
 

@@ -7,22 +7,22 @@
 namespace velk::parameters {
 
 void readOutput(const link::Memory& memory, const OutputAccess& access) {
-  Image image(memory, access.address);
-  image.fetch({.at = modeOffset, .size = 1});
-  access.mode = ModeToStr(memory, image.at(Area::external, modeOffset), access.address);
+  OutputBytes bytes(memory, access.output);
+  bytes.fetch({.at = modeOffset, .size = 1});
+  access.mode = ModeToStr(memory, bytes.at(Area::external, modeOffset), access.output);
   const Layout* const layout = layoutOf(access.mode);
   if (access.count <= 0 && (layout == nullptr || !layout->itemsWithoutCount)) return;
 
   access.parameters.clear();
-  if (layout != nullptr) image.fetch(layout->block);
-  image.fetch(furtherByte);
+  if (layout != nullptr) bytes.fetch(layout->block);
+  bytes.fetch(furtherByte);
   if (layout == nullptr) throw link::Stop{badMode};
 
   const Range range = resolveRange(*layout, access.offset, access.count);
-  image.fetch(layout->own);
+  bytes.fetch(layout->own);
   for (std::size_t k = range.first; k < range.end; ++k) {
     const Item& item = layout->items[k];
-    access.parameters += decoded(item, image.at(item.area, item.at));
+    access.parameters += decoded(item, bytes.at(item.area, item.at));
   }
 }
 

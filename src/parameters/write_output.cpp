@@ -16,7 +16,7 @@ using link::Stop;
 constexpr std::size_t longestTransfer = 16;
 
 /// One byte that a write touches.
-struct Change {
+struct TouchedByte {
   Area area;
   Byte at;
   Byte mask;    ///< the bits that the write gives
@@ -44,34 +44,34 @@ std::vector<Assignment> checkedAssignments(const Layout& layout, const OutputAcc
   return assignments;
 }
 
-bool precedes(const Change& a, const Change& b) {
+bool precedes(const TouchedByte& a, const TouchedByte& b) {
   return a.area != b.area ? a.area == Area::external : a.at < b.at;
 }
 
 /// The bytes that the items lie in, in order of their addresses. The mode byte is not among them.
-std::vector<Change> touchedBytes(const std::vector<Assignment>& assignments) {
-  std::vector<Change> changes;
+std::vector<TouchedByte> touchedBytes(const std::vector<Assignment>& assignments) {
+  std::vector<TouchedByte> touched;
   for (const auto& [item, value] : assignments) {
     if (item.form == Form::stored) continue;
-    const auto same = [&item = item](const Change& c) { return c.area == item.area && c.at == item.at; };
-    const auto found = std::find_if(changes.begin(), changes.end(), same);
-    if (found == changes.end()) {
-      changes.push_back({.area = item.area, .at = item.at, .mask = item.mask, .shared = sharesItsByte(item)});
+    const auto same = [&item = item](const TouchedByte& b) { return b.area == item.area && b.at == item.at; };
+    const auto found = std::find_if(touched.begin(), touched.end(), same);
+    if (found == touched.end()) {
+      touched.push_back({.area = item.area, .at = item.at, .mask = item.mask, .shared = sharesItsByte(item)});
     } else {
       found->mask |= item.mask;
       found->shared = found->mask != 255;
     }
   }
-  std::sort(changes.begin(), changes.end(), precedes);
-  return changes;
+  std::sort(touched.begin(), touched.end(), precedes);
+  return touched;
 }
 
 /// Calls handle(first, last) for each run of neighbouring bytes that one transaction can carry.
 template <class Handle>
-void forEachRun(const std::vector<Change>& changes, Handle handle) {
-  for (auto first = changes.begin(); first != changes.end();) {
+void forEachRun(const std::vector<TouchedByte>& touched, Handle handle) {
+  for (auto first = touched.begin(); first != touched.end();) {
     auto last = first + 1;
-    while (last != changes.end() && last->area == first->area && last->at == (last - 1)->at + 1 &&
+    while (last != touched.end() && last->area == first->area && last->at == (last - 1)->at + 1 &&
            static_cast<std::size_t>(last - first) < longestTransfer) {
       ++last;
     }
@@ -82,27 +82,27 @@ void forEachRun(const std::vector<Change>& changes, Handle handle) {
 
 /// Reads the shared bytes and puts the items into them.
 void compose(const Memory& memory, Byte output, const std::vector<Assignment>& assignments,
-             std::vector<Change>& changes) {
-  std::vector<Change> shared;
-  std::copy_if(changes.begin(), changes.end(), std::back_inserter(shared),
-               [](const Change& c) { return c.shared; });
-  Image image(memory, output);
+             std::vector<TouchedByte>& touched) {
+  std::vector<TouchedByte> shared;
+  std::copy_if(touched.begin(), touched.end(), std::back_inserter(shared),
+               [](const TouchedByte& b) { return b.shared; });
+  OutputBytes before(memory, output);
   forEachRun(shared, [&](auto first, auto last) {
-    image.fetch({.at = first->at, .size = static_cast<Byte>(last - first), .area = first->area});
+    before.fetch({.at = first->at, .size = static_cast<Byte>(last - first), .area = first->area});
   });
-  for (Change& change : changes) {
-    if (change.shared) change.value = image.at(change.area, change.at);
+  for (TouchedByte& byte : touched) {
+    if (byte.shared) byte.value = before.at(byte.area, byte.at);
     for (const auto& [item, value] : assignments) {
-      if (item.area == change.area && item.at == change.at)
-        change.value = encoded(item, value, change.value).value_or(change.value);
+      if (item.area == byte.area && item.at == byte.at)
+        byte.value = encoded(item, value, byte.value).value_or(byte.value);
     }
   }
 }
 
-void store(const Memory& memory, Byte output, const std::vector<Change>& changes) {
-  forEachRun(changes, [&](auto first, auto last) {
+void store(const Memory& memory, Byte output, const std::vector<TouchedByte>& touched) {
+  forEachRun(touched, [&](auto first, auto last) {
     Bytes bytes;
-    std::for_each(first, last, [&](const Change& c) { bytes += character(c.value); });
+    std::for_each(first, last, [&](const TouchedByte& b) { bytes += character(b.value); });
     memory.write(addressOf(output, first->area, first->at), bytes);
   });
 }
@@ -141,10 +141,10 @@ bool isReserved(Byte output, std::string_view mode) {
 
 void writeOutput(const Memory& memory, const OutputAccess& access) {
   const Byte number = ModeToNr(access.mode);
-  if (number == 0 || isReserved(access.address, access.mode)) throw Stop{badMode};
-  const Byte old = byteAt(memory.read(1, {.page = access.address, .offset = modeOffset}), 0);
+  if (number == 0 || isReserved(access.output, access.mode)) throw Stop{badMode};
+  const Byte old = byteAt(memory.read(1, {.page = access.output, .offset = modeOffset}), 0);
   if (access.count == 0 && !layouts()[number - 1U].itemsWithoutCount) {
-    storeMode(memory, access.address, number);
+    storeMode(memory, access.output, number);
     return;
   }
 
@@ -152,12 +152,12 @@ void writeOutput(const Memory& memory, const OutputAccess& access) {
   // A part of a code has a number, but no items: nothing was done.
   if (layout == nullptr) throw Stop{nothingDone};
   const std::vector<Assignment> assignments = checkedAssignments(*layout, access);
-  std::vector<Change> changes = touchedBytes(assignments);
-  compose(memory, access.address, assignments, changes);
-  store(memory, access.address, changes);
+  std::vector<TouchedByte> touched = touchedBytes(assignments);
+  compose(memory, access.output, assignments, touched);
+  store(memory, access.output, touched);
   const Byte stored = storedNumber(*layout, number, old, assignments);
-  if (stored == rollerMode) mark(memory, access.address, layout->marked);
-  storeMode(memory, access.address, stored);
+  if (stored == rollerMode) mark(memory, access.output, layout->marked);
+  storeMode(memory, access.output, stored);
 }
 
 }  // namespace velk::parameters
