@@ -145,7 +145,7 @@ std::string nameOf(Address at) {
   const Region* const region = regionAt(at);
   if (region == nullptr) return {};
   std::string name;
-  Number number = region->first;
+  NumberRule number = region->first;
   for (const char c : region->name) {
     if (c == '%') {
       name += std::to_string(number(at.page, at.offset));

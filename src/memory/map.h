@@ -33,7 +33,7 @@ struct Thing {
 };
 
 /// A number of a region's name, from the page and the offset.
-using Number = int (*)(int page, int offset);
+using NumberRule = int (*)(int page, int offset);
 
 /// Whether a page of a region belongs to it.
 using PageRule = bool (*)(int page);
@@ -45,8 +45,8 @@ struct Region {
   Byte firstOffset, lastOffset;
   std::string_view name;  ///< each "%" stands for the next number; empty for bytes without a known meaning
   std::optional<ThingKind> kind;  ///< what it configures
-  Number first = nullptr;         ///< also the number of the thing
-  Number second = nullptr;
+  NumberRule first = nullptr;     ///< also the number of the thing
+  NumberRule second = nullptr;
   bool readOnly = false;     ///< configuration that the controller keeps for itself
   PageRule pages = nullptr;  ///< only some of the pages
 };

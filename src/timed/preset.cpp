@@ -63,16 +63,16 @@ void read(const Memory& memory, const PresetAccess& p) {
 
 }  // namespace
 
-Byte DPHPreset(Byte presetNr) {
+Byte DPHPreset(Byte preset) {
   constexpr Byte lastOfFirstGroup = 28;
-  if (presetNr <= lastOfFirstGroup) return static_cast<Byte>(presetNr * 4 + 12);
-  return static_cast<Byte>((presetNr - 29) % 32 * 4 + 128);
+  if (preset <= lastOfFirstGroup) return static_cast<Byte>(preset * 4 + 12);
+  return static_cast<Byte>((preset - 29) % 32 * 4 + 128);
 }
 
-Byte DPLPreset(Byte presetNr, Byte adres) {
-  if (presetNr == 0 || presetNr > lastPreset) return 0;
-  const int base = presetNr <= 28 ? 55 : presetNr <= 60 ? 0 : 99;
-  return checkedByte(adres + base);
+Byte DPLPreset(Byte preset, Byte record) {
+  if (preset == 0 || preset > lastPreset) return 0;
+  const int base = preset <= 28 ? 55 : preset <= 60 ? 0 : 99;
+  return checkedByte(record + base);
 }
 
 link::Address presetRecord(Byte preset, Byte record) {

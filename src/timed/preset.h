@@ -11,11 +11,11 @@ namespace velk::timed {
 constexpr Byte lastPreset = 92;
 
 /// High address byte of a preset's data records. The presets 29 to 60 and 61 to 92 share pages.
-Byte DPHPreset(Byte presetNr);
+Byte DPHPreset(Byte preset);
 
-/// Low address byte of record `adres` of a preset; 0 for preset 0 and above 92. Run-time error 6 when it does
-/// not fit a byte.
-Byte DPLPreset(Byte presetNr, Byte adres);
+/// Low address byte of a record of a preset; 0 for preset 0 and above 92. Run-time error 6 when it does not
+/// fit a byte.
+Byte DPLPreset(Byte preset, Byte record);
 
 /// Where a record of a preset lies, 3 to 99. Run-time error 6 as above.
 link::Address presetRecord(Byte preset, Byte record);

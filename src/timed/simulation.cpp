@@ -21,10 +21,7 @@ Address blockAt(Address list, std::size_t offset) {
 void write(const Memory& memory, Address list, Bytes& data) {
   // The caller's own text is converted and closed: it comes back as it lies in the controller.
   for (std::size_t start = 0; start < data.size(); start += eventSize) {
-    for (const std::size_t i : {start, start + 1}) {
-      const Byte bcd = toBcd(byteAt(data, i));
-      data[i] = character(bcd);
-    }
+    for (const std::size_t i : {start, start + 1}) data[i] = character(toBcd(byteAt(data, i)));
   }
   if (data.size() < slotSize - 1) data += endMark;
   for (std::size_t offset = 0; offset < data.size(); offset += blockSize) {
@@ -32,8 +29,7 @@ void write(const Memory& memory, Address list, Bytes& data) {
   }
 }
 
-/// The records in front of the end mark, which counts at the start of a record only; nothing while there is
-/// none.
+/// Cuts the list at its end mark, which counts at the start of a record only; false while there is none.
 bool cutAtEndMark(Bytes& list) {
   for (std::size_t start = 0; start + 1 < list.size(); start += eventSize) {
     if (list[start] != endMark) continue;
@@ -45,10 +41,9 @@ bool cutAtEndMark(Bytes& list) {
 
 void read(const Memory& memory, Address first, Bytes& data) {
   Bytes list;
-  bool ended = false;
-  for (std::size_t offset = 0; offset < slotSize && !ended; offset += blockSize) {
+  for (std::size_t offset = 0; offset < slotSize; offset += blockSize) {
     list += memory.read(blockSize, blockAt(first, offset));
-    ended = cutAtEndMark(list);
+    if (cutAtEndMark(list)) break;
   }
   data = ConvertSim(list);
 }

@@ -17,6 +17,7 @@ constexpr Byte lowestAction = 101;
 constexpr Byte highestAction = 124;
 constexpr Byte lowestEntry = 3;
 constexpr Byte transferSize = 15;
+constexpr std::size_t headerSize = 3;
 constexpr std::size_t entrySize = 3;
 
 /// The place `offset` bytes into the block; run-time error 6 when it lies outside the pages or the page.
@@ -40,21 +41,22 @@ void writeAction(const Memory& memory, const SwitchTimeAccess& access) {
                header(access, (access.days & dayMask) + actionFlag) + access.data + Bytes(2, '\0'));
 }
 
-void writeList(const Memory& memory, const SwitchTimeAccess& access) {
-  const Bytes& data = access.data;
-  if (data.size() % entrySize != 0) throw Stop{wrongLength};
-  Bytes pending = header(access, access.days & dayMask);
-  std::size_t offset = 0;
-  for (std::size_t next = 0; next < data.size();) {
-    if (byteAt(data, next) < lowestEntry) throw Stop{badValue};
-    pending += slice(data, next, entrySize);
-    next += entrySize;
-    if (pending.size() < transferSize) continue;
-    memory.write(placeIn(access, offset), pending);
-    pending.clear();
-    offset = next + entrySize;  // the header takes as much as an entry
+/// A byte alone, behind the last entry, is the end mark.
+void checkEntries(std::string_view part) {
+  for (std::size_t i = 0; i + 1 < part.size(); i += entrySize) {
+    if (byteAt(part, i) < lowestEntry) throw Stop{badValue};
   }
-  memory.write(placeIn(access, offset), pending + '\0');
+}
+
+/// Each transfer is checked when its turn comes: those before a bad entry are made.
+void writeList(const Memory& memory, const SwitchTimeAccess& access) {
+  if (access.data.size() % entrySize != 0) throw Stop{wrongLength};
+  const Bytes list = header(access, access.days & dayMask) + access.data + '\0';
+  for (std::size_t offset = 0; offset < list.size(); offset += transferSize) {
+    const std::string_view part = slice(list, offset, transferSize);
+    checkEntries(slice(part, offset == 0 ? headerSize : 0));
+    memory.write(placeIn(access, offset), part);
+  }
 }
 
 void write(const Memory& memory, const SwitchTimeAccess& access) {
@@ -89,10 +91,10 @@ void read(const Memory& memory, const SwitchTimeAccess& access) {
   access.days = byteAt(first, 0) & dayMask;
   access.hour = decimalOfBcd(byteAt(first, 2));
   access.minute = decimalOfBcd(byteAt(first, 1));
-  bool ended = appendEntries(slice(first, 3), access.data);
+  Bytes part(slice(first, headerSize));
   // A list that does not end runs out of the page: a run-time error, with what was read until then.
-  for (std::size_t offset = transferSize; !ended; offset += transferSize) {
-    ended = appendEntries(memory.read(transferSize, placeIn(access, offset)), access.data);
+  for (std::size_t offset = transferSize; !appendEntries(part, access.data); offset += transferSize) {
+    part = memory.read(transferSize, placeIn(access, offset));
   }
 }
 

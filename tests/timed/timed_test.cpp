@@ -221,8 +221,10 @@ TEST_F(SwitchTimes, WrongData) {
     EXPECT_EQ(write(data), 105);
   EXPECT_EQ(serial.SwitchTime("W", 128, 0, 0, 0, ""), 100);
   EXPECT_EQ(sent(), "");
-  EXPECT_EQ(write(entries(6) + bytes({2, 0, 0})), 105);
-  EXPECT_EQ(std::exchange(requests, {}).size(), 1U) << "what was full before the fault stays written";
+  for (const auto& [before, written] : {std::pair(3, 0U), {4, 1U}, {8, 1U}}) {
+    EXPECT_EQ(write(entries(before) + bytes({2, 0, 0})), 105);
+    EXPECT_EQ(std::exchange(requests, {}).size(), written) << "what was full before the fault stays written";
+  }
   EXPECT_EQ(write(entries(40)), 100) << "the fifth piece would begin behind the page";
   EXPECT_EQ(requests.size(), 4U);
 }
