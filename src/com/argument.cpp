@@ -179,8 +179,7 @@ struct Cases {
 void moveInto(void* variable, VARIANT& from) {
   if (from.vt == VT_BSTR) SysFreeString(*static_cast<BSTR*>(variable));
   if (from.vt == VT_DECIMAL) {
-    // The reserved word is the caller's: where the variable is the value of a variant, it is the variant's
-    // type.
+    // The reserved word is the caller's: in a variable that is a variant's value, it is the variant's type.
     auto& decimal = *static_cast<DECIMAL*>(variable);
     from.decVal.wReserved = decimal.wReserved;
     decimal = from.decVal;

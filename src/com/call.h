@@ -38,7 +38,6 @@ class Call {
   /// Finds the argument for each parameter and brings it into the parameter's type.
   HRESULT take();
 
-  /// Runs the method.
   Value run(Serial& serial) { return method_.call(serial, values_.data()); }
 
   /// Writes what the method has changed back into the caller's variables, in the order of the parameters:
@@ -55,8 +54,7 @@ class Call {
   }
 
  private:
-  /// A parameter whose result goes back into a variable of the caller's, and what that held when the call
-  /// began.
+  /// A parameter whose result goes back into a variable of the caller's, and what that held before the call.
   struct Returned {
     std::size_t parameter;
     VARTYPE type;

@@ -138,8 +138,8 @@ HRESULT SerialObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD f
   if (passed == nullptr) return E_INVALIDARG;
   const Method* const method = findMethod(static_cast<int>(id));
   if (method == nullptr || !mayBeAsked(*method, flags)) return DISP_E_MEMBERNOTFOUND;
-  // What runs of the host's meanwhile, its message loop or an object's default property, may drop its last
-  // reference.
+  // What runs of the host's meanwhile, its message loop or an object's default property, may drop the last
+  // reference to this object.
   AddRef();
   struct Hold {
     SerialObject* object;

@@ -11,13 +11,14 @@ namespace velk {
 template <class T>
 class InOut {
  public:
-  InOut(T& variable) : target_(variable) {}  // NOLINT(google-explicit-constructor): arguments convert
+  // NOLINTBEGIN(google-explicit-constructor, bugprone-forwarding-reference-overload): arguments convert
+  InOut(T& variable) : target_(variable) {}
 
   template <class U>
   requires(std::convertible_to<U, T> && !std::same_as<U, T&> && !std::same_as<std::remove_cvref_t<U>, InOut>)
-      InOut(U&& value)  // NOLINT(google-explicit-constructor, bugprone-forwarding-reference-overload): see
-                        // above
+      InOut(U&& value)
       : own_(static_cast<T>(std::forward<U>(value))), target_(own_) {}
+  // NOLINTEND(google-explicit-constructor, bugprone-forwarding-reference-overload)
 
   InOut(const InOut&) = delete;
   InOut& operator=(const InOut&) = delete;

@@ -6,8 +6,7 @@
 namespace velk {
 
 /// Every method and property of `Serial`: the one list that the COM dispatch, the type library, the command
-/// line and the printed reference are made from. Dispatch ids are fixed for ever; a new method takes a new
-/// one.
+/// line and the printed reference are made from. Dispatch ids are fixed for ever: a new method has a new one.
 template <class B>
 consteval auto methodTable() {
   return std::array{

@@ -10,8 +10,7 @@ namespace {
 
 constexpr auto table = methodTable<Bound>();
 
-/// Rows by dispatch id, and by name in a hash table with open addressing. 0: no row, else its position
-/// plus 1.
+/// Rows by dispatch id, and by name in a hash table with open addressing: positions plus 1, and 0 for no row.
 constexpr std::size_t slotCount = 256;
 using Slots = std::array<Byte, slotCount>;
 static_assert(2 * table.size() < slotCount);

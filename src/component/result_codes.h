@@ -17,8 +17,7 @@ struct ResultCode {
   std::string_view meaning;
 };
 
-/// The codes with a meaning of their own, in ascending order. Any other byte is a status that the controller
-/// gave.
+/// The codes with a meaning of their own, in ascending order. Any other byte is a status of the controller's.
 std::span<const ResultCode> resultCodes();
 
 /// What a result byte says: "done", "no reply, or one of a wrong length", "status 7 of the controller".

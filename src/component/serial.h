@@ -57,8 +57,8 @@ class Serial : public link::Settings {
   /// Connects to the Ethernet interface at a host name or address, recognises its kind by the greeting, and
   /// logs in where it asks for that. Connecting and greeting may take 1.5 s together.
   /// @param PortNumber TCP port; for ports above 32767 the port minus 65536.
-  /// @param PassWord cut or padded with zero bytes to four; blank or left out: four zero bytes. Comes back as
-  ///   used.
+  /// @param PassWord cut or padded with zero bytes to four; blank or left out: four zero bytes. Comes back
+  ///   as it was used.
   /// @param RSAddress bus address of the controller, 2 to 99; any other value means 2.
   /// @return 0; 252 no connection or no such greeting; 58 the socket is in use (`CloseTCP` first); else the
   ///   interface's answer to the login. `TCP` is set also after a refused login.
@@ -85,15 +85,14 @@ class Serial : public link::Settings {
   ///   bit 6 write, bit 7 a byte count of 128 or more.
   /// @param Instructie 2 memory access; 0 a short request whose good reply is one byte 0. Fast mode only.
   /// @return status byte and data, or one byte: 254 echo fault or bad status, 253 wrong reply length to a
-  /// write (echo mode), 252 no reply or a wrong length, 251 only foreign replies. Raises 8018 when the port
-  /// is not
-  ///   open.
+  ///   write (echo mode), 252 no reply or a wrong length, 251 only foreign replies. Raises 8018 when the port
+  ///   is not open.
   Bytes TranCeiv(Byte AtlBytes, Byte DPHxram, Byte DPLxram, const Bytes& Data, Byte AtlPogingen = 0,
                  Byte Instructie = 2);
 
   /// Reads `AtlBytes` bytes (1 to 16, 0 means 16; 144 means 16 from the high bank) at page `DPHxram`, offset
-  /// `DPLxram`. `Richting` "V" selects the external memory, any other text the block area. Returns as
-  /// `TranCeiv`.
+  /// `DPLxram`. `Richting` "V" selects the external memory, any other text the block area. Returns what
+  /// `TranCeiv` does.
   Bytes ReadCom(Byte AtlBytes, Byte DPHxram, Byte DPLxram, const std::string& Richting, Byte AtlPogingen = 0);
 
   /// Writes `Data` there. Its length is not checked against `AtlBytes`. Returns the status, in fast mode over
@@ -141,8 +140,8 @@ class Serial : public link::Settings {
   /// @param ReadOrWrite "R" reads; "W", "RW" and "" write.
   /// @param Mode two-letter mode; on reading set to the one stored.
   /// @param Parameters the items, one character each.
-  /// @param Aantal number of items, 255 for all from `Offset` on; on reading set to the number meant. 0: the
-  ///   mode only.
+  /// @param Aantal number of items, 255 for all from `Offset` on, 0 for the mode only; on reading set to the
+  ///   number meant.
   /// @param Offset number of the first item.
   /// @return 0; 99 part of a mode's code with items; 101 bad `ReadOrWrite`; 102 `Aantal`, 103 `Offset` too
   ///   large; 104 wrong length, 105 wrong value in `Parameters`; 111 bad mode, on reading: the number stored
@@ -177,19 +176,21 @@ class Serial : public link::Settings {
 
   /// Reads or writes the link of a source to a destination: two bytes at page `SourceAdr`, offset 31 + 2
   /// times `SourceSubAdr`, and its flank bits in the byte at offset 254.
-  /// @param SourceAdr 0 to 124, but for 1, 2 and 100; `SourceSubAdr` 0 to 3.
+  /// @param SourceAdr 0 to 124, but for 1, 2 and 100.
+  /// @param SourceSubAdr 0 to 3.
   /// @param DestAdr output 1 to 127, group 129 to 255, or input; 0 removes an output link. On reading set.
   /// @param INofOut "O" output or group, "I" input; on reading set. An input link reads back as address 0.
-  /// @param Parameters1 on reading set to the high nibble, `Parameters2` to the low nibble of the second
-  ///   byte.
-  /// @param HighFlank act on rising, `LowFlank` on falling edges; output links only; on reading set.
+  /// @param Parameters1 on reading set to the high nibble of the second byte.
+  /// @param Parameters2 on reading set to its low nibble.
+  /// @param HighFlank act on rising edges; output links only; on reading set.
+  /// @param LowFlank act on falling edges, likewise.
   /// @return 0; 101 bad `ReadOrWrite`; 112 bad `SourceAdr`, or a link to itself; 115 bad `SourceSubAdr`; 116
   ///   bad `INofOut`; 100 a value that does not fit a byte; else the status of the failed transaction.
   Byte Ctl_Soft(const std::string& ReadOrWrite, Byte SourceAdr, Byte SourceSubAdr, InOut<Byte> DestAdr,
                 InOut<std::string> INofOut, InOut<Byte> Parameters1, InOut<Byte> Parameters2 = 0,
                 InOut<bool> HighFlank = true, InOut<bool> LowFlank = true);
 
-  /// Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then reads each
+  /// Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then reads them
   /// back.
   /// @param Taal "N" Dutch, "E" English, "F" French, "D" German, "B" or "P" Portuguese, "S" Spanish.
   /// @return 0; 105 no such language; 201 a text reads back differently; else the status of the failed
@@ -202,10 +203,11 @@ class Serial : public link::Settings {
   /// the four-byte records 3 to `MaxAdr` (block area at `DPHPreset`, `DPLPreset`), two delays and the
   /// simulation flag (page 102 + (`PresetNr` - 1) / 4).
   /// @param ReadOrWrite "R" reads, anything else writes.
-  /// @param Tekst exactly 16 characters. @param MaxAdr number of the last record, 3 to 99.
+  /// @param Tekst exactly 16 characters.
+  /// @param MaxAdr number of the last record, 3 to 99.
   /// @param Data the records, 4 bytes each; on writing one that contains a byte 1 is left as it is.
-  /// @param Delay1 5 to 200, so a write has to give it. @param Delay2 0 for none or 5 to 200; both at most
-  ///   255.
+  /// @param Delay1 5 to 200, so a write has to give it.
+  /// @param Delay2 0 for none or 5 to 200; both together at most 255.
   /// @param Simulation on reading 255 or 0; on writing anything but 0 sets the flag.
   /// @return 0; 104 wrong length; 105 bad delay; 112 bad `MaxAdr`; 113 bad `PresetNr`; else the status of the
   ///   failed transaction.
@@ -223,12 +225,10 @@ class Serial : public link::Settings {
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Data the records. On a write their first two bytes are turned into BCD and the end mark is
   ///   appended in the caller's own text.
-  /// @return 0; 105 bad weekday or hour; 100 a value that has no BCD; else the status of the failed
-  ///   transaction.
+  /// @return 0; 105 bad weekday or hour; 100 a value without BCD; else the status of the failed transaction.
   Byte Simulation(const std::string& ReadOrWrite, Byte Weekday, Byte Uur, InOut<Bytes> Data);
 
-  /// Reads or writes switch-time block `BlokNummer` (0 to 127), at page `BlokNummer` + 128 from offset 200
-  /// on.
+  /// Reads or writes switch-time block `BlokNummer` (0 to 127), page `BlokNummer` + 128, from offset 200 on.
   /// @param ReadOrWrite "R" reads, anything else writes.
   /// @param Dagen day selection, bit 0 Monday to bit 6 Sunday.
   /// @param Uur hour, taken modulo 24.
@@ -256,23 +256,22 @@ class Serial : public link::Settings {
   /// @param Data the record. A read that is refused before it gets to the record (an identification that
   ///   fails, 106) leaves the former value; one that fails later leaves what it has read so far.
   /// @param Offset number of the first piece; grows by 1 for a known model and by 1 for each piece.
-  /// @param ModType model name; on entry one that is known already is kept instead of the one that the module
-  ///   reports.
-  /// @param CPUtype CPU type. @param FWVersie firmware version, four digits; "1.0" with 090250 to 090270.
+  /// @param ModType model name; a known one on entry is kept, whatever the module reports.
+  /// @param CPUtype CPU type.
+  /// @param FWVersie firmware version, four digits; "1.0" with 090250 to 090270.
   /// @return 0; 99 an error before any other code, or no piece answered; 100 no or a strange reply; 103
   ///   `Offset` too large, 104 wrong length, 105, 111, 112 a value in `Data` out of range; 106 `SerieNr` is
   ///   not six characters; 107 the controller did not take the request; 127, 128, 255 the module's own code;
   ///   else the status of the failed transaction. A run-time error behind the first piece (an unplugged
-  ///   adapter) ends with the code of the piece before it, which is 0: `Offset` tells how far the record
-  ///   went.
+  ///   adapter) ends with the code of the piece before it, which is 0: `Offset` tells how far it went.
   Byte Module(const std::string& ReadOrWrite, const std::string& SerieNr, InOut<Bytes> Data,
               InOut<Byte> Offset = 0, InOut<std::string> ModType = "", InOut<Byte> CPUtype = 0,
               InOut<std::string> FWVersie = "");
 
   /// Reads model name, CPU type and firmware version of a module, for `Module` to hand on, and finds out
-  /// whether its model is known. @return 0, also for modules that have none; 100 no reply; 107 the controller
-  /// did not take the request; 127, 128, 255 the module's own code; else the status of the failed
-  /// transaction.
+  /// whether its model is known.
+  /// @return 0, also for modules that have none; 100 no reply; 107 the controller did not take the request;
+  ///   127, 128, 255 the module's own code; else the status of the failed transaction.
   Byte RXModuleVersie(const std::string& SerieNr);
 
   /// A record with its channel masks turned into the numbers 1 to 4, as `Module` does after reading.
@@ -288,9 +287,9 @@ class Serial : public link::Settings {
   /// One number turned into a mask, at `Positie` (from 1). Run-time errors as `ConvertTXData`.
   Value ConvertTXSub(const Bytes& Data, Byte Positie);
 
-  /// Reads or writes sample `SampleNr` (0 to 239; up to 253 is let through to end with 99, as no request can
-  /// name it, behind the blocks of a write) in bank `BankAofB` (0 or 1) of a module, through the long-record
-  /// buffer.
+  /// Reads or writes sample `SampleNr` (0 to 239) in bank `BankAofB` (0 or 1) of a module, through the
+  /// long-record buffer. Numbers up to 253 are let through; as no request can name them, they end with 99,
+  /// behind the blocks of a write.
   /// @param Data up to 128 bytes; empty after a failed read.
   /// @return 0; 99 an error before any other code; 102, 104 bad `SampleNr` or length; 106 `SerieNr` is not
   ///   six characters; else the status of a transaction, the trigger or the module's reply code.
