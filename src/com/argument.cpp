@@ -14,9 +14,6 @@
 namespace velk::com {
 namespace {
 
-/// How deep references to references may go.
-constexpr int mostReferences = 4;
-
 /// No number (NaN) is seen by its bits: a host may have floating-point exceptions on, and then comparing or
 /// even loading it ends the host.
 template <class Bits, class Number>
@@ -138,6 +135,15 @@ const Form& formOf(VARTYPE type) {
   return type < forms.size() ? forms[type] : unknown;
 }
 
+/// What stands behind references to variants; null where one of them leads nowhere.
+VARIANT* referredTo(VARIANT* variant) {
+  constexpr int mostReferences = 4;
+  for (int i = 0; i < mostReferences && variant != nullptr && variant->vt == (VT_BYREF | VT_VARIANT); ++i) {
+    variant = variant->pvarVal;
+  }
+  return variant;
+}
+
 /// Where a variant keeps its value.
 void* valueOf(VARIANT& variant) {
   // The decimal is the one type that fills the whole variant, its type tag included.
@@ -221,22 +227,13 @@ VARIANT variantOf(const Value& value) {
   return variant;
 }
 
-Argument::Argument(VARIANT& passed) {
-  VARIANT* variant = &passed;
-  for (int i = 0; i < mostReferences && variant->vt == (VT_BYREF | VT_VARIANT); ++i) {
-    if (variant->pvarVal == nullptr) return;  // no value: nothing can be loaded
-    variant = variable_ = variant->pvarVal;
-    reference_ = true;
-  }
-  if ((variant->vt & VT_BYREF) != 0) {
-    reference_ = true;
-    variable_ = nullptr;
-    type_ = static_cast<VARTYPE>(variant->vt & ~VT_BYREF);
-    data_ = variant->byref;
-  } else {
-    type_ = variant->vt;
-    data_ = valueOf(*variant);
-  }
+Argument::Argument(VARIANT& passed) : variant_(referredTo(&passed)) {
+  if (variant_ == nullptr) return;
+  const bool isReference = (variant_->vt & VT_BYREF) != 0;
+  type_ = static_cast<VARTYPE>(variant_->vt & ~VT_BYREF);
+  data_ = isReference ? variant_->byref : valueOf(*variant_);
+  if (data_ == nullptr) return;
+  passing_ = isReference ? Passing::variable : variant_ == &passed ? Passing::value : Passing::variant;
 }
 
 bool Argument::omitted() const {
@@ -245,14 +242,15 @@ bool Argument::omitted() const {
 
 void Argument::load(Value& into, Type wanted) const {
   const Form& form = formOf(type_);
-  if (form.load == nullptr || data_ == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
+  if (passing_ == Passing::nothing || form.load == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
   form.load(data_, wanted, into);
 }
 
 HRESULT Argument::assign(const Value& value, VARTYPE loaded) const noexcept {
-  if (!reference_) return S_OK;
   try {
-    return variable_ != nullptr ? assignVariant(value, loaded) : assignTyped(value);
+    if (passing_ == Passing::variable) return assignVariable(value);
+    if (passing_ == Passing::variant) return assignVariant(value, loaded);
+    return S_OK;
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
   }
@@ -262,13 +260,13 @@ HRESULT Argument::assignVariant(const Value& value, VARTYPE loaded) const {
   OwnedVariant result;
   // A type that cannot hold the value is no fault here, for the variant takes any.
   if (makeResult(value, loaded, result) == E_OUTOFMEMORY) return E_OUTOFMEMORY;
-  if (holdsLockedArray(*variable_)) return DISP_E_ARRAYISLOCKED;
+  if (holdsLockedArray(*variant_)) return DISP_E_ARRAYISLOCKED;
   // What was there is cleared last: that may run code of the host, which then finds the result.
-  std::swap(*variable_, static_cast<VARIANT&>(result));
+  std::swap(*variant_, static_cast<VARIANT&>(result));
   return S_OK;
 }
 
-HRESULT Argument::assignTyped(const Value& value) const {
+HRESULT Argument::assignVariable(const Value& value) const {
   const auto* const bytes = std::get_if<Bytes>(&value);
   if (type_ == byteArray && bytes != nullptr) return storeBytes(*bytes, *static_cast<SAFEARRAY**>(data_));
   OwnedVariant result;

@@ -8,8 +8,15 @@ namespace velk::com {
 /// A value as automation hosts take it. The caller clears it.
 VARIANT variantOf(const Value& value);
 
-/// One argument as a host passes it: a value, a reference to a variable of a fixed type, or a reference to a
-/// variant, which script hosts pass for their variables.
+/// How a host passes an argument.
+enum class Passing : Byte {
+  nothing,   ///< a reference that leads nowhere
+  value,     ///< as a value: nothing can be given back
+  variable,  ///< as a reference to a variable of a fixed type
+  variant,   ///< as a reference to a variant, as script hosts do with their variables
+};
+
+/// One argument as a host passes it.
 class Argument {
  public:
   explicit Argument(VARIANT& passed);
@@ -18,10 +25,12 @@ class Argument {
   [[nodiscard]] bool omitted() const;
 
   /// Whether results can be given back.
-  [[nodiscard]] bool isReference() const { return reference_; }
+  [[nodiscard]] bool isReference() const {
+    return passing_ == Passing::variable || passing_ == Passing::variant;
+  }
 
   /// The caller's variable; the same one may be passed for several parameters.
-  [[nodiscard]] const void* variable() const { return variable_ != nullptr ? variable_ : data_; }
+  [[nodiscard]] const void* variable() const { return passing_ == Passing::variant ? variant_ : data_; }
 
   /// The type of the value, without its references.
   [[nodiscard]] VARTYPE type() const { return type_; }
@@ -33,18 +42,18 @@ class Argument {
 
   /// Writes a result into the caller's variable and in its type. A variant takes the result in the type
   /// `loaded`, which it had when the call began, or in the result's own where that cannot hold it: what it
-  /// holds by now may be another result of the same call. Nothing happens to an argument passed by value.
+  /// holds by now may be another result of the same call. Does nothing for one passed by value.
   /// Returns S_OK, DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_ARRAYISLOCKED or E_OUTOFMEMORY.
   [[nodiscard]] HRESULT assign(const Value& value, VARTYPE loaded) const noexcept;
 
  private:
   [[nodiscard]] HRESULT assignVariant(const Value& value, VARTYPE loaded) const;
-  [[nodiscard]] HRESULT assignTyped(const Value& value) const;
+  [[nodiscard]] HRESULT assignVariable(const Value& value) const;
 
+  Passing passing_ = Passing::nothing;
   VARTYPE type_ = VT_EMPTY;
-  void* data_ = nullptr;
-  VARIANT* variable_ = nullptr;  ///< the variant referred to, if any
-  bool reference_ = false;
+  VARIANT* variant_ = nullptr;  ///< behind all references to variants
+  void* data_ = nullptr;        ///< the value
 };
 
 }  // namespace velk::com
