@@ -74,14 +74,6 @@ void loadBytes(const void* data, Type wanted, Value& into) {
   into = bytesOf(*static_cast<SAFEARRAY* const*>(data));
 }
 
-/// A variant that is cleared at the end.
-struct OwnedVariant : VARIANT {
-  OwnedVariant() : VARIANT{} {}
-  OwnedVariant(const OwnedVariant&) = delete;
-  OwnedVariant& operator=(const OwnedVariant&) = delete;
-  ~OwnedVariant() { VariantClear(this); }
-};
-
 /// The default property of an object, such as a field of a record set.
 void loadObject(const void* data, Type wanted, Value& into) {
   auto* const object = *static_cast<IDispatch* const*>(data);

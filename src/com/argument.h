@@ -1,9 +1,22 @@
 #pragma once
 
+#include <utility>
+
 #include "com/text.h"
 #include "values/value.h"
 
 namespace velk::com {
+
+/// A variant that is cleared at the end.
+struct OwnedVariant : VARIANT {
+  explicit OwnedVariant(VARIANT variant = {}) : VARIANT{variant} {}
+  OwnedVariant(const OwnedVariant&) = delete;
+  OwnedVariant& operator=(const OwnedVariant&) = delete;
+  ~OwnedVariant() { VariantClear(this); }
+
+  /// Leaves the value to the caller.
+  VARIANT release() { return std::exchange(static_cast<VARIANT&>(*this), VARIANT{}); }
+};
 
 /// A value as automation hosts take it. The caller clears it.
 VARIANT variantOf(const Value& value);

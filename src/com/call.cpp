@@ -82,6 +82,23 @@ void Call::remember() {
   }
 }
 
+HRESULT Call::run(Serial& serial, VARIANT* result) {
+  OwnedVariant returned(resultOf(serial));
+  const HRESULT outcome = giveBack();
+  if (SUCCEEDED(outcome) && result != nullptr) *result = returned.release();
+  return outcome;
+}
+
+VARIANT Call::resultOf(Serial& serial) {
+  try {
+    return variantOf(method_.call(serial, values_.data()));
+  } catch (...) {
+    // What the method changed before it failed belongs to the caller all the same.
+    (void)giveBack();
+    throw;
+  }
+}
+
 HRESULT Call::giveBack() noexcept {
   HRESULT outcome = S_OK;
   std::array<const void*, mostParameters> written{};

@@ -38,12 +38,9 @@ class Call {
   /// Finds the argument for each parameter and brings it into the parameter's type.
   HRESULT take();
 
-  Value run(Serial& serial) { return method_.call(serial, values_.data()); }
-
-  /// Writes what the method has changed back into the caller's variables, in the order of the parameters:
-  /// where one variable stands for several results and any of them has changed, the last one stays. A
-  /// variable that was empty is written in any case; any other that the method left alone keeps its type.
-  HRESULT giveBack() noexcept;
+  /// Runs the method and gives back what it changed, also where it fails with a run-time error. `result`, where
+  /// the host wants one, is written when all went well.
+  HRESULT run(Serial& serial, VARIANT* result);
 
   /// The value of a parameter.
   [[nodiscard]] const Value& value(std::size_t parameter) { return values_[parameter]; }
@@ -66,6 +63,12 @@ class Call {
   HRESULT load();
   HRESULT load(std::size_t parameter);
   void remember();
+  VARIANT resultOf(Serial& serial);
+
+  /// Writes what the method has changed back into the caller's variables, in the order of the parameters:
+  /// where one variable stands for several results and any of them has changed, the last one stays. A
+  /// variable that was empty is written in any case; any other that the method left alone keeps its type.
+  HRESULT giveBack() noexcept;
   HRESULT failed(HRESULT code, std::size_t parameter);
 
   const Method& method_;

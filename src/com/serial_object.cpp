@@ -156,22 +156,7 @@ HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIA
   if (method.kind == Kind::property && passed.cNamedArgs > 0) return DISP_E_NONAMEDARGS;
   Call call(method, passed);
   HRESULT outcome = call.take();
-  if (SUCCEEDED(outcome)) {
-    VARIANT returned;
-    try {
-      returned = variantOf(call.run(serial_));
-    } catch (...) {
-      // What the method changed before it failed belongs to the caller all the same.
-      (void)call.giveBack();
-      throw;
-    }
-    outcome = call.giveBack();
-    if (SUCCEEDED(outcome) && result != nullptr) {
-      *result = returned;
-    } else {
-      VariantClear(&returned);
-    }
-  }
+  if (SUCCEEDED(outcome)) outcome = call.run(serial_, result);
   call.reportFault(argumentAtFault);
   return outcome;
 }
