@@ -72,18 +72,19 @@ int argumentOf(const FaultKind& kind, std::optional<std::string_view> given, std
   return static_cast<int>(*value);
 }
 
-std::pair<unsigned, unsigned> requestsOf(std::string_view which, std::string_view text) {
-  if (which == "*") return {1, noEnd};
+using Requests = std::pair<unsigned, unsigned>;
+
+/// The first and the last request of "*", "3", "5-" or "2-4"; none for anything else.
+std::optional<Requests> requestsOf(std::string_view which) {
+  if (which == "*") return Requests(1, noEnd);
   const auto dash = which.find('-');
   const auto first = number(which.substr(0, dash));
-  const bool openEnd = dash != std::string_view::npos && dash + 1 == which.size();
-  const auto last = dash == std::string_view::npos ? first
-                    : openEnd                      ? std::optional(noEnd)
-                                                   : number(which.substr(dash + 1));
-  if (!first || !last || *last < *first) {
-    fail(text, "behind @ stands a request (3), a range (2-4, 5-) or *");
-  }
-  return {*first, *last};
+  if (!first) return std::nullopt;
+  if (dash == std::string_view::npos) return Requests(*first, *first);
+  if (dash + 1 == which.size()) return Requests(*first, noEnd);
+  const auto last = number(which.substr(dash + 1));
+  if (!last || *last < *first) return std::nullopt;
+  return Requests(*first, *last);
 }
 
 }  // namespace
@@ -100,7 +101,9 @@ Fault parseFault(std::string_view text) {
   const FaultKind& kind = kindNamed(what.substr(0, equals), text);
   std::optional<std::string_view> given;
   if (equals != std::string_view::npos) given = what.substr(equals + 1);
-  const auto [first, last] = requestsOf(text.substr(at + 1), text);
+  const auto requests = requestsOf(text.substr(at + 1));
+  if (!requests) fail(text, "behind @ stands a request (3), a range (2-4, 5-) or *");
+  const auto [first, last] = *requests;
   return {.kind = &kind, .argument = argumentOf(kind, given, text), .first = first, .last = last};
 }
 
