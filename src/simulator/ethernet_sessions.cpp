@@ -77,11 +77,11 @@ Deliveries EthernetQSession::connected() {
   return {{.bytes = Bytes(greeting)}};
 }
 
-std::size_t EthernetQSession::take(std::string_view buffer, Deliveries& out) {
+std::optional<std::size_t> EthernetQSession::take(std::string_view buffer, Deliveries& out) {
   if (const std::size_t garbage = bytesBeforeMark(buffer); garbage > 0) return garbage;
-  if (buffer.size() < headerQ) return 0;
+  if (buffer.size() < headerQ) return std::nullopt;
   const std::size_t length = headerQ + byteValue(buffer[lengthLow]);
-  if (buffer.size() < length) return 0;
+  if (buffer.size() < length) return std::nullopt;
   const std::string_view header = buffer.substr(0, headerQ);
   const std::string_view data = buffer.substr(headerQ, length - headerQ);
   switch (byteValue(buffer[functionAt])) {
@@ -112,30 +112,31 @@ Deliveries EthernetQSession::logIn(std::string_view header, std::string_view pas
 }
 
 Deliveries EthernetQSession::memoryRequest(std::string_view header, std::string_view frame) {
-  constexpr std::size_t request = 2;  // behind "/" and the bus address
   const Plan plan = nextPlan();
-  const bool wellFormed = frame.size() > request && frame.front() == '/' &&
-                          frame.size() == request + requestLength(byteValue(frame[request]));
-  Bytes payload(1, character(refused));
-  if (!loggedIn_ || !wellFormed) {
-    note(loggedIn_ ? "no memory request -> status 1" : "not logged in -> status 1");
-  } else if (byteValue(frame[1]) != options().busAddress) {
-    return {};
-  } else {
-    payload = answer(requestFrom(frame.substr(request)), plan).bytes();
-  }
-  return deliver(plan, replyQ(header, payload.size(), payload, plan), foreignQ(header));
+  const auto reply = [&](const Bytes& payload) {
+    return deliver(plan, replyQ(header, payload.size(), payload, plan), foreignQ(header));
+  };
+  const auto refuse = [&](const std::string& why) {
+    note(why + " -> status 1");
+    return reply(Bytes(1, character(refused)));
+  };
+  constexpr std::size_t request = 2;  // behind "/" and the bus address
+  if (!loggedIn_) return refuse("not logged in");
+  if (frame.size() <= request || frame.front() != '/') return refuse("no memory request");
+  if (frame.size() != request + requestLength(byteValue(frame[request]))) return refuse("no memory request");
+  if (byteValue(frame[1]) != options().busAddress) return {};
+  return reply(answer(requestFrom(frame.substr(request)), plan).bytes());
 }
 
 Deliveries EthernetSSession::connected() {
   return {{.bytes = "VELK-S: " + Bytes(greeting)}};
 }
 
-std::size_t EthernetSSession::take(std::string_view buffer, Deliveries& out) {
-  if (!mayBeHeaderS(buffer)) return 1;
-  if (buffer.size() < headerS) return 0;
+std::optional<std::size_t> EthernetSSession::take(std::string_view buffer, Deliveries& out) {
+  if (!mayBeHeaderS(buffer)) return firstByte;
+  if (buffer.size() < headerS) return std::nullopt;
   const std::size_t length = headerS + lengthS(buffer);
-  if (buffer.size() < length) return 0;
+  if (buffer.size() < length) return std::nullopt;
   const std::string_view header = buffer.substr(0, headerS);
   if (byteValue(buffer[classAt]) == memoryClass) {
     append(out, memoryRequest(header, buffer.substr(headerS, length - headerS)));
@@ -146,13 +147,12 @@ std::size_t EthernetSSession::take(std::string_view buffer, Deliveries& out) {
 }
 
 Deliveries EthernetSSession::memoryRequest(std::string_view header, std::string_view frame) {
-  const bool isMemory = frame.substr(0, 2) == "*\x02";
-  const FastFrame found = isMemory ? memoryFrameIn(frame) : FastFrame{};
   const Byte address = options().busAddress;
-  if (!found.valid || found.length != frame.size() || byteValue(frame[addressInFrame]) != address) return {};
+  if (frame.substr(0, 2) != "*\x02" || memoryFrameLength(frame) != frame.size()) return {};
+  const auto found = fastRequestIn(frame);
+  if (!found || found->busAddress != address) return {};
   const Plan plan = nextPlan();
-  const Reply reply =
-      answer(requestFrom(frame.substr(requestInFrame, frame.size() - requestInFrame - 1)), plan);
+  const Reply reply = answer(found->request, plan);
   return deliver(plan, replyS(header, fastReply(frame, reply, plan)), replyS(header, foreignFrame(address)));
 }
 

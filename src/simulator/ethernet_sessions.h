@@ -12,7 +12,7 @@ class EthernetQSession final : public BufferedSession {
   Deliveries connected() override;
 
  private:
-  std::size_t take(std::string_view buffer, Deliveries& out) override;
+  std::optional<std::size_t> take(std::string_view buffer, Deliveries& out) override;
   Deliveries logIn(std::string_view header, std::string_view password);
   Deliveries memoryRequest(std::string_view header, std::string_view frame);
 
@@ -27,7 +27,7 @@ class EthernetSSession final : public BufferedSession {
   Deliveries connected() override;
 
  private:
-  std::size_t take(std::string_view buffer, Deliveries& out) override;
+  std::optional<std::size_t> take(std::string_view buffer, Deliveries& out) override;
   Deliveries memoryRequest(std::string_view header, std::string_view frame);
 };
 

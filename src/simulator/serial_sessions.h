@@ -25,27 +25,28 @@ class FastSession final : public BufferedSession {
   using BufferedSession::BufferedSession;
 
  private:
-  std::size_t take(std::string_view buffer, Deliveries& out) override;
-  std::size_t takeMemoryRequest(std::string_view buffer, Deliveries& out);
+  std::optional<std::size_t> take(std::string_view buffer, Deliveries& out) override;
+  std::optional<std::size_t> takeMemoryRequest(std::string_view buffer, Deliveries& out);
+  std::optional<std::size_t> takeShortRequest(std::string_view buffer, Deliveries& out);
 };
 
-/// What a fast-mode frame turns out to be.
-struct FastFrame {
-  std::size_t length = 0;  ///< 0: not complete yet
-  bool valid = false;      ///< false: no frame; one byte is to be skipped
+/// The length of a memory request's frame in fast mode, of which `text` is the beginning; none as long as that
+/// does not tell it.
+std::optional<std::size_t> memoryFrameLength(std::string_view text);
+
+/// A memory request in fast mode, in a whole frame.
+struct FastRequest {
+  Byte busAddress;
+  link::Request request;
 };
 
-/// Looks at a text that starts with a "*" of a memory request.
-FastFrame memoryFrameIn(std::string_view text);
+/// Reads a whole frame, which has to outlive the request; none when it does not end as a frame does.
+std::optional<FastRequest> fastRequestIn(std::string_view frame);
 
 /// A memory request's reply in fast mode: the request's header, status, data and "#".
 Bytes fastReply(std::string_view frame, const Reply& reply, const Plan& plan);
 
 /// A fast-mode frame that is not for the host.
 Bytes foreignFrame(Byte busAddress);
-
-/// Where a fast-mode frame holds the bus address, and where its request starts.
-constexpr std::size_t addressInFrame = 2;
-constexpr std::size_t requestInFrame = 3;
 
 }  // namespace velk::simulator

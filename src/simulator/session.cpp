@@ -37,9 +37,9 @@ Deliveries BufferedSession::received(std::string_view bytes) {
   Deliveries out;
   buffer_ += bytes;
   while (!buffer_.empty()) {
-    const std::size_t taken = take(buffer_, out);
-    if (taken == 0) break;
-    buffer_.erase(0, taken);
+    const auto taken = take(buffer_, out);
+    if (!taken) break;
+    buffer_.erase(0, *taken);
   }
   return out;
 }

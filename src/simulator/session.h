@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "simulator/controller.h"
@@ -65,8 +66,11 @@ class BufferedSession : public Session {
 
  protected:
   /// Takes what stands at the start of the buffer, a request or something to skip. Returns how many bytes it
-  /// was; 0 when more have to come.
-  virtual std::size_t take(std::string_view buffer, Deliveries& out) = 0;
+  /// was; none when more have to come.
+  virtual std::optional<std::size_t> take(std::string_view buffer, Deliveries& out) = 0;
+
+  /// What to take of bytes that are no request: one may begin behind the first of them.
+  static constexpr std::size_t firstByte = 1;
 
   void forget() override { buffer_.clear(); }
 
