@@ -14,7 +14,7 @@ constexpr Byte firstHold = 247;
 constexpr int century = 2000;
 
 /// The bytes by their offsets.
-enum Field : Byte { second = 249, minute, hour, weekday, day, month, year };
+enum ClockByte : Byte { second = 249, minute, hour, weekday, day, month, year };
 
 Byte& at(Store& store, Byte offset) {
   return store[{.page = page, .offset = offset}];
@@ -25,12 +25,12 @@ bool isHeld(Store& store) {
 }
 
 /// A byte that is not BCD counts for what its digits weigh.
-unsigned get(Store& store, Field field) {
+unsigned get(Store& store, ClockByte field) {
   const Byte bcd = at(store, field);
   return bcd / 16U * 10 + bcd % 16U;
 }
 
-void put(Store& store, Field field, unsigned value) {
+void put(Store& store, ClockByte field, unsigned value) {
   at(store, field) = toBcd(static_cast<Byte>(value));
 }
 
@@ -39,14 +39,14 @@ void addDays(Store& store, days count) {
   constexpr unsigned weekdays = 7;
   put(store, weekday,
       (get(store, weekday) + weekdays - 1 + static_cast<unsigned>(count.count())) % weekdays + 1);
-  const year_month_day date{std::chrono::year(century + static_cast<int>(get(store, Field::year))),
-                            std::chrono::month(get(store, Field::month)),
-                            std::chrono::day(get(store, Field::day))};
+  const year_month_day date{std::chrono::year(century + static_cast<int>(get(store, ClockByte::year))),
+                            std::chrono::month(get(store, ClockByte::month)),
+                            std::chrono::day(get(store, ClockByte::day))};
   if (!date.ok()) return;
   const year_month_day next = sys_days(date) + count;
-  put(store, Field::day, static_cast<unsigned>(next.day()));
-  put(store, Field::month, static_cast<unsigned>(next.month()));
-  put(store, Field::year, static_cast<unsigned>(static_cast<int>(next.year()) % 100));
+  put(store, ClockByte::day, static_cast<unsigned>(next.day()));
+  put(store, ClockByte::month, static_cast<unsigned>(next.month()));
+  put(store, ClockByte::year, static_cast<unsigned>(static_cast<int>(next.year()) % 100));
 }
 
 void addSeconds(Store& store, seconds passed) {

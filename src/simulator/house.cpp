@@ -19,7 +19,7 @@ Address at(int page, int offset, Area area = Area::external) {
 
 constexpr std::size_t textLength = 16;
 
-struct Output {
+struct HouseOutput {
   Byte address;
   Byte mode;
   std::string_view name;
@@ -29,32 +29,32 @@ struct Output {
 
 // The modes are the controller's numbers: 1 BI, 2 PB, 3 and 4 DI or RO, 5 T1 and so on.
 constexpr std::array outputs{
-    Output{1, 11, "Remote control", {}, 0},
-    Output{2, 12, "Serial interface", {}, 0},
-    Output{3, 1, "Kitchen ceiling", {0x05, 3, 0x21, 10, 1, 10, 2, 11, 3, 0, 0}, 0x10},
-    Output{4, 2, "Door bell", {0x00, 4, 0x12}, 0x20},
-    Output{5, 5, "Hall ceiling", {0x03, 5, 0x31, 30, 2, 60, 4}, 0x30},
-    Output{6, 3, "Living room spots", {0x01, 6, 0x42, 8, 12, 20, 30}, 0x10},
-    Output{7, 4, "Bedroom shutter", {0x02, 7, 0x53, 25, 25, 5, 6, 1, 2, 3, 4}, 0x40},
-    Output{8, 6, "Stairs", {0x0F, 8, 0x11, 90, 1, 120, 2}, 0x10},
-    Output{9, 7, "Bathroom fan", {0x00, 9, 0x22, 5, 10, 15, 20}, 0x10},
-    Output{10, 8, "Garden pump", {0x04, 10, 0x33, 45, 0, 45, 0}, 0x10},
-    Output{11, 9, "Awning", {0x85, 11, 0x44, 40, 41, 42, 43, 44, 45, 46, 47}, 0x50},
-    Output{12, 10, "Porch sensor", {0x00, 1}, 0x00},
-    Output{13, 13, "Alarm siren", {0x00, 13, 0x12}, 0x60},
-    Output{14, 14, "Study lamp", {0x0A, 14, 0x24, 1, 2, 3, 4, 5, 6, 7, 8}, 0x70},
-    Output{15, 15, "Heating", {0x00, 0, 0x35, 19, 21, 17, 5, 30, 22, 18, 16}, 0x10},
-    Output{17, 17, "Away logic", {}, 0x10},
-    Output{18, 18, "Program switch", {0x00, 18}, 0x10},
-    Output{19, 19, "Burglar alarm", {}, 0x00},
-    Output{20, 20, "Audio", {0, 0, 0, 0, 3, 7, 40, 1}, 0x10},
-    Output{21, 21, "Attic", {0x01, 21, 0x15, 10, 11, 12, 13}, 0x80},
+    HouseOutput{1, 11, "Remote control", {}, 0},
+    HouseOutput{2, 12, "Serial interface", {}, 0},
+    HouseOutput{3, 1, "Kitchen ceiling", {0x05, 3, 0x21, 10, 1, 10, 2, 11, 3, 0, 0}, 0x10},
+    HouseOutput{4, 2, "Door bell", {0x00, 4, 0x12}, 0x20},
+    HouseOutput{5, 5, "Hall ceiling", {0x03, 5, 0x31, 30, 2, 60, 4}, 0x30},
+    HouseOutput{6, 3, "Living room spots", {0x01, 6, 0x42, 8, 12, 20, 30}, 0x10},
+    HouseOutput{7, 4, "Bedroom shutter", {0x02, 7, 0x53, 25, 25, 5, 6, 1, 2, 3, 4}, 0x40},
+    HouseOutput{8, 6, "Stairs", {0x0F, 8, 0x11, 90, 1, 120, 2}, 0x10},
+    HouseOutput{9, 7, "Bathroom fan", {0x00, 9, 0x22, 5, 10, 15, 20}, 0x10},
+    HouseOutput{10, 8, "Garden pump", {0x04, 10, 0x33, 45, 0, 45, 0}, 0x10},
+    HouseOutput{11, 9, "Awning", {0x85, 11, 0x44, 40, 41, 42, 43, 44, 45, 46, 47}, 0x50},
+    HouseOutput{12, 10, "Porch sensor", {0x00, 1}, 0x00},
+    HouseOutput{13, 13, "Alarm siren", {0x00, 13, 0x12}, 0x60},
+    HouseOutput{14, 14, "Study lamp", {0x0A, 14, 0x24, 1, 2, 3, 4, 5, 6, 7, 8}, 0x70},
+    HouseOutput{15, 15, "Heating", {0x00, 0, 0x35, 19, 21, 17, 5, 30, 22, 18, 16}, 0x10},
+    HouseOutput{17, 17, "Away logic", {}, 0x10},
+    HouseOutput{18, 18, "Program switch", {0x00, 18}, 0x10},
+    HouseOutput{19, 19, "Burglar alarm", {}, 0x00},
+    HouseOutput{20, 20, "Audio", {0, 0, 0, 0, 3, 7, 40, 1}, 0x10},
+    HouseOutput{21, 21, "Attic", {0x01, 21, 0x15, 10, 11, 12, 13}, 0x80},
 };
 
 /// What marks an output of mode 4 as a roller: its own address in a table that grows downwards.
 constexpr std::array<Byte, 1> rollers{7};
 
-struct SoftLink {
+struct HouseLink {
   Byte source;
   Byte subAddress;  ///< 0 to 3
   Byte destination;
@@ -64,13 +64,13 @@ struct SoftLink {
 };
 
 constexpr std::array links{
-    SoftLink{30, 0, 5, 0x3A, true, true},
-    SoftLink{30, 1, 3, 0x10, true, false},
-    SoftLink{31, 0, 7, 0x12, true, true},
-    SoftLink{31, 3, 11, 0x01, false, true},
+    HouseLink{30, 0, 5, 0x3A, true, true},
+    HouseLink{30, 1, 3, 0x10, true, false},
+    HouseLink{31, 0, 7, 0x12, true, true},
+    HouseLink{31, 3, 11, 0x01, false, true},
 };
 
-struct Preset {
+struct HousePreset {
   Byte number;
   std::string_view text;
   Byte delay1;
@@ -80,10 +80,10 @@ struct Preset {
 };
 
 constexpr std::array presets{
-    Preset{1, "All lights off", 20, 255, false, {{{3, 0, 0, 0}, {5, 0, 0, 0}, {6, 0, 0, 0}}}},
-    Preset{2, "Evening", 10, 40, true, {{{3, 255, 2, 0}, {5, 30, 2, 0}, {7, 0, 4, 2}}}},
-    Preset{30, "Film", 5, 255, false, {{{6, 80, 3, 0}, {7, 100, 4, 2}, {0, 0, 0, 0}}}},
-    Preset{61, "Holiday", 60, 120, true, {{{11, 9, 9, 9}, {13, 8, 8, 8}, {0, 0, 0, 0}}}},
+    HousePreset{1, "All lights off", 20, 255, false, {{{3, 0, 0, 0}, {5, 0, 0, 0}, {6, 0, 0, 0}}}},
+    HousePreset{2, "Evening", 10, 40, true, {{{3, 255, 2, 0}, {5, 30, 2, 0}, {7, 0, 4, 2}}}},
+    HousePreset{30, "Film", 5, 255, false, {{{6, 80, 3, 0}, {7, 100, 4, 2}, {0, 0, 0, 0}}}},
+    HousePreset{61, "Holiday", 60, 120, true, {{{11, 9, 9, 9}, {13, 8, 8, 8}, {0, 0, 0, 0}}}},
 };
 
 Address presetRecord(int number, int record) {
@@ -93,7 +93,7 @@ Address presetRecord(int number, int record) {
 }
 
 void putOutputs(Store& store) {
-  for (const Output& output : outputs) {
+  for (const HouseOutput& output : outputs) {
     store[at(output.address, 1)] = output.mode;
     for (std::size_t i = 0; i < output.parameters.size(); ++i) {
       store[at(output.address, 16).next(i)] = output.parameters.at(i);
@@ -105,7 +105,7 @@ void putOutputs(Store& store) {
 }
 
 void putLinks(Store& store) {
-  for (const SoftLink& link : links) {
+  for (const HouseLink& link : links) {
     store.write(at(link.source, 31 + 2 * link.subAddress), bytes({link.destination + 128, link.parameters}));
     const int flanks = (link.rising ? 16 : 0) | (link.falling ? 1 : 0);
     Byte& flankByte = store[at(link.source, 254)];
@@ -114,7 +114,7 @@ void putLinks(Store& store) {
 }
 
 void putPresets(Store& store) {
-  for (const Preset& preset : presets) {
+  for (const HousePreset& preset : presets) {
     const int group = (preset.number - 1) / 4 + 102;
     const int member = (preset.number - 1) % 4;
     store.write(at(preset.number + 34, 40), padded(preset.text, textLength));
