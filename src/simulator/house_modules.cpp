@@ -68,9 +68,9 @@ const std::vector<ModuleRow>& rows() {
 }  // namespace
 
 void attachModules(Controller& controller, const Faults& faults, const Trace& trace) {
-  std::vector<Module> modules;
+  std::vector<SimulatedModule> modules;
   for (const ModuleRow& row : rows()) modules.emplace_back(row);
-  controller.attach(std::make_unique<Mailbox>(std::move(modules), faults, trace));
+  controller.attach(std::make_unique<MailboxDevice>(std::move(modules), faults, trace));
 }
 
 }  // namespace velk::simulator

@@ -42,7 +42,7 @@ Direction directionOf(Byte value) {
 }
 
 /// Reads of pieces that some modules take for something else.
-Action readOf(const Module* module, Byte number, Byte direction, Byte count) {
+Action readOf(const SimulatedModule* module, Byte number, Byte direction, Byte count) {
   constexpr Byte identificationCount = 15;
   constexpr Byte versionRequest = 10;
   if (module == nullptr) return Action::readPiece;
@@ -97,7 +97,7 @@ bool isOver(unsigned& polls) {
 }
 
 /// Moves the bytes of a request between the module and the memory.
-void transfer(const ModuleRequest& request, Module& module, Store& store) {
+void transfer(const ModuleRequest& request, SimulatedModule& module, Store& store) {
   switch (request.action) {
     case Action::identify:
       return store.write(dataPlace, module.identification());
@@ -110,11 +110,12 @@ void transfer(const ModuleRequest& request, Module& module, Store& store) {
     case Action::readSample:
       return store.write(longBuffer, module.sample(request.bank, request.number));
     case Action::writeSample:
-      return module.writeSample(request.bank, request.number, store.read(longBuffer, Module::longSize));
+      return module.writeSample(request.bank, request.number,
+                                store.read(longBuffer, SimulatedModule::longSize));
     case Action::readLong:
       return store.write(longBuffer, module.longRecord(request.number));
     case Action::writeLong:
-      return module.writeLongRecord(request.number, store.read(longBuffer, Module::longSize));
+      return module.writeLongRecord(request.number, store.read(longBuffer, SimulatedModule::longSize));
     case Action::unknown:
       break;
   }
@@ -122,7 +123,7 @@ void transfer(const ModuleRequest& request, Module& module, Store& store) {
 
 }  // namespace
 
-ModuleRequest decode(std::string_view header, const Module* module) {
+ModuleRequest decode(std::string_view header, const SimulatedModule* module) {
   const Byte number = byteAt(header, 0);
   const Byte direction = byteAt(header, 1);
   const Direction row = directionOf(direction);
@@ -146,18 +147,18 @@ std::string describe(const ModuleRequest& request) {
   return "module " + zeroPadded(request.serial, digits) + ": " + describeAction(request);
 }
 
-Mailbox::Mailbox(std::vector<Module> modules, Faults faults, Trace trace)
+MailboxDevice::MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace)
     : modules_(std::move(modules)), faults_(std::move(faults)), trace_(std::move(trace)) {}
 
-bool Mailbox::covers(Address at) const {
+bool MailboxDevice::covers(Address at) const {
   return at == triggerPlace || at == headerPlace;
 }
 
-void Mailbox::afterWrite(Store& store, const Transfer& transfer) {
+void MailboxDevice::afterWrite(Store& store, const Transfer& transfer) {
   if (transfer.covers(triggerPlace) && store[triggerPlace] == triggered) start(store);
 }
 
-void Mailbox::beforeRead(Store& store, const Transfer& transfer) {
+void MailboxDevice::beforeRead(Store& store, const Transfer& transfer) {
   if (waiting_) {
     if (!plan_.stuck && isOver(plan_.busy)) answer(store);
   } else if (replyCode_ && transfer.covers(headerPlace) && isOver(plan_.pending)) {
@@ -165,7 +166,7 @@ void Mailbox::beforeRead(Store& store, const Transfer& transfer) {
   }
 }
 
-void Mailbox::start(Store& store) {
+void MailboxDevice::start(Store& store) {
   const Bytes header = store.read(numberPlace, headerSize);
   const bool isWellFormed = store[headerPlace] == marker || header == lastHeader_;
   lastHeader_ = header;
@@ -179,28 +180,29 @@ void Mailbox::start(Store& store) {
   if (!plan_.stuck && plan_.busy == 0) answer(store);
 }
 
-void Mailbox::answer(Store& store) {
+void MailboxDevice::answer(Store& store) {
   waiting_ = false;
   replyCode_ = plan_.code ? *plan_.code : carryOut(store);
   store[triggerPlace] = 0;
   if (plan_.pending == 0) giveCode(store);
 }
 
-void Mailbox::giveCode(Store& store) {
+void MailboxDevice::giveCode(Store& store) {
   store[headerPlace] = *replyCode_;
   replyCode_.reset();
 }
 
-Byte Mailbox::carryOut(Store& store) {
+Byte MailboxDevice::carryOut(Store& store) {
   if (module_ == nullptr) return notThere;
   if (request_.action == Action::unknown) return notUnderstood;
   transfer(request_, *module_, store);
   return understood;
 }
 
-Module* Mailbox::find(int serial) {
-  const auto found = std::find_if(modules_.begin(), modules_.end(),
-                                  [serial](const Module& module) { return module.serial() == serial; });
+SimulatedModule* MailboxDevice::find(int serial) {
+  const auto found = std::find_if(modules_.begin(), modules_.end(), [serial](const SimulatedModule& module) {
+    return module.serial() == serial;
+  });
   return found == modules_.end() ? nullptr : &*found;
 }
 

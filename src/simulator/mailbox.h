@@ -42,7 +42,7 @@ enum ReplyCode : Byte {
 /// Decodes number, direction and serial number, the five bytes behind the marker. Some values have two
 /// meanings: 15 bytes of piece 0 are the identification of a module that has one, a read of 10 bytes is the
 /// version request of a module that tells its version, and the numbers of samples start at 16.
-ModuleRequest decode(std::string_view header, const Module* module);
+ModuleRequest decode(std::string_view header, const SimulatedModule* module);
 
 /// "module 090255: read piece 1, 10 bytes".
 std::string describe(const ModuleRequest& request);
@@ -52,9 +52,9 @@ std::string describe(const ModuleRequest& request);
 /// header's first byte. Records and samples travel through the buffer in page 26 of the high block memory.
 ///
 /// A request needs the marker 222 in front, or must repeat the one before it.
-class Mailbox final : public Device {
+class MailboxDevice final : public Device {
  public:
-  Mailbox(std::vector<Module> modules, Faults faults, Trace trace);
+  MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace);
 
   [[nodiscard]] bool covers(Address at) const override;
   void beforeRead(Store& store, const Transfer& transfer) override;
@@ -67,14 +67,14 @@ class Mailbox final : public Device {
   void giveCode(Store& store);
 
   Byte carryOut(Store& store);
-  Module* find(int serial);
+  SimulatedModule* find(int serial);
 
-  std::vector<Module> modules_;
+  std::vector<SimulatedModule> modules_;
   Faults faults_;
   Trace trace_;
   unsigned requests_ = 0;
   Bytes lastHeader_;  ///< without the marker
-  Module* module_ = nullptr;
+  SimulatedModule* module_ = nullptr;
   ModuleRequest request_{};
   Plan plan_;
   bool waiting_ = false;           ///< the trigger is set

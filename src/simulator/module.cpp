@@ -7,7 +7,7 @@ constexpr std::size_t pieces = 256;
 
 /// A piece and what is behind it, up to the end of the last piece.
 std::size_t start(Byte piece) {
-  return piece * Module::pieceSize;
+  return piece * SimulatedModule::pieceSize;
 }
 
 template <class Key>
@@ -18,7 +18,7 @@ Bytes valueOr(const std::map<Key, Bytes>& map, const Key& key, std::size_t size)
 
 }  // namespace
 
-Module::Module(const ModuleRow& row)
+SimulatedModule::SimulatedModule(const ModuleRow& row)
     : serial_(row.serial), skills_(row.skills), memory_(pieces * pieceSize, '\0') {
   constexpr std::size_t nameSize = 12;
   identification_ = padded(row.name, nameSize);
@@ -29,36 +29,36 @@ Module::Module(const ModuleRow& row)
   write(row.firstPiece, record);
 }
 
-Bytes Module::version() const {
+Bytes SimulatedModule::version() const {
   constexpr std::size_t blank = 8;
   constexpr std::size_t firmware = 13;
   return Bytes(blank, '\0') + identification_.substr(firmware, 2);
 }
 
-Bytes Module::read(Byte piece, std::size_t count) const {
+Bytes SimulatedModule::read(Byte piece, std::size_t count) const {
   return padded(slice(memory_, start(piece), count), count, '\0');
 }
 
-void Module::write(Byte piece, std::string_view data) {
+void SimulatedModule::write(Byte piece, std::string_view data) {
   const std::string_view fitting = data.substr(0, memory_.size() - start(piece));
   memory_.replace(start(piece), fitting.size(), fitting);
 }
 
-Bytes Module::sample(Byte bank, Byte number) const {
+Bytes SimulatedModule::sample(Byte bank, Byte number) const {
   return valueOr(samples_, {bank, number}, longSize);
 }
 
-void Module::writeSample(Byte bank, Byte number, std::string_view data) {
+void SimulatedModule::writeSample(Byte bank, Byte number, std::string_view data) {
   std::size_t end = pieceSize;
   while (end < data.size() && data[end - 1] != '\0') end += pieceSize;
   samples_[{bank, number}] = data.substr(0, end);
 }
 
-Bytes Module::longRecord(Byte number) const {
+Bytes SimulatedModule::longRecord(Byte number) const {
   return can(keepsTexts) ? valueOr(texts_, number, textSize) : read(number, longSize);
 }
 
-void Module::writeLongRecord(Byte number, std::string_view data) {
+void SimulatedModule::writeLongRecord(Byte number, std::string_view data) {
   if (can(keepsTexts)) {
     texts_[number] = data.substr(0, textSize);
   } else {

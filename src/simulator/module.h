@@ -28,14 +28,14 @@ struct ModuleRow {
 };
 
 /// A simulated module: what it keeps and what it tells.
-class Module {
+class SimulatedModule {
  public:
   static constexpr std::size_t pieceSize = 16;
   static constexpr std::size_t longSize = 128;   ///< of a sample, and of a long record that is read
   static constexpr std::size_t longWrite = 112;  ///< of a long record that is written
   static constexpr std::size_t textSize = 64;
 
-  explicit Module(const ModuleRow& row);
+  explicit SimulatedModule(const ModuleRow& row);
 
   [[nodiscard]] int serial() const { return serial_; }
   [[nodiscard]] bool can(Skill skill) const { return (skills_ & skill) != 0; }

@@ -34,14 +34,14 @@ inline Bytes counted(std::size_t size) {
 }
 
 /// A module that tells this name, CPU type 16 and firmware 1.2.
-inline simulator::Module moduleOf(const std::string& serieNr, const std::string& name,
-                                  const Bytes& record = {}, Byte firstPiece = 0) {
-  simulator::Module module({.serial = std::stoi(serieNr),
-                            .skills = simulator::identifies,
-                            .name = name,
-                            .version = {16, 1, 2},
-                            .firstPiece = 0,
-                            .record = {}});
+inline simulator::SimulatedModule moduleOf(const std::string& serieNr, const std::string& name,
+                                           const Bytes& record = {}, Byte firstPiece = 0) {
+  simulator::SimulatedModule module({.serial = std::stoi(serieNr),
+                                     .skills = simulator::identifies,
+                                     .name = name,
+                                     .version = {16, 1, 2},
+                                     .firstPiece = 0,
+                                     .record = {}});
   module.write(firstPiece, record);
   return module;
 }
@@ -55,8 +55,9 @@ class ModuleHouse final : public WatchedHouse {
     reopen(faults);
   }
 
-  explicit ModuleHouse(const std::vector<simulator::Module>& modules) {
-    controller.attach(std::make_unique<simulator::Mailbox>(modules, simulator::Faults(), simulator::Trace()));
+  explicit ModuleHouse(const std::vector<simulator::SimulatedModule>& modules) {
+    controller.attach(
+        std::make_unique<simulator::MailboxDevice>(modules, simulator::Faults(), simulator::Trace()));
     reopen({});
   }
 

@@ -126,7 +126,7 @@ TEST(ModuleTest, Identities) {
       {"090270", "X1", "mine", silent},
       {"090271", "X1", "mine", {.offset = 1}},
   };
-  std::vector<simulator::Module> modules{moduleOf("000001", "")};
+  std::vector<simulator::SimulatedModule> modules{moduleOf("000001", "")};
   for (const auto& row : rows) {
     if (row.told != absent) modules.push_back(moduleOf(row.serieNr, row.told));
   }
