@@ -109,9 +109,9 @@ struct Signature<Result (Owner::*)(Arguments...)> {
 };
 
 template <class Member>
-struct Field;
+struct PropertyOf;
 template <class Owner, class T>
-struct Field<T Owner::*> {
+struct PropertyOf<T Owner::*> {
   using Plain = T;
 };
 
@@ -140,7 +140,7 @@ struct Bound {
 
   template <auto field>
   static void put(Serial& serial, const Value& value) {
-    serial.*field = *std::get_if<typename Field<decltype(field)>::Plain>(&value);
+    serial.*field = *std::get_if<typename PropertyOf<decltype(field)>::Plain>(&value);
   }
 };
 
@@ -181,7 +181,7 @@ consteval Method property(int id, std::string_view name, std::string_view help) 
   return {.name = name,
           .id = id,
           .kind = Kind::property,
-          .result = TypeOf<typename Field<decltype(field)>::Plain>::value,
+          .result = TypeOf<typename PropertyOf<decltype(field)>::Plain>::value,
           .help = help,
           .call = Binding::template get<field>,
           .put = Binding::template put<field>};

@@ -36,21 +36,21 @@ class Reader {
       return;
     }
     if (std::regex_match(line, match, section)) {
-      header_.sections.push_back({.title = match[1], .names = {}});
+      comments_.sections.push_back({.title = match[1], .names = {}});
     } else if (std::regex_match(line, owner)) {
-      header_.classText = pending_;
+      comments_.classText = pending_;
     } else if (std::regex_match(line, match, declaration) && !pending_.empty()) {
-      header_.sections.back().names.push_back(match[1]);
-      header_.members[match[1]] = parse(pending_);
+      comments_.sections.back().names.push_back(match[1]);
+      comments_.members[match[1]] = parse(pending_);
     }
     pending_.clear();
   }
 
-  Header header() && { return std::move(header_); }
+  ClassComments comments() && { return std::move(comments_); }
 
  private:
   std::string pending_;  ///< the comment above the next line
-  Header header_{.classText = {}, .sections = {Section{}}, .members = {}};
+  ClassComments comments_{.classText = {}, .sections = {Section{}}, .members = {}};
 };
 
 }  // namespace
@@ -81,12 +81,12 @@ Docstring parse(std::string_view comment) {
   }
 }
 
-Header read(const std::string& path) {
+ClassComments read(const std::string& path) {
   std::ifstream file(path);
   if (!file) throw std::runtime_error("cannot read " + path);
   Reader reader;
   for (std::string line; std::getline(file, line);) reader.take(line);
-  return std::move(reader).header();
+  return std::move(reader).comments();
 }
 
 }  // namespace velk::docstrings

@@ -26,7 +26,7 @@ struct Section {
   std::vector<std::string> names;  ///< of what is declared there, in the header's order
 };
 
-struct Header {
+struct ClassComments {
   std::string classText;  ///< in front of the class
   std::vector<Section> sections;
   std::map<std::string, Docstring> members;
@@ -36,6 +36,6 @@ struct Header {
 Docstring parse(std::string_view comment);
 
 /// Reads a header of one class. Throws std::runtime_error when the file cannot be read.
-Header read(const std::string& path);
+ClassComments read(const std::string& path);
 
 }  // namespace velk::docstrings

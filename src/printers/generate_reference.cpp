@@ -17,8 +17,8 @@ using velk::Kind;
 using velk::Method;
 using velk::Parameter;
 using velk::Type;
+using velk::docstrings::ClassComments;
 using velk::docstrings::Docstring;
-using velk::docstrings::Header;
 using velk::docstrings::Remark;
 using velk::docstrings::Section;
 
@@ -113,9 +113,9 @@ void print(const Method& method, const Docstring& docstring) {
 }
 
 /// Prints the sections of a header that have rows in the table, and returns how many rows that were.
-std::size_t print(const Header& header, std::string_view untitled) {
+std::size_t print(const ClassComments& comments, std::string_view untitled) {
   std::size_t printed = 0;
-  for (const Section& section : header.sections) {
+  for (const Section& section : comments.sections) {
     bool first = true;
     for (const std::string& name : section.names) {
       const auto* const row =
@@ -123,14 +123,14 @@ std::size_t print(const Header& header, std::string_view untitled) {
       if (row == table.end()) continue;
       if (first) std::cout << "\n## " << (section.title.empty() ? untitled : section.title) << "\n";
       first = false;
-      print(*row, header.members.at(name));
+      print(*row, comments.members.at(name));
       ++printed;
     }
   }
   return printed;
 }
 
-void printReference(const Header& settings, const Header& serial) {
+void printReference(const ClassComments& settings, const ClassComments& serial) {
   std::cout << "<!-- Printed from the method table and the comments in serial.h; see CONTRIBUTING.md. -->\n"
             << "# Reference of `" << velk::identity::progId << "`\n\n"
             << serial.classText << "\n\n"
