@@ -89,42 +89,40 @@ void loadObject(const void* data, Type wanted, Value& into) {
 }
 
 /// One type of the automation variables.
-struct Form {
+struct VariableType {
   void (*load)(const void*, Type, Value&) = nullptr;
   std::size_t size = 0;  ///< of a variable; 0 when no number or text can be written there
 };
 
-using Forms = std::array<Form, VT_UINT + 1>;
-
-constexpr Forms forms = [] {
-  Forms f{};
-  f[VT_EMPTY] = {loadNothing, 0};
-  f[VT_I1] = {load<signed char, std::int32_t>, 1};
-  f[VT_UI1] = {load<Byte, Byte>, 1};
-  f[VT_I2] = {load<std::int16_t, std::int16_t>, 2};
-  f[VT_UI2] = {load<std::uint16_t, std::int32_t>, 2};
-  f[VT_I4] = {load<std::int32_t, std::int32_t>, 4};
-  f[VT_UI4] = {load<std::uint32_t, double>, 4};
-  f[VT_INT] = {load<std::int32_t, std::int32_t>, 4};
-  f[VT_UINT] = {load<std::uint32_t, double>, 4};
-  f[VT_I8] = {load<std::int64_t, double>, 8};
-  f[VT_UI8] = {load<std::uint64_t, double>, 8};
-  f[VT_R4] = {loadSingle, 4};
-  f[VT_R8] = {loadDouble, 8};
-  f[VT_DATE] = {loadDouble, 8};
-  f[VT_CY] = {loadCurrency, 8};
-  f[VT_DECIMAL] = {loadDecimal, sizeof(DECIMAL)};
-  f[VT_BOOL] = {loadTruth, 2};
-  f[VT_BSTR] = {loadText, sizeof(BSTR)};
-  f[VT_DISPATCH] = {loadObject, 0};
-  return f;
+constexpr auto variableTypes = [] {
+  std::array<VariableType, VT_UINT + 1> rows{};
+  rows[VT_EMPTY] = {loadNothing, 0};
+  rows[VT_I1] = {load<signed char, std::int32_t>, 1};
+  rows[VT_UI1] = {load<Byte, Byte>, 1};
+  rows[VT_I2] = {load<std::int16_t, std::int16_t>, 2};
+  rows[VT_UI2] = {load<std::uint16_t, std::int32_t>, 2};
+  rows[VT_I4] = {load<std::int32_t, std::int32_t>, 4};
+  rows[VT_UI4] = {load<std::uint32_t, double>, 4};
+  rows[VT_INT] = {load<std::int32_t, std::int32_t>, 4};
+  rows[VT_UINT] = {load<std::uint32_t, double>, 4};
+  rows[VT_I8] = {load<std::int64_t, double>, 8};
+  rows[VT_UI8] = {load<std::uint64_t, double>, 8};
+  rows[VT_R4] = {loadSingle, 4};
+  rows[VT_R8] = {loadDouble, 8};
+  rows[VT_DATE] = {loadDouble, 8};
+  rows[VT_CY] = {loadCurrency, 8};
+  rows[VT_DECIMAL] = {loadDecimal, sizeof(DECIMAL)};
+  rows[VT_BOOL] = {loadTruth, 2};
+  rows[VT_BSTR] = {loadText, sizeof(BSTR)};
+  rows[VT_DISPATCH] = {loadObject, 0};
+  return rows;
 }();
 
-const Form& formOf(VARTYPE type) {
-  static constexpr Form unknown{};
-  static constexpr Form bytes{loadBytes, 0};
+const VariableType& variableTypeOf(VARTYPE type) {
+  static constexpr VariableType unknown{};
+  static constexpr VariableType bytes{loadBytes, 0};
   if (type == byteArray) return bytes;
-  return type < forms.size() ? forms[type] : unknown;
+  return type < variableTypes.size() ? variableTypes[type] : unknown;
 }
 
 /// What stands behind references to variants; null where one of them leads nowhere.
@@ -182,7 +180,7 @@ void moveInto(void* variable, VARIANT& from) {
     from.decVal.wReserved = decimal.wReserved;
     decimal = from.decVal;
   } else {
-    std::memcpy(variable, valueOf(from), formOf(from.vt).size);
+    std::memcpy(variable, valueOf(from), variableTypeOf(from.vt).size);
   }
   from.vt = VT_EMPTY;
 }
@@ -201,7 +199,7 @@ HRESULT makeResult(const Value& value, VARTYPE type, VARIANT& result) {
   }
   result = variantOf(value);
   if (result.vt == type) return S_OK;
-  if (formOf(type).size == 0) return DISP_E_TYPEMISMATCH;
+  if (variableTypeOf(type).size == 0) return DISP_E_TYPEMISMATCH;
   const HRESULT outcome = VariantChangeTypeEx(&result, &result, LOCALE_INVARIANT, VARIANT_ALPHABOOL, type);
   if (FAILED(outcome)) {
     // Nothing is said about what a conversion that fails leaves behind.
@@ -233,9 +231,9 @@ bool Argument::omitted() const {
 }
 
 void Argument::load(Value& into, Type wanted) const {
-  const Form& form = formOf(type_);
-  if (passing_ == Passing::nothing || form.load == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
-  form.load(data_, wanted, into);
+  const VariableType& row = variableTypeOf(type_);
+  if (passing_ == Passing::nothing || row.load == nullptr) throw RuntimeError(RuntimeError::typeMismatch);
+  row.load(data_, wanted, into);
 }
 
 HRESULT Argument::assign(const Value& value, VARTYPE loaded) const noexcept {

@@ -20,7 +20,7 @@ std::size_t requiredCount(const Method& method) {
 
 }  // namespace
 
-HRESULT Call::take() {
+HRESULT HostCall::take() {
   if (const HRESULT outcome = place(); FAILED(outcome)) return outcome;
   if (const HRESULT outcome = load(); FAILED(outcome)) return outcome;
   const auto fault = complete(method_, {values_.data(), method_.count}, {given_.data(), method_.count});
@@ -30,7 +30,7 @@ HRESULT Call::take() {
 }
 
 /// Hosts list the arguments backwards: named ones first, then the others from the last to the first.
-HRESULT Call::place() {
+HRESULT HostCall::place() {
   const std::size_t count = passed_.cArgs;
   const std::size_t named = passed_.cNamedArgs;
   if (count > method_.count || named > count) return DISP_E_BADPARAMCOUNT;
@@ -46,7 +46,7 @@ HRESULT Call::place() {
   return count < method_.count && count < requiredCount(method_) ? DISP_E_BADPARAMCOUNT : S_OK;
 }
 
-HRESULT Call::load() {
+HRESULT HostCall::load() {
   for (std::size_t i = 0; i < method_.count; ++i) {
     if (sources_[i] == nullptr) continue;
     if (const HRESULT outcome = load(i); FAILED(outcome)) return outcome;
@@ -54,7 +54,7 @@ HRESULT Call::load() {
   return S_OK;
 }
 
-HRESULT Call::load(std::size_t i) {
+HRESULT HostCall::load(std::size_t i) {
   const Argument argument(*sources_[i]);
   given_[i] = !argument.omitted();
   if (!given_[i]) return S_OK;
@@ -76,20 +76,20 @@ HRESULT Call::load(std::size_t i) {
 
 /// The caller's variables are never read a second time: one may stand for several parameters, and then holds
 /// another one's result.
-void Call::remember() {
+void HostCall::remember() {
   for (Returned& returned : returned_) {
     if (!returned.wasEmpty) returned.loaded = values_[returned.parameter];
   }
 }
 
-HRESULT Call::run(Serial& serial, VARIANT* result) {
+HRESULT HostCall::run(Serial& serial, VARIANT* result) {
   OwnedVariant returned(resultOf(serial));
   const HRESULT outcome = giveBack();
   if (SUCCEEDED(outcome) && result != nullptr) *result = returned.release();
   return outcome;
 }
 
-VARIANT Call::resultOf(Serial& serial) {
+VARIANT HostCall::resultOf(Serial& serial) {
   try {
     return variantOf(method_.call(serial, values_.data()));
   } catch (...) {
@@ -99,7 +99,7 @@ VARIANT Call::resultOf(Serial& serial) {
   }
 }
 
-HRESULT Call::giveBack() noexcept {
+HRESULT HostCall::giveBack() noexcept {
   HRESULT outcome = S_OK;
   std::array<const void*, mostParameters> written{};
   for (const Returned& returned : returned_) {
@@ -114,7 +114,7 @@ HRESULT Call::giveBack() noexcept {
   return outcome;
 }
 
-HRESULT Call::failed(HRESULT code, std::size_t parameter) {
+HRESULT HostCall::failed(HRESULT code, std::size_t parameter) {
   if (sources_[parameter] != nullptr) fault_ = static_cast<UINT>(sources_[parameter] - passed_.rgvarg);
   return code;
 }

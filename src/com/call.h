@@ -30,9 +30,9 @@ class Slots {
 /// One call of a method through the dispatch interface: the arguments on their way to the method, and its
 /// results on their way back. A step that fails returns an automation error code (DISP_E_...); run-time
 /// errors are raised.
-class Call {
+class HostCall {
  public:
-  Call(const Method& method, const DISPPARAMS& passed)
+  HostCall(const Method& method, const DISPPARAMS& passed)
       : method_(method), passed_(passed), values_(method.count) {}
 
   /// Finds the argument for each parameter and brings it into the parameter's type.

@@ -12,12 +12,8 @@
 #include "com/registration.h"
 #include "com/server.h"
 
-namespace {
-
-using velk::com::Audience;
 using velk::com::guarded;
-
-}  // namespace
+using velk::com::InstallScope;
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
   if (object == nullptr) return E_POINTER;
@@ -31,11 +27,11 @@ STDAPI DllCanUnloadNow() {
 }
 
 STDAPI DllRegisterServer() {
-  return guarded([] { return velk::com::registerServer(Audience::everybody); });
+  return guarded([] { return velk::com::registerServer(InstallScope::everybody); });
 }
 
 STDAPI DllUnregisterServer() {
-  return guarded([] { return velk::com::unregisterServer(Audience::everybody); });
+  return guarded([] { return velk::com::unregisterServer(InstallScope::everybody); });
 }
 
 /// The command line "user", in any case, installs for the current user, an empty one for everybody.
@@ -44,8 +40,8 @@ STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
   if (!command.empty() && CompareStringOrdinal(commandLine, -1, L"user", -1, TRUE) != CSTR_EQUAL) {
     return E_INVALIDARG;
   }
-  const Audience audience = command.empty() ? Audience::everybody : Audience::currentUser;
+  const InstallScope scope = command.empty() ? InstallScope::everybody : InstallScope::currentUser;
   return guarded([=] {
-    return install != FALSE ? velk::com::registerServer(audience) : velk::com::unregisterServer(audience);
+    return install != FALSE ? velk::com::registerServer(scope) : velk::com::unregisterServer(scope);
   });
 }

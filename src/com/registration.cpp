@@ -91,8 +91,8 @@ const std::array sharedKeys{
 /// The root of all classes, for everybody or for the current user.
 class Classes {
  public:
-  explicit Classes(Audience audience)
-      : hive_(audience == Audience::everybody ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER) {}
+  explicit Classes(InstallScope scope)
+      : hive_(scope == InstallScope::everybody ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER) {}
 
   [[nodiscard]] LSTATUS write(const Entry& entry) const {
     const auto size = static_cast<DWORD>((entry.value.size() + 1) * sizeof(wchar_t));
@@ -159,19 +159,19 @@ LSTATUS removeAll(const Classes& classes, const Keys& keys) {
 
 }  // namespace
 
-HRESULT registerServer(Audience audience) {
-  const Classes classes(audience);
+HRESULT registerServer(InstallScope scope) {
+  const Classes classes(scope);
   for (const Entry& entry : entries(modulePath())) {
     if (const LSTATUS status = classes.write(entry); status != ERROR_SUCCESS) {
-      unregisterServer(audience);
+      unregisterServer(scope);
       return HRESULT_FROM_WIN32(static_cast<unsigned long>(status));
     }
   }
   return S_OK;
 }
 
-HRESULT unregisterServer(Audience audience) {
-  const Classes classes(audience);
+HRESULT unregisterServer(InstallScope scope) {
+  const Classes classes(scope);
   LSTATUS status = removeAll(classes, ownKeys);
   if (status == ERROR_SUCCESS && !classes.has(otherPlatformKey)) status = removeAll(classes, sharedKeys);
   classes.removeEmpty(libraryKey);

@@ -154,7 +154,7 @@ HRESULT SerialObject::Invoke(DISPID id, REFIID reserved, LCID /*locale*/, WORD f
 HRESULT SerialObject::call(const Method& method, const DISPPARAMS& passed, VARIANT* result,
                            UINT* argumentAtFault) {
   if (method.kind == Kind::property && passed.cNamedArgs > 0) return DISP_E_NONAMEDARGS;
-  Call call(method, passed);
+  HostCall call(method, passed);
   HRESULT outcome = call.take();
   if (SUCCEEDED(outcome)) outcome = call.run(serial_, result);
   call.reportFault(argumentAtFault);
@@ -169,7 +169,7 @@ HRESULT SerialObject::put(const Method& method, const DISPPARAMS& passed, UINT* 
   }
   Method setter{.slots = {Parameter{.type = method.result}}, .count = 1};
   DISPPARAMS unnamed{.rgvarg = passed.rgvarg, .cArgs = 1};
-  Call call(setter, unnamed);
+  HostCall call(setter, unnamed);
   const HRESULT outcome = call.take();
   if (SUCCEEDED(outcome)) method.put(serial_, call.value(0));
   call.reportFault(argumentAtFault);

@@ -269,7 +269,7 @@ class RandomCall {
   void run(Serial& serial) {
     const auto names = static_cast<UINT>(ids_.size() + (isOneIn(200) ? count_ + 1 : 0));
     const DISPPARAMS parameters{variants_.data(), ids_.data(), static_cast<UINT>(count_), names};
-    Call call(method_, parameters);
+    HostCall call(method_, parameters);
     Said expected = expectToTake(names > count_);
     Said said{S_OK, nowhere};
     auto& [code, fault] = said;
