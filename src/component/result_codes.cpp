@@ -43,22 +43,22 @@ static_assert(std::is_sorted(codes.begin(), codes.end(),
 
 struct Exception {
   std::string_view method;
-  Outcome outcome;
+  ResultKind kind;
 };
 
 /// The methods whose result is no result byte, by name.
 constexpr std::array exceptions{
-    Exception{"ConvertErr", Outcome::value},    Exception{"ConvertRXData", Outcome::value},
-    Exception{"ConvertRXSub", Outcome::value},  Exception{"ConvertSim", Outcome::value},
-    Exception{"ConvertTXData", Outcome::value}, Exception{"ConvertTXSub", Outcome::value},
-    Exception{"DECtoBCD", Outcome::value},      Exception{"DPHPreset", Outcome::value},
-    Exception{"DPLPreset", Outcome::value},     Exception{"IfSetBit", Outcome::value},
-    Exception{"LdZr", Outcome::value},          Exception{"LowNibbleBit", Outcome::value},
-    Exception{"Minimum", Outcome::value},       Exception{"ModeToNr", Outcome::value},
-    Exception{"ModeToStr", Outcome::value},     Exception{"ModuleType", Outcome::value},
-    Exception{"ReadCom", Outcome::reply},       Exception{"TranCeiv", Outcome::reply},
-    Exception{"TranceivTcp", Outcome::reply},   Exception{"WhatBit", Outcome::value},
-    Exception{"WriteCom", Outcome::reply},
+    Exception{"ConvertErr", ResultKind::value},    Exception{"ConvertRXData", ResultKind::value},
+    Exception{"ConvertRXSub", ResultKind::value},  Exception{"ConvertSim", ResultKind::value},
+    Exception{"ConvertTXData", ResultKind::value}, Exception{"ConvertTXSub", ResultKind::value},
+    Exception{"DECtoBCD", ResultKind::value},      Exception{"DPHPreset", ResultKind::value},
+    Exception{"DPLPreset", ResultKind::value},     Exception{"IfSetBit", ResultKind::value},
+    Exception{"LdZr", ResultKind::value},          Exception{"LowNibbleBit", ResultKind::value},
+    Exception{"Minimum", ResultKind::value},       Exception{"ModeToNr", ResultKind::value},
+    Exception{"ModeToStr", ResultKind::value},     Exception{"ModuleType", ResultKind::value},
+    Exception{"ReadCom", ResultKind::reply},       Exception{"TranCeiv", ResultKind::reply},
+    Exception{"TranceivTcp", ResultKind::reply},   Exception{"WhatBit", ResultKind::value},
+    Exception{"WriteCom", ResultKind::reply},
 };
 static_assert(std::is_sorted(exceptions.begin(), exceptions.end(),
                              [](const Exception& a, const Exception& b) { return a.method < b.method; }));
@@ -76,11 +76,11 @@ std::string meaningOf(Byte code) {
   return "status " + std::to_string(code) + " of the controller";
 }
 
-Outcome outcomeOf(const Method& method) {
-  if (method.kind == Kind::property) return Outcome::value;
+ResultKind resultKindOf(const Method& method) {
+  if (method.kind == Kind::property) return ResultKind::value;
   const auto* const found = std::find_if(exceptions.begin(), exceptions.end(),
                                          [&](const Exception& row) { return row.method == method.name; });
-  return found == exceptions.end() ? Outcome::code : found->outcome;
+  return found == exceptions.end() ? ResultKind::code : found->kind;
 }
 
 }  // namespace velk

@@ -24,12 +24,12 @@ std::span<const ResultCode> resultCodes();
 std::string meaningOf(Byte code);
 
 /// What the result of a method is.
-enum class Outcome : Byte {
+enum class ResultKind : Byte {
   code,   ///< a result byte
   reply,  ///< a byte string that starts with a status; a link error is its only byte
   value,  ///< what was asked for: a conversion, an address, a property
 };
 
-Outcome outcomeOf(const Method& method);
+ResultKind resultKindOf(const Method& method);
 
 }  // namespace velk

@@ -84,11 +84,11 @@ TEST(ResultCodes, AreTheDocumentedOnes) {
             "254 255 ");
   EXPECT_EQ(meaningOf(0) + ", " + meaningOf(252) + ", " + meaningOf(7),
             "done, no reply, or one of a wrong length, status 7 of the controller");
-  std::map<Outcome, std::string> names;
-  for (const Method& method : methods()) names[outcomeOf(method)] += std::string(method.name) + " ";
-  EXPECT_EQ(names[Outcome::reply], "TranceivTcp TranCeiv ReadCom WriteCom ");
+  std::map<ResultKind, std::string> names;
+  for (const Method& method : methods()) names[resultKindOf(method)] += std::string(method.name) + " ";
+  EXPECT_EQ(names[ResultKind::reply], "TranceivTcp TranCeiv ReadCom WriteCom ");
   EXPECT_EQ(
-      names[Outcome::code],
+      names[ResultKind::code],
       "OpenCom CloseCom OpenTCP CloseTCP Ctl_Param Ctl_IRText Ctl_Init Ctl_Soft Ctl_Lang Preset Simulation "
       "SwitchTime Module RXModuleVersie Sample GSMtext ");
 }

@@ -81,15 +81,15 @@ class Arguments {
 
 /// The byte that says how a call ended; none where the result says no such thing.
 std::optional<Byte> codeOf(const Call& call, const Value& result) {
-  switch (outcomeOf(*call.method)) {
-    case Outcome::code:
+  switch (resultKindOf(*call.method)) {
+    case ResultKind::code:
       return std::get<Byte>(convert(result, Type::byte));
-    case Outcome::reply: {
+    case ResultKind::reply: {
       // An empty reply is none.
       const std::string reply = toText(result);
       return reply.empty() ? Byte{otherFailure} : byteAt(reply, 0);
     }
-    case Outcome::value:
+    case ResultKind::value:
       break;
   }
   return std::nullopt;
