@@ -11,35 +11,35 @@ namespace {
 constexpr auto table = methodTable<Bound>();
 
 /// Rows by dispatch id, and by name in a hash table with open addressing: positions plus 1, and 0 for no row.
-constexpr std::size_t slotCount = 256;
-using Slots = std::array<Byte, slotCount>;
-static_assert(2 * table.size() < slotCount);
+constexpr std::size_t bucketCount = 256;
+using Buckets = std::array<Byte, bucketCount>;
+static_assert(2 * table.size() < bucketCount);
 
 constexpr char lowered(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-constexpr std::size_t slotOf(std::string_view name) {
+constexpr std::size_t bucketOf(std::string_view name) {
   std::uint32_t hash = 2166136261U;
   for (const char c : name) hash = (hash ^ byteValue(lowered(c))) * 16777619U;
-  return (hash ^ (hash >> 16)) % slotCount;
+  return (hash ^ (hash >> 16)) % bucketCount;
 }
 
-constexpr Slots byId = [] {
-  Slots slots{};
+constexpr Buckets byId = [] {
+  Buckets buckets{};
   for (std::size_t i = 0; i < table.size(); ++i)
-    slots[static_cast<std::size_t>(table[i].id)] = static_cast<Byte>(i + 1);
-  return slots;
+    buckets[static_cast<std::size_t>(table[i].id)] = static_cast<Byte>(i + 1);
+  return buckets;
 }();
 
-constexpr Slots byName = [] {
-  Slots slots{};
+constexpr Buckets byName = [] {
+  Buckets buckets{};
   for (std::size_t i = 0; i < table.size(); ++i) {
-    std::size_t slot = slotOf(table[i].name);
-    while (slots[slot] != 0) slot = (slot + 1) % slotCount;
-    slots[slot] = static_cast<Byte>(i + 1);
+    std::size_t bucket = bucketOf(table[i].name);
+    while (buckets[bucket] != 0) bucket = (bucket + 1) % bucketCount;
+    buckets[bucket] = static_cast<Byte>(i + 1);
   }
-  return slots;
+  return buckets;
 }();
 
 static_assert(std::is_sorted(table.begin(), table.end(),
@@ -62,17 +62,17 @@ std::span<const Method> methods() {
 }
 
 const Method* findMethod(std::string_view name) {
-  for (std::size_t slot = slotOf(name); byName[slot] != 0; slot = (slot + 1) % slotCount) {
-    const Method& row = table[byName[slot] - std::size_t{1}];
+  for (std::size_t bucket = bucketOf(name); byName[bucket] != 0; bucket = (bucket + 1) % bucketCount) {
+    const Method& row = table[byName[bucket] - std::size_t{1}];
     if (sameName(row.name, name)) return &row;
   }
   return nullptr;
 }
 
 const Method* findMethod(int id) {
-  const auto slot = static_cast<std::size_t>(id);  // beyond the slots for an id below 0
-  if (slot >= byId.size()) return nullptr;
-  const Byte row = byId[slot];
+  const auto bucket = static_cast<std::size_t>(id);  // beyond the buckets for an id below 0
+  if (bucket >= byId.size()) return nullptr;
+  const Byte row = byId[bucket];
   return row == 0 ? nullptr : &table[row - std::size_t{1}];
 }
 
