@@ -81,8 +81,8 @@ void WindowsSerialPort::close() {
 std::string_view WindowsSerialPort::read() {
   requireOpen();
   received_.clear();
-  while (received_.size() < mostRead && reading_.state() != Transfer::State::running) {
-    if (reading_.state() != Transfer::State::done || reading_.bytes().empty()) {
+  while (received_.size() < mostRead && reading_.state() != OverlappedIo::State::running) {
+    if (reading_.state() != OverlappedIo::State::done || reading_.bytes().empty()) {
       throw RuntimeError(RuntimeError::deviceFailed);
     }
     received_ += reading_.bytes();
@@ -109,7 +109,8 @@ void WindowsSerialPort::writePiece(std::string_view piece) {
     writing_.cancel();
     throw RuntimeError(RuntimeError::deviceBusy);
   }
-  const bool written = writing_.state() == Transfer::State::done && writing_.bytes().size() == piece.size();
+  const bool written =
+      writing_.state() == OverlappedIo::State::done && writing_.bytes().size() == piece.size();
   if (!written) throw RuntimeError(RuntimeError::deviceFailed);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/serial_port.h"
-#include "platform/windows/transfer.h"
+#include "platform/windows/overlapped_io.h"
 
 namespace velk::platform {
 
@@ -31,8 +31,8 @@ class WindowsSerialPort final : public SerialPort {
 
   Handle port_;
   Bytes received_;
-  Transfer reading_;  ///< always running while the port is open; ends with the first byte that comes
-  Transfer writing_;
+  OverlappedIo reading_;  ///< always running while the port is open; ends with the first byte that comes
+  OverlappedIo writing_;
   DWORD byteTime_ = 0;  ///< ms that one byte takes on the line, rounded up
 };
 

@@ -70,7 +70,7 @@ std::string_view WindowsSocket::receive() {
   // First what a reading has got that was left running by a wait without an answer.
   advance();
   if (arrived_) takeReading();
-  if (state_ == State::connected && reading_.state() == Transfer::State::idle) takeWaiting();
+  if (state_ == State::connected && reading_.state() == OverlappedIo::State::idle) takeWaiting();
   return received_;
 }
 
@@ -106,8 +106,8 @@ void WindowsSocket::send(std::string_view bytes) {
 
 bool WindowsSocket::startReceiving() {
   if (state_ != State::connected) return false;
-  if (reading_.state() == Transfer::State::idle) reading_.receive(socket_.get(), bufferSize);
-  return reading_.state() != Transfer::State::running;
+  if (reading_.state() == OverlappedIo::State::idle) reading_.receive(socket_.get(), bufferSize);
+  return reading_.state() != OverlappedIo::State::running;
 }
 
 HANDLE WindowsSocket::event() const {
@@ -141,7 +141,7 @@ void WindowsSocket::advance() {
       connectNext();
     }
   } else if (state_ == State::connected && reading_.hasEnded()) {
-    arrived_ = reading_.state() == Transfer::State::done && !reading_.bytes().empty();
+    arrived_ = reading_.state() == OverlappedIo::State::done && !reading_.bytes().empty();
     if (!arrived_) die();
   }
 }

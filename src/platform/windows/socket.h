@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "platform/socket.h"
+#include "platform/windows/overlapped_io.h"
 #include "platform/windows/resolver.h"
-#include "platform/windows/transfer.h"
 
 namespace velk::platform {
 
@@ -73,7 +73,7 @@ class WindowsSocket final : public Socket {
   Handle connectEvent_;
   bool arrived_ = false;  ///< the reading has bytes that have not been given out
   Bytes received_;
-  Transfer reading_;  ///< runs from a wait until something comes
+  OverlappedIo reading_;  ///< runs from a wait until something comes
 };
 
 }  // namespace velk::platform

@@ -9,14 +9,14 @@
 namespace velk::platform {
 
 /// One read or write that the system carries out while the program goes on, and that it can wait for.
-class Transfer {
+class OverlappedIo {
  public:
   enum class State : std::uint8_t { idle, running, done, failed };
 
-  Transfer() : block_(std::make_unique<Block>()) {}
-  ~Transfer() { cancel(); }
-  Transfer(const Transfer&) = delete;
-  Transfer& operator=(const Transfer&) = delete;
+  OverlappedIo() : block_(std::make_unique<Block>()) {}
+  ~OverlappedIo() { cancel(); }
+  OverlappedIo(const OverlappedIo&) = delete;
+  OverlappedIo& operator=(const OverlappedIo&) = delete;
 
   /// Starts reading `size` bytes from a device.
   void read(HANDLE device, std::size_t size);
@@ -27,26 +27,26 @@ class Transfer {
   /// Starts receiving up to `size` bytes from a socket.
   void receive(SOCKET socket, std::size_t size);
 
-  /// Ends a running transfer. It has to be called before the device is closed.
+  /// Ends a running operation. It has to be called before the device is closed.
   void cancel();
 
-  /// How far the transfer has come.
+  /// How far the operation has come.
   State state();
 
-  /// Whether a transfer was started and has ended.
+  /// Whether an operation was started and has ended.
   bool hasEnded() { return state() == State::done || state() == State::failed; }
 
-  /// Waits for the end of the transfer; false when it is still running after `longest` milliseconds.
+  /// Waits for the end of the operation; false when it is still running after `longest` milliseconds.
   bool wait(DWORD longest);
 
-  /// What has been transferred, once the transfer is done.
+  /// What has been read or written, once the operation is done.
   [[nodiscard]] std::string_view bytes() const { return {block_->buffer.data(), count_}; }
 
-  /// Signalled when the transfer has ended, in whatever way.
+  /// Signalled when the operation has ended, in whatever way.
   [[nodiscard]] HANDLE event() const { return block_->event.get(); }
 
  private:
-  /// What the system holds on to until the transfer has ended.
+  /// What the system holds on to until the operation has ended.
   struct Block {
     OVERLAPPED overlapped{};
     Handle event = makeEvent();
