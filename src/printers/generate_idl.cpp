@@ -6,6 +6,7 @@
 
 #include "component/identity.h"
 #include "component/method_table.h"
+#include "printers/type_names.h"
 
 namespace {
 
@@ -27,21 +28,7 @@ typedef struct tagVARIANT { long vt; } VARIANT;
 )";
 
 std::string typeName(Type type) {
-  switch (type) {
-    case Type::boolean:
-      return "VARIANT_BOOL";
-    case Type::byte:
-      return "unsigned char";
-    case Type::integer:
-      return "short";
-    case Type::text:
-      return "BSTR";
-    case Type::variant:
-      return "VARIANT";
-    case Type::none:
-      break;
-  }
-  return "void";
+  return std::string(velk::namesOf(type).definition);
 }
 
 std::string quoted(std::string_view text) {

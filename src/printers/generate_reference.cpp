@@ -3,13 +3,13 @@
 // Usage: generate_reference SETTINGS_HEADER SERIAL_HEADER
 
 #include <algorithm>
-#include <array>
 #include <iostream>
 #include <stdexcept>
 
 #include "component/identity.h"
 #include "component/method_table.h"
 #include "printers/docstrings.h"
+#include "printers/type_names.h"
 
 namespace {
 
@@ -24,35 +24,17 @@ using velk::docstrings::Section;
 
 constexpr auto table = velk::methodTable<velk::Described>();
 
-struct TypeName {
-  Type type;
-  std::string_view name;
-};
-
-/// The types by their names in the languages of most hosts.
-constexpr std::array typeNames{
-    TypeName{Type::none, "nothing"}, TypeName{Type::boolean, "Boolean"},
-    TypeName{Type::byte, "Byte"},    TypeName{Type::integer, "Integer"},
-    TypeName{Type::text, "String"},  TypeName{Type::variant, "Variant"},
-};
-
 constexpr std::string_view introduction =
-    "Types: Byte 0 to 255, Integer -32768 to 32767, String one byte a character, Boolean, Variant. An "
-    "argument\n"
-    "marked *in/out* receives a value when the host passes a variable. An argument with a default may be "
-    "left\n"
-    "out. A text stands for the number that it is (\"59\", \"2.5\", \"&H1F\"); the fraction follows a point "
-    "on every\n"
-    "system, so that a decimal comma (\"2,5\") is error 13. An array of bytes is taken wherever a String is, "
-    "and a\n"
-    "variable that held one gets one back. A variable that is passed for several arguments keeps the last "
-    "result.\n"
-    "What each result byte means, and what to do about it: [results.md](results.md).\n";
+    R"(Types: Byte 0 to 255, Integer -32768 to 32767, String one byte a character, Boolean, Variant. An argument
+marked *in/out* receives a value when the host passes a variable. An argument with a default may be left
+out. A text stands for the number that it is ("59", "2.5", "&H1F"); the fraction follows a point on every
+system, so that a decimal comma ("2,5") is error 13. An array of bytes is taken wherever a String is, and a
+variable that held one gets one back. A variable that is passed for several arguments keeps the last result.
+What each result byte means, and what to do about it: [results.md](results.md).
+)";
 
 std::string nameOf(Type type) {
-  const auto* const found =
-      std::find_if(typeNames.begin(), typeNames.end(), [=](const TypeName& row) { return row.type == type; });
-  return std::string(found->name);
+  return std::string(velk::namesOf(type).host);
 }
 
 std::string fallbackOf(const Parameter& parameter) {
