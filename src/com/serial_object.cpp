@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 #include "com/call.h"
 #include "com/guarded.h"
@@ -121,11 +120,11 @@ HRESULT SerialObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count
   std::fill_n(ids, count, DISPID_UNKNOWN);
   if (std::find(names, names + count, nullptr) != names + count) return DISP_E_TYPEMISMATCH;
   const Method* const method = findMethod(Name(names[0]).view());
-  if (method != nullptr) ids[0] = method->id;
-  bool allKnown = method != nullptr;
+  if (method == nullptr) return DISP_E_UNKNOWNNAME;
+  ids[0] = method->id;
+  bool allKnown = true;
   for (UINT i = 1; i < count; ++i) {
-    std::optional<std::size_t> parameter;
-    if (method != nullptr) parameter = findParameter(*method, Name(names[i]).view());
+    const auto parameter = findParameter(*method, Name(names[i]).view());
     if (parameter) ids[i] = static_cast<DISPID>(*parameter);
     allKnown = allKnown && parameter;
   }
