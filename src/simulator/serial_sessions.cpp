@@ -68,14 +68,10 @@ Bytes foreignFrame(Byte busAddress) {
 std::optional<std::size_t> FastSession::take(std::string_view buffer, Deliveries& out) {
   if (buffer.front() != '*') return std::min(buffer.find('*'), buffer.size());
   if (buffer.size() < 2) return std::nullopt;
-  switch (byteValue(buffer[1])) {
-    case link::memoryAccess:
-      return takeMemoryRequest(buffer, out);
-    case link::shortRequest:
-      return takeShortRequest(buffer, out);
-    default:
-      return firstByte;
-  }
+  const Byte instruction = byteValue(buffer[1]);
+  if (instruction == link::memoryAccess) return takeMemoryRequest(buffer, out);
+  if (instruction == link::shortRequest) return takeShortRequest(buffer, out);
+  return firstByte;
 }
 
 std::optional<std::size_t> FastSession::takeMemoryRequest(std::string_view buffer, Deliveries& out) {
