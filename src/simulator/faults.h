@@ -71,14 +71,9 @@ class Faults {
   void add(std::string_view text) { faults_.push_back(parseFault(text)); }
 
   /// What happens at a request: all faults that name it, together.
-  [[nodiscard]] Plan planFor(unsigned request) const { return planFor(request, Counts::requests); }
-  [[nodiscard]] Plan planForModule(unsigned request) const {
-    return planFor(request, Counts::moduleRequests);
-  }
+  [[nodiscard]] Plan planFor(unsigned request, Counts counts = Counts::requests) const;
 
  private:
-  [[nodiscard]] Plan planFor(unsigned request, Counts counts) const;
-
   std::vector<Fault> faults_;
 };
 

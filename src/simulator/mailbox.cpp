@@ -174,7 +174,7 @@ void MailboxDevice::start(Store& store) {
   request_ = decode(header, module_);
   if (!isWellFormed) request_.action = Action::unknown;
   if (trace_) trace_(describe(request_));
-  plan_ = faults_.planForModule(++requests_);
+  plan_ = faults_.planFor(++requests_, Counts::moduleRequests);
   replyCode_.reset();
   waiting_ = true;
   if (!plan_.stuck && plan_.busy == 0) answer(store);

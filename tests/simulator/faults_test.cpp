@@ -126,7 +126,7 @@ TEST(FaultsTest, EachKindTakesItsNumbers) {
     const Faults faults{most};
     const bool ofModules = parseFault(most).kind->counts == Counts::moduleRequests;
     EXPECT_EQ(isApplied(faults.planFor(1)), !ofModules) << most;
-    EXPECT_EQ(isApplied(faults.planForModule(1)), ofModules) << most;
+    EXPECT_EQ(isApplied(faults.planFor(1, Counts::moduleRequests)), ofModules) << most;
     EXPECT_THROW(parseFault(tooMuch), std::invalid_argument) << tooMuch;
   }
 }
