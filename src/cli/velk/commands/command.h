@@ -8,7 +8,7 @@
 #include "cli/shared/command_line.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/json.h"
-#include "cli/velk/commands/table.h"
+#include "cli/shared/table.h"
 #include "cli/velk/connection/link_choice.h"
 #include "cli/velk/things/words.h"
 

@@ -4,7 +4,7 @@
 
 #include "cli/shared/exit_status.h"
 #include "cli/shared/json.h"
-#include "cli/velk/commands/table.h"
+#include "cli/shared/table.h"
 #include "cli/velk/doctor/component_state.h"
 
 namespace velk::cli {

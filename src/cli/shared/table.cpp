@@ -1,4 +1,4 @@
-#include "cli/velk/commands/table.h"
+#include "cli/shared/table.h"
 
 #include <algorithm>
 #include <ostream>
