@@ -14,7 +14,7 @@ std::size_t widthOf(const std::string& text) {
       std::count_if(text.begin(), text.end(), [](char c) { return (c & '\xC0') != '\x80'; }));
 }
 
-std::string lineOf(const Table::Row& row, const std::vector<std::size_t>& widths) {
+std::string lineOf(const Table::Cells& row, const std::vector<std::size_t>& widths) {
   std::string line;
   std::string gap;
   for (std::size_t i = 0; i < row.size(); ++i) {
@@ -26,13 +26,13 @@ std::string lineOf(const Table::Row& row, const std::vector<std::size_t>& widths
 
 }  // namespace
 
-void Table::print(std::ostream& out, const std::string& whenEmpty) const {
+void Table::print(std::ostream& out, std::string_view whenEmpty) const {
   if (rows_.size() == 1) {
-    out << whenEmpty << '\n';
+    if (!whenEmpty.empty()) out << whenEmpty << '\n';
     return;
   }
   std::vector<std::size_t> widths;
-  for (const Row& row : rows_) {
+  for (const Cells& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], widthOf(row[i]));
   }

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velk::cli {
@@ -9,17 +10,17 @@ namespace velk::cli {
 /// A table for people: columns as wide as their longest cell, two blanks between them.
 class Table {
  public:
-  using Row = std::vector<std::string>;
+  using Cells = std::vector<std::string>;
 
-  explicit Table(Row headings) : rows_{std::move(headings)} {}
+  explicit Table(Cells headings) : rows_{std::move(headings)} {}
 
-  void add(Row row) { rows_.push_back(std::move(row)); }
+  void add(Cells row) { rows_.push_back(std::move(row)); }
 
-  /// Prints headings and rows; the sentence instead when there are no rows.
-  void print(std::ostream& out, const std::string& whenEmpty) const;
+  /// Prints headings and rows; when there are no rows, the sentence instead, if there is one.
+  void print(std::ostream& out, std::string_view whenEmpty = {}) const;
 
  private:
-  std::vector<Row> rows_;
+  std::vector<Cells> rows_;
 };
 
 }  // namespace velk::cli

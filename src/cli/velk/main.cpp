@@ -36,9 +36,10 @@ constexpr const char* notes =
     "  velk call --help\n";
 
 void addCommands(const CommandLine& line, Run& run) {
-  for (const auto add : {addStatus, addOutputs, addOutput, addClock, addLinks, addPresets, addSwitchTimes,
-                         addSimulation, addModules, addInfraredText, addLanguage, addBackup, addDiff,
-                         addRestore, addWeek, addDoctor, addCompletion, addCall, addMethods}) {
+  for (const auto add :
+       {addStatus,      addOutputs,    addOutput,  addClock,        addLinks,    addPresets, addPreset,
+        addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,  addDiff,
+        addRestore,     addWeek,       addDoctor,  addCompletion,   addCall,     addMethods}) {
     add(line, run);
   }
 }

@@ -12,8 +12,9 @@
 #include "cli/velk/connection/link_choice.h"
 #include "cli/velk/things/words.h"
 
-/// The commands of `velk`, one file each. Each adds itself to the command line and, when it is named there,
-/// leaves in `run` what it has to do. Data go to standard output, everything else to standard error.
+/// The commands of `velk`, one file each but for the lists. Each adds itself to the command line and, when it
+/// is named there, leaves in `run` what it has to do. Data go to standard output, everything else to standard
+/// error.
 namespace velk::cli {
 
 /// Carries a command out; returns the exit status.
@@ -50,6 +51,7 @@ void addOutput(const CommandLine& velk, Run& run);
 void addClock(const CommandLine& velk, Run& run);
 void addLinks(const CommandLine& velk, Run& run);
 void addPresets(const CommandLine& velk, Run& run);
+void addPreset(const CommandLine& velk, Run& run);
 void addSwitchTimes(const CommandLine& velk, Run& run);
 void addSimulation(const CommandLine& velk, Run& run);
 void addModules(const CommandLine& velk, Run& run);

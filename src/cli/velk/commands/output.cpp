@@ -103,7 +103,7 @@ void print(const Output& output) {
     const auto& item = layout->items[i];
     table.add({std::to_string(i), placeOf(item), valueOf(item, output.items[i])});
   }
-  table.print(std::cout, "");
+  table.print(std::cout);
 }
 
 int carryOutOutput(const OutputOptions& options) {

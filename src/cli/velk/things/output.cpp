@@ -116,8 +116,12 @@ std::optional<char> parseItem(const Item& item, std::string_view text) {
   return value && encoded(item, *value, 0) ? value : std::nullopt;
 }
 
+Json jsonOfHead(const Output& output) {
+  return {{"output", output.number}, {"name", output.name}, {"mode", output.mode}};
+}
+
 Json jsonOf(const Output& output) {
-  Json json{{"output", output.number}, {"name", output.name}, {"mode", output.mode}};
+  Json json = jsonOfHead(output);
   json["items"] = Json::array();
   const auto* const layout = parameters::layoutOf(output.mode);
   for (std::size_t i = 0; layout != nullptr && i < output.items.size(); ++i) {

@@ -45,6 +45,10 @@ std::string valueOf(const parameters::Item& item, char value);
 std::optional<char> parseItem(const parameters::Item& item, std::string_view text);
 
 Json jsonOf(const Output& output);
+
+/// The same without items.
+Json jsonOfHead(const Output& output);
+
 Fields fieldsOf(const Output& output);
 
 }  // namespace velk::cli

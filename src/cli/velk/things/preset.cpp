@@ -37,12 +37,16 @@ bool isUsed(const Preset& preset) {
   return !preset.text.empty() || preset.delay1 != 0 || preset.simulated || !preset.records.empty();
 }
 
+Json jsonOfHead(const Preset& preset) {
+  return {{"preset", preset.number},
+          {"text", preset.text},
+          {"delay1", preset.delay1},
+          {"delay2", preset.delay2},
+          {"simulation", preset.simulated}};
+}
+
 Json jsonOf(const Preset& preset) {
-  Json json{{"preset", preset.number},
-            {"text", preset.text},
-            {"delay1", preset.delay1},
-            {"delay2", preset.delay2},
-            {"simulation", preset.simulated}};
+  Json json = jsonOfHead(preset);
   json["records"] = Json::array();
   for (const Preset::Record& record : preset.records) {
     Json bytes = Json::array();

@@ -34,6 +34,10 @@ Preset readPreset(Serial& serial, Byte number, Records records = Records::all);
 bool isUsed(const Preset& preset);
 
 Json jsonOf(const Preset& preset);
+
+/// The same without records.
+Json jsonOfHead(const Preset& preset);
+
 Fields fieldsOf(const Preset& preset);
 
 }  // namespace velk::cli

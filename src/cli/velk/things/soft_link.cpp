@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/things/output.h"
 #include "controller/ctl_soft.h"
 
 namespace velk::cli {
@@ -31,8 +32,13 @@ bool isLeftover(Serial& serial, Byte source, Byte sub, const Bytes& records) {
 
 }  // namespace
 
-bool isLinkSource(int address) {
-  return address >= 0 && address <= lastLinkSource && address != 1 && address != 2 && address != 100;
+std::vector<Byte> linkSources() {
+  constexpr Byte last = 124;
+  std::vector<Byte> sources;
+  for (Byte source = 0; source <= last; ++source) {
+    if (source != 1 && source != 2 && source != 100) sources.push_back(source);
+  }
+  return sources;
 }
 
 std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
@@ -60,6 +66,15 @@ std::string destinationOf(const SoftLink& link) {
   return (link.toOutput ? "output " : "input ") + std::to_string(link.destination);
 }
 
+std::string destinationName(Serial& serial, const SoftLink& link) {
+  const bool isOutput = link.toOutput && link.destination >= 1 && link.destination <= lastOutput;
+  return isOutput ? outputName(serial, link.destination) : "";
+}
+
+std::string parametersOf(const SoftLink& link) {
+  return std::to_string(link.parameters1) + ", " + std::to_string(link.parameters2);
+}
+
 std::string edgesOf(const SoftLink& link) {
   if (link.rising && link.falling) return "rising, falling";
   return link.rising ? "rising" : link.falling ? "falling" : "";
@@ -82,7 +97,7 @@ Fields fieldsOf(const std::vector<SoftLink>& links, Byte sub) {
       std::find_if(links.begin(), links.end(), [&](const SoftLink& link) { return link.sub == sub; });
   if (found == links.end()) return {{"destination", "none"}};
   return {{"destination", destinationOf(*found)},
-          {"parameters", std::to_string(found->parameters1) + ", " + std::to_string(found->parameters2)},
+          {"parameters", parametersOf(*found)},
           {"edges", edgesOf(*found)}};
 }
 

@@ -8,7 +8,6 @@
 
 namespace velk::cli {
 
-constexpr int lastLinkSource = 124;
 constexpr int linksOfSource = 4;
 
 /// A link of a source to an output or an input.
@@ -23,8 +22,8 @@ struct SoftLink {
   bool falling = false;
 };
 
-/// Whether an address can be the source of links.
-bool isLinkSource(int address);
+/// All addresses that can be the source of links.
+std::vector<Byte> linkSources();
 
 /// The links of a source that are there. A record of link 0.0 that only the mailbox for modules can have
 /// written is none.
@@ -35,6 +34,12 @@ std::string titleOf(const SoftLink& link);
 
 /// "output 5".
 std::string destinationOf(const SoftLink& link);
+
+/// The name of an output that it leads to; empty without one.
+std::string destinationName(Serial& serial, const SoftLink& link);
+
+/// "0, 15".
+std::string parametersOf(const SoftLink& link);
 
 /// "rising, falling".
 std::string edgesOf(const SoftLink& link);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "cli/velk/things/output.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
 
@@ -30,16 +29,10 @@ void addEvents(Serial& serial, std::vector<Mark>& marks) {
   }
 }
 
-std::string destinationName(Serial& serial, const SoftLink& link) {
-  const bool hasName = link.toOutput && link.destination >= 1 && link.destination <= lastOutput;
-  return named(destinationOf(link), hasName ? outputName(serial, link.destination) : "");
-}
-
 void addLinks(Serial& serial, std::vector<NamedLink>& links) {
-  for (int source = 0; source <= lastLinkSource; ++source) {
-    if (!isLinkSource(source)) continue;
-    for (const SoftLink& link : readLinks(serial, static_cast<Byte>(source))) {
-      links.push_back({link, destinationName(serial, link)});
+  for (const Byte source : linkSources()) {
+    for (const SoftLink& link : readLinks(serial, source)) {
+      links.push_back({link, named(destinationOf(link), destinationName(serial, link))});
     }
   }
 }

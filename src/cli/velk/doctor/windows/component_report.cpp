@@ -31,7 +31,7 @@ void print(const ComponentState& state) {
   for (const Registration& row : state.registrations) {
     table.add({programsOf(row.bits), nameOf(row.audience), verdictOn(row), row.library.string()});
   }
-  table.print(std::cout, "");
+  table.print(std::cout);
   std::cout << "\nVelkCom.Serial in this " << programBits
             << "-bit program: " << (state.result == 0 ? "created, and it answers" : failureOf(state)) << '\n';
   const auto remedies = remediesFor(state);
@@ -39,7 +39,7 @@ void print(const ComponentState& state) {
   std::cout << "\nTo register it, for everybody as an administrator:\n";
   Table lines({"Programs", "For", "Type"});
   for (const Remedy& row : remedies) lines.add({programsOf(row.bits), nameOf(row.audience), row.command});
-  lines.print(std::cout, "");
+  lines.print(std::cout);
 }
 
 Json jsonOf(const ComponentState& state) {

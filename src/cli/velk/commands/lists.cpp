@@ -1,0 +1,179 @@
+#include "cli/velk/commands/command.h"
+#include "cli/velk/things/event.h"
+#include "cli/velk/things/module.h"
+#include "cli/velk/things/output.h"
+#include "cli/velk/things/preset.h"
+#include "cli/velk/things/soft_link.h"
+#include "cli/velk/things/switch_time.h"
+
+/// The commands that print a list.
+namespace velk::cli {
+namespace {
+
+/// What was read: each thing for programs and for people.
+struct List {
+  Json json = Json::array();
+  Table table;
+  std::vector<std::string> failures = {};
+
+  void add(Json element, Table::Cells row) {
+    json.push_back(std::move(element));
+    table.add(std::move(row));
+  }
+};
+
+template <class Options>
+struct ListCommand {
+  const char* name;
+  const char* help;
+  const char* examples;
+  Table::Cells headings;
+  const char* whenEmpty;
+  void (*read)(Serial&, const Options&, List&);
+};
+
+template <class Options>
+void addList(const CommandLine& velk, Run& run, const ListCommand<Options>& command) {
+  const auto carryOut = [command](const Options& options) {
+    const auto connection = open(options.link.required());
+    List list{.table = Table(command.headings)};
+    command.read(connection->serial(), options, list);
+    if (options.json) {
+      std::cout << list.json << '\n';
+    } else {
+      list.table.print(std::cout, command.whenEmpty);
+    }
+    for (const std::string& failure : list.failures) std::cerr << "velk: " << failure << '\n';
+    return list.failures.empty() ? success : badResult;
+  };
+  addCommand<Options>(velk, run, command.name, command.help, command.examples, carryOut);
+}
+
+void listOutputs(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  for (Byte number = 1; number <= lastOutput; ++number) {
+    const Output output = readOutputHead(serial, number);
+    if (output.mode.empty() && output.name.empty()) continue;
+    list.add(jsonOfHead(output),
+             {std::to_string(number), output.name, output.mode, std::string(meaningOfMode(output.mode))});
+  }
+}
+
+void listLinks(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  for (const Byte source : linkSources()) {
+    for (const SoftLink& link : readLinks(serial, source)) {
+      list.add(jsonOf(link), {titleOf(link), destinationOf(link), destinationName(serial, link),
+                              parametersOf(link), edgesOf(link)});
+    }
+  }
+}
+
+void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  for (Byte number = 1; number <= lastPresetNumber; ++number) {
+    const Preset preset = readPreset(serial, number, Records::withoutMost);
+    if (!isUsed(preset)) continue;
+    const std::string delay2 = preset.delay2 == 0 ? "" : std::to_string(preset.delay2);
+    list.add(jsonOfHead(preset), {std::to_string(number), preset.text, std::to_string(preset.delay1), delay2,
+                                  preset.simulated ? "yes" : "no"});
+  }
+}
+
+void listSwitchTimes(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  for (int block = 0; block < switchTimes; ++block) {
+    const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
+    if (!isUsed(time)) continue;
+    list.add(jsonOf(time), {std::to_string(block), timeOf(time), daysOf(time.days), actionOf(time)});
+  }
+}
+
+void listEvents(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  for (const Event& event : readEvents(serial)) {
+    list.add(jsonOf(event), {weekday(event.day), timeOf(event), actionOf(event)});
+  }
+}
+
+struct ModulesOptions : LinkedOptions {
+  std::vector<std::string> serials;
+
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.option("SERIAL", serials, "Serial numbers, six digits each").required();
+  }
+};
+
+void listModules(Serial& serial, const ModulesOptions& options, List& list) {
+  for (const std::string& number : options.serials) {
+    try {
+      const Module module = readModule(serial, number);
+      list.add(jsonOf(module), {module.serial, module.model, std::to_string(module.cpuType), module.firmware,
+                                numbers(module.record)});
+    } catch (const Failure& failure) {
+      list.failures.emplace_back(failure.what());
+    }
+  }
+}
+
+}  // namespace
+
+void addOutputs(const CommandLine& velk, Run& run) {
+  addList<LinkedOptions>(
+      velk, run,
+      {"outputs",
+       "List the outputs that have a mode or a name",
+       "  velk outputs --simulate\n  VELK_LINK=tcp://192.168.1.20:8445 velk outputs --json\n",
+       {"Output", "Name", "Mode", "Kind"},
+       "no output has a mode",
+       listOutputs});
+}
+
+void addLinks(const CommandLine& velk, Run& run) {
+  addList<LinkedOptions>(velk, run,
+                         {"links",
+                          "List the links of sources to outputs and inputs",
+                          "  velk links --simulate\n  velk links --serial /dev/ttyUSB0 --json\n",
+                          {"Source", "Destination", "Name", "Parameters", "Edges"},
+                          "there are no links",
+                          listLinks});
+}
+
+void addPresets(const CommandLine& velk, Run& run) {
+  addList<LinkedOptions>(velk, run,
+                         {"presets",
+                          "List the presets in use",
+                          "  velk presets --simulate\n  velk presets --json\n",
+                          {"Preset", "Text", "Delay 1", "Delay 2", "Simulation"},
+                          "there are no presets",
+                          listPresets});
+}
+
+void addSwitchTimes(const CommandLine& velk, Run& run) {
+  addList<LinkedOptions>(velk, run,
+                         {"switch-times",
+                          "List the switch times",
+                          "  velk switch-times --simulate\n  velk switch-times --json\n",
+                          {"Block", "Time", "Days", "Switches"},
+                          "there are no switch times",
+                          listSwitchTimes});
+}
+
+void addSimulation(const CommandLine& velk, Run& run) {
+  addList<LinkedOptions>(velk, run,
+                         {"simulation",
+                          "List the recorded events of the simulation",
+                          "  velk simulation --simulate\n  velk simulation --json\n",
+                          {"Day", "Time", "Event"},
+                          "there are no recorded events",
+                          listEvents});
+}
+
+void addModules(const CommandLine& velk, Run& run) {
+  addList<ModulesOptions>(velk, run,
+                          {"modules",
+                           "Show modules by their serial numbers",
+                           "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n"
+                           "\nModules that do not answer are told at the end; the exit status is 1 then.\n",
+                           {"Serial", "Model", "CPU", "Firmware", "Record"},
+                           "",
+                           listModules});
+}
+
+}  // namespace velk::cli
