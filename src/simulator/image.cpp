@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <iomanip>
 #include <istream>
 #include <ostream>
 #include <sstream>
+
+#include "values/hex.h"
 
 namespace velk::simulator {
 namespace {
@@ -20,14 +20,15 @@ constexpr std::array inTheirOrder{Area::block, Area::external, Area::highBlock, 
   throw ImageError("line " + std::to_string(line) + ": " + why);
 }
 
-unsigned hexNumber(const std::string& word, std::size_t digits, int line) {
-  unsigned value = 0;
-  const char* const end = word.data() + word.size();
-  const auto result = std::from_chars(word.data(), end, value, 16);
-  if (word.size() != digits || result.ptr != end) {
-    fail(line, "\"" + word + "\" is not a number of " + std::to_string(digits) + " hexadecimal digits");
+Bytes bytesOf(const std::string& word, std::size_t count, int line) {
+  Bytes bytes;
+  for (std::size_t i = 0; i < word.size(); i += 2) {
+    if (const auto byte = byteOfHex(slice(word, i, 2))) bytes += character(*byte);
   }
-  return value;
+  if (word.size() != 2 * count || bytes.size() != count) {
+    fail(line, "\"" + word + "\" is not a number of " + std::to_string(2 * count) + " hexadecimal digits");
+  }
+  return bytes;
 }
 
 void checkFormat(const std::string& line) {
@@ -45,20 +46,18 @@ void readLine(const std::string& text, int line, Store& store) {
   const auto* const area = std::find(link::areaNames.begin(), link::areaNames.end(), word);
   if (area == link::areaNames.end()) fail(line, "there is no memory \"" + word + "\"");
   if (!(words >> word)) fail(line, "the address is missing");
-  const unsigned address = hexNumber(word, 4, line);
+  const Bytes address = bytesOf(word, 2, line);
   Bytes bytes;
-  while (words >> word) bytes += character(static_cast<int>(hexNumber(word, 2, line)));
+  while (words >> word) bytes += bytesOf(word, 1, line);
   if (bytes.empty() || bytes.size() > bytesInLine) fail(line, "a line holds 1 to 16 bytes");
-  store.write(addressAt(static_cast<Area>(area - link::areaNames.begin()), static_cast<Byte>(address >> 8),
-                        static_cast<Byte>(address)),
-              bytes);
+  store.write(
+      addressAt(static_cast<Area>(area - link::areaNames.begin()), byteAt(address, 0), byteAt(address, 1)),
+      bytes);
 }
 
 void writeLine(std::ostream& out, Address at, const Bytes& bytes) {
-  out << std::left << std::setfill(' ') << std::setw(2) << nameOf(at.area) << ' ' << std::right
-      << std::setfill('0') << std::setw(2) << int{at.high()} << std::setw(2) << int{at.low()};
-  for (const char c : bytes) out << ' ' << std::setw(2) << int{byteValue(c)};
-  out << '\n';
+  out << padded(nameOf(at.area), 2) << ' ' << capitalHex(Bytes{character(at.high()), character(at.low())})
+      << ' ' << capitalHex(bytes, " ") << '\n';
 }
 
 }  // namespace
@@ -79,7 +78,7 @@ Store readImage(std::istream& in) {
 
 void writeImage(std::ostream& out, const Store& store) {
   constexpr std::size_t lines = Store::areaSize / bytesInLine;
-  out << format << ' ' << version << '\n' << std::hex << std::uppercase;
+  out << format << ' ' << version << '\n';
   for (const Area area : inTheirOrder) {
     for (std::size_t line = 0; line < lines; ++line) {
       const Address at{.area = area,

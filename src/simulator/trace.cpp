@@ -1,19 +1,13 @@
 #include "simulator/trace.h"
 
 #include "memory/map.h"
+#include "values/hex.h"
 
 namespace velk::simulator {
 namespace {
 
-std::string hex(Byte value) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  return {digits[value >> 4], digits[value & 15]};
-}
-
 std::string hexList(std::string_view data) {
-  std::string text;
-  for (const char c : data) text += (text.empty() ? "" : " ") + hex(byteValue(c));
-  return text;
+  return capitalHex(data, " ");
 }
 
 }  // namespace
@@ -22,7 +16,8 @@ std::string describe(const link::Request& request) {
   const link::Address at = addressAt(link::areaOf(request.command), request.high, request.low);
   std::string text = (request.command & link::write) != 0 ? "write " : "read  ";
   text += std::to_string(link::dataCount(request.command));
-  text.append(" ").append(nameOf(at.area)) += " " + hex(request.high) + hex(request.low);
+  text.append(" ").append(nameOf(at.area)) +=
+      " " + capitalHex(Bytes{character(request.high), character(request.low)});
   if (!request.data.empty()) text += " " + hexList(request.data);
   const std::string name = memory::nameOf(at);
   return name.empty() ? text : text + "  " + name;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "support/simulated_house.h"
+#include "values/hex.h"
 
 namespace velk::test {
 
@@ -43,12 +44,7 @@ class WatchedHouse : public SimulatedHouse {
 
 /// Bytes as "0A FF".
 inline std::string hex(const Bytes& text) {
-  std::string digits;
-  for (const char c : text) {
-    if (!digits.empty()) digits += ' ';
-    for (const int digit : {byteValue(c) / 16, byteValue(c) % 16}) digits += "0123456789ABCDEF"[digit];
-  }
-  return digits;
+  return capitalHex(text, " ");
 }
 
 }  // namespace velk::test

@@ -1,7 +1,8 @@
 #include "cli/shared/escapes.h"
 
-#include <charconv>
 #include <stdexcept>
+
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -26,8 +27,7 @@ std::string utf8OfByte(char c) {
 }
 
 std::string escapedByte(Byte value) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  return {'\\', 'x', digits[value >> 4], digits[value & 15]};
+  return "\\x" + hex(Bytes(1, character(value)));
 }
 
 std::string escapedBy(std::string_view bytes, int firstShown) {
@@ -90,13 +90,11 @@ Bytes unescaped(std::string_view typed) {
     if (text.substr(0, 2) == "\\\\") {
       used = 2;
     } else if (c == '\\') {
-      int value = 0;
       const std::string_view escape = text.substr(0, hexEscape);
-      const char* const end = escape.data() + escape.size();
-      const bool valid = escape.size() == hexEscape && escape[1] == 'x' && escape[2] != '-' &&
-                         std::from_chars(escape.data() + 2, end, value, 16).ptr == end;
-      if (!valid) throw std::invalid_argument("\"" + utf8OfBytes(escape) + R"(" is no \xNN and no \\)");
-      c = character(value);
+      const auto value = byteOfHex(slice(escape, 2));
+      if (!value || escape[1] != 'x')
+        throw std::invalid_argument("\"" + utf8OfBytes(escape) + R"(" is no \xNN and no \\)");
+      c = character(*value);
       used = hexEscape;
     }
     bytes += c;

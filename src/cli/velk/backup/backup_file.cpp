@@ -8,6 +8,7 @@
 #include "cli/velk/backup/check.h"
 #include "cli/velk/backup/checksum.h"
 #include "cli/velk/things/words.h"
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -49,10 +50,7 @@ std::vector<Module> modulesOf(const Json& json) {
 
 /// The end of a file whose text before it is this one.
 std::string checksumLine(std::string_view before) {
-  const std::uint32_t sum = crc32(before);
-  Bytes bytes;
-  for (int shift = 24; shift >= 0; shift -= 8) bytes += character(static_cast<int>(sum >> shift & 255));
-  return " \"checksum\": \"" + hex(bytes) + "\"\n}\n";
+  return " \"checksum\": \"" + hex(crc32(before)) + "\"\n}\n";
 }
 
 /// Whether every byte is as it was written.

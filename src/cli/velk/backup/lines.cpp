@@ -1,6 +1,6 @@
 #include "cli/velk/backup/lines.h"
 
-#include "cli/velk/things/words.h"
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <fstream>
+
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -96,9 +97,8 @@ std::string failureOf(const ComponentState& state) {
   if (state.result == 0) return {};
   const auto* const found = std::find_if(causes.begin(), causes.end(),
                                          [&](const Cause& cause) { return cause.result == state.result; });
-  std::array<char, 16> number{};
-  std::snprintf(number.data(), number.size(), " (0x%08x)", static_cast<unsigned>(state.result));
-  return std::string(found == causes.end() ? "it cannot be created" : found->sentence) + number.data();
+  return std::string(found == causes.end() ? "it cannot be created" : found->sentence)
+      .append(" (0x" + hex(state.result) + ")");
 }
 
 std::vector<Remedy> remediesFor(const ComponentState& state) {

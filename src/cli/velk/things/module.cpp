@@ -7,6 +7,7 @@
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
 #include "modules/restoration.h"
+#include "values/hex.h"
 #include "values/result.h"
 
 namespace velk::cli {

@@ -1,10 +1,10 @@
 #include "cli/velk/things/words.h"
 
 #include <array>
-#include <charconv>
 #include <stdexcept>
 
 #include "cli/shared/escapes.h"
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -69,26 +69,13 @@ std::string named(const std::string& text, const std::string& name) {
   return name.empty() ? text : text + " " + name;
 }
 
-std::string hex(std::string_view bytes) {
-  constexpr std::string_view digits = "0123456789abcdef";
-  std::string text;
-  for (const char c : bytes) {
-    text += digits[byteValue(c) >> 4];
-    text += digits[byteValue(c) & 15];
-  }
-  return text;
-}
-
 Bytes bytesOfHex(std::string_view digits) {
   Bytes bytes;
   for (std::size_t i = 0; i < digits.size(); i += 2) {
-    unsigned value = 0;
     const std::string_view pair = digits.substr(i, 2);
-    const char* const end = pair.data() + pair.size();
-    if (pair.size() != 2 || pair[0] == '-' || std::from_chars(pair.data(), end, value, 16).ptr != end) {
-      throw std::invalid_argument("\"" + std::string(pair) + "\" is no pair of hexadecimal digits");
-    }
-    bytes += character(static_cast<int>(value));
+    const auto byte = byteOfHex(pair);
+    if (!byte) throw std::invalid_argument("\"" + std::string(pair) + "\" is no pair of hexadecimal digits");
+    bytes += character(*byte);
   }
   return bytes;
 }

@@ -31,10 +31,7 @@ std::string numbers(std::string_view bytes);
 /// "Hall ceiling" behind "output 5", if it has a name.
 std::string named(const std::string& text, const std::string& name);
 
-/// Two hexadecimal digits a byte.
-std::string hex(std::string_view bytes);
-
-/// The bytes of such digits. Throws std::invalid_argument with a sentence.
+/// The bytes of pairs of hexadecimal digits. Throws std::invalid_argument with a sentence.
 Bytes bytesOfHex(std::string_view digits);
 
 }  // namespace velk::cli

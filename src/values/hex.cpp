@@ -1,0 +1,41 @@
+#include "values/hex.h"
+
+#include <charconv>
+
+namespace velk {
+namespace {
+
+std::string hexBy(std::string_view digits, std::string_view bytes, std::string_view gap) {
+  std::string text;
+  for (const char c : bytes) {
+    if (!text.empty()) text += gap;
+    text += digits[byteValue(c) >> 4];
+    text += digits[byteValue(c) & 15];
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string hex(std::string_view bytes) {
+  return hexBy("0123456789abcdef", bytes, "");
+}
+
+std::string hex(std::uint32_t number) {
+  Bytes bytes;
+  for (int shift = 24; shift >= 0; shift -= 8) bytes += character(static_cast<int>(number >> shift & 255));
+  return hex(bytes);
+}
+
+std::string capitalHex(std::string_view bytes, std::string_view gap) {
+  return hexBy("0123456789ABCDEF", bytes, gap);
+}
+
+std::optional<Byte> byteOfHex(std::string_view digits) {
+  Byte value = 0;
+  const char* const end = digits.data() + digits.size();
+  const bool valid = digits.size() == 2 && std::from_chars(digits.data(), end, value, 16).ptr == end;
+  return valid ? std::optional(value) : std::nullopt;
+}
+
+}  // namespace velk
