@@ -9,6 +9,7 @@
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../tests/support/noon.sh"
+. "$here/../tests/support/programs.sh"
 build=$(cd "${1:?usage: bench.sh BUILD [WINDOWS_BUILD]}" && pwd) || exit 2
 windows=${2:+$(cd "$2" && pwd)}
 bench=$build/bin/velk_bench
@@ -43,14 +44,11 @@ keep_other_core_busy() {
 }
 
 serve() { # serve KIND: a server on the same core; its port goes to $port
+  rm -f "$work/port" # it may hold the last server's for a moment
   taskset -c $core "$bench" serve "$1" >"$work/port" &
   children="$children $!"
-  for _ in $(seq 600); do
-    port=$(cat "$work/port")
-    [ -n "$port" ] && return 0
-    sleep 0.05
-  done
-  exit 2
+  wait_for "$work/port" '[0-9]'
+  port=$(cat "$work/port")
 }
 
 cpu_of() { # cpu_of PROCESS: the CPU time of all its threads, in nanoseconds

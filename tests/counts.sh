@@ -6,6 +6,7 @@
 
 set -u
 . "$(dirname "$0")/support/noon.sh"
+. "$(dirname "$0")/support/programs.sh"
 bench=${1:?usage: counts.sh BENCH}
 # A busy machine may make a wait out of two: what counts is each transaction, so a limit lies between two counts.
 most_calls=3.5
@@ -24,13 +25,8 @@ trap end EXIT
 serve() { # serve KIND: starts a server; its port goes to $port
   "$bench" serve "$1" >"$work/$1.port" &
   servers="$servers $!"
-  for _ in $(seq 1200); do
-    port=$(cat "$work/$1.port" 2>/dev/null)
-    [ -n "$port" ] && return 0
-    sleep 0.05
-  done
-  echo "$0: no server" >&2
-  exit 2
+  wait_for "$work/$1.port" '[0-9]'
+  port=$(cat "$work/$1.port")
 }
 
 calls() { # calls CLIENT COUNT

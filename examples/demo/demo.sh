@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 . tests/support/noon.sh
+. tests/support/programs.sh
 
 say() { printf '\033[1m==>\033[0m %s\n' "$*"; }
 
@@ -22,24 +23,16 @@ say "registering the component: regsvr32 VelkCom.dll"
 wine regsvr32 /s "$component"
 
 say "starting a simulated controller: TCP with password, serial lines in echo and fast mode"
-build/linux/bin/velk-sim --tcp 0 --password 1234 --echo --fast --for 600 >"$work/sim.log" &
-simulator=$!
-trap 'kill "$simulator" 2>/dev/null' EXIT
-until grep -q ready "$work/sim.log"; do
-  kill -0 "$simulator"
-  sleep 0.05
-done
-sed -n 's/^/    /p' "$work/sim.log"
-port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
-echo_line=$(sed -n 's/^echo //p' "$work/sim.log")
-fast_line=$(sed -n 's/^fast //p' "$work/sim.log")
+trap 'kill "${simulator:-}" 2>/dev/null' EXIT
+start_simulator build/linux/bin/velk-sim --tcp 0 --password 1234 --echo --fast --for 600
+sed -n 's/^/    /p' "$said"
 ln -sfn "$echo_line" "$WINEPREFIX/dosdevices/com1"
 ln -sfn "$fast_line" "$WINEPREFIX/dosdevices/com2"
 
 script() { (cd examples/demo && wine cscript.exe //nologo output.vbs 5 "$@" 2>/dev/null | tr -d '\r'); }
 
-say "VBScript, TCP: output.vbs 5 tcp 127.0.0.1 $port 1234"
-script tcp 127.0.0.1 "$port" 1234
+say "VBScript, TCP: output.vbs 5 tcp 127.0.0.1 $port_q 1234"
+script tcp 127.0.0.1 "$port_q" 1234
 say "VBScript, serial line in echo mode: output.vbs 5 com 1 echo"
 script com 1 echo
 say "VBScript, serial line in fast mode: output.vbs 5 com 2 fast"
@@ -48,7 +41,7 @@ script com 2 fast
 native() { "$velk" call "$@" Ctl_Param R 5 "" | sed 's/^/    /'; }
 
 say "velk, TCP"
-native --tcp "127.0.0.1:$port" --password 1234
+native --tcp "127.0.0.1:$port_q" --password 1234
 say "velk, serial line in echo mode"
 native --serial "$echo_line"
 say "velk, serial line in fast mode"

@@ -9,6 +9,7 @@
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/noon.sh"
+. "$here/../support/programs.sh"
 build=$(cd "${1:?usage: run_hosts.sh BUILD_DIR}" && pwd) || exit 2
 sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
 case $build in
@@ -101,24 +102,11 @@ end() {
 trap end EXIT
 trap 'exit 130' INT TERM
 
-wait_for() { # wait_for FILE PATTERN: until a child has said so
-  for _ in $(seq 600); do
-    grep -q "$2" "$1" 2>/dev/null && return 0
-    sleep 0.1
-  done
-  echo "$0: $1 says no '$2'" >&2
-  exit 2
-}
-
 start_controller() {
-  rm -f "$work/sim.log"
-  "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 7200 >"$work/sim.log" 2>&1 &
-  children="$children $!"
-  wait_for "$work/sim.log" '^ready'
-  port_q=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
-  port_s=$(sed -n 's/^tcp S .*:\([0-9]*\)$/\1/p' "$work/sim.log")
-  ln -sfn "$(sed -n 's/^echo //p' "$work/sim.log")" "$WINEPREFIX/dosdevices/com5"
-  ln -sfn "$(sed -n 's/^fast //p' "$work/sim.log")" "$WINEPREFIX/dosdevices/com6"
+  start_simulator "$sim" --tcp-q 0 --tcp-s 0 --password pass --echo --fast --for 7200
+  children="$children $simulator"
+  ln -sfn "$echo_line" "$WINEPREFIX/dosdevices/com5"
+  ln -sfn "$fast_line" "$WINEPREFIX/dosdevices/com6"
 }
 
 start_silent_peer() { # accepts connections and says nothing

@@ -5,6 +5,7 @@
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/noon.sh"
+. "$here/../support/programs.sh"
 package=$(realpath "${1:?usage: debian.sh PACKAGE}")
 example=$here/../../examples/linux
 
@@ -51,20 +52,12 @@ check "bash completes a command" completes "velk rest" restore
 check "  and its options" completes "velk restore --dr" --dry-run
 check "  and leaves files to the shell" completes "velk restore ho" ""
 
-"$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 3600 >"$work/simulator.log" &
-simulator=$!
-for _ in $(seq 600); do
-  grep -q '^ready' "$work/simulator.log" && break
-  sleep 0.1
-done
-port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/simulator.log")
-line=$(sed -n 's/^echo //p' "$work/simulator.log")
-
+start_simulator "$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 3600
 lists_presets() {
   timeout 600 "$@" >"$work/presets.txt" && [ "$(wc -l <"$work/presets.txt")" -eq 4 ] &&
     grep -q '^ 2  Evening           delays 10, 40$' "$work/presets.txt"
 }
-check "the example lists the presets over TCP" lists_presets "$work/cmake/presets" 127.0.0.1 "$port" pass
-check "  and over a serial line" lists_presets "$work/presets" "$line"
-reads_mode() { [ "$("$usr/bin/velk" call --tcp "127.0.0.1:$port" --password pass ReadCom 1 5 1 V)" = '\x00\x05  (done)' ]; }
+check "the example lists the presets over TCP" lists_presets "$work/cmake/presets" 127.0.0.1 "$port_q" pass
+check "  and over a serial line" lists_presets "$work/presets" "$echo_line"
+reads_mode() { [ "$("$usr/bin/velk" call --tcp "127.0.0.1:$port_q" --password pass ReadCom 1 5 1 V)" = '\x00\x05  (done)' ]; }
 check "the packaged tool reads an output" reads_mode

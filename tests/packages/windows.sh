@@ -7,6 +7,7 @@ set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 . "$here/../support/noon.sh"
+. "$here/../support/programs.sh"
 setup=$(realpath "${1:?usage: windows.sh SETUP ZIP}")
 zip=$(realpath "${2:?usage: windows.sh SETUP ZIP}")
 sim=${VELK_SIM:-$root/build/linux/bin/velk-sim}
@@ -90,16 +91,6 @@ key() { wine_run reg query "$1" "${@:2}" | grep . ; }
 
 # --- Examples
 
-start_controller() {
-  "$sim" --tcp 0 --password pass --for 7200 >"$work/sim.log" 2>&1 &
-  simulator=$!
-  for _ in $(seq 600); do
-    grep -q '^ready' "$work/sim.log" && break
-    sleep 0.1
-  done
-  port=$(sed -n 's/^tcp Q .*:\([0-9]*\)$/\1/p' "$work/sim.log")
-}
-
 build_examples() {
   local example
   for example in late_bound early_bound; do
@@ -108,8 +99,8 @@ build_examples() {
   done
 }
 
-script() { (cd "$1" && wine_run cscript.exe //nologo "$2" 127.0.0.1 "$port" pass); }
-program() { (cd "$work" && wine_run "$1" 127.0.0.1 "$port" pass "${@:2}"); }
+script() { (cd "$1" && wine_run cscript.exe //nologo "$2" 127.0.0.1 "$port_q" pass); }
+program() { (cd "$work" && wine_run "$1" 127.0.0.1 "$port_q" pass "${@:2}"); }
 says() { # says TEXT COMMAND...: the text is among the lines of the command
   "${@:2}" >"$work/says.log"
   cat "$work/says.log"
@@ -149,7 +140,7 @@ for_everybody() {
   script_examples "$folder/examples"
   program_examples ""
   check "the installed tool reads an output" says '.x00.x05  \(done\)' \
-    wine_run "$folder/x64/velk.exe" call --tcp "127.0.0.1:$port" --password pass ReadCom 1 5 1 V
+    wine_run "$folder/x64/velk.exe" call --tcp "127.0.0.1:$port_q" --password pass ReadCom 1 5 1 V
   check "  and writes a backup, also over an older one" backs_up "$folder/x64/velk.exe"
   touch "$folder/examples/mine.vbs"
   check "setup over an installed version" install
@@ -219,7 +210,7 @@ for hive in HKLM HKCU; do
 done
 touch "$drive/occupied"
 snapshot before
-start_controller
+start_simulator "$sim" --tcp 0 --password pass --for 7200
 check "the C++ examples build" build_examples
 for_everybody
 for_one_user
