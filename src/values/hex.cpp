@@ -1,6 +1,6 @@
 #include "values/hex.h"
 
-#include <charconv>
+#include "values/digits.h"
 
 namespace velk {
 namespace {
@@ -32,10 +32,7 @@ std::string capitalHex(std::string_view bytes, std::string_view gap) {
 }
 
 std::optional<Byte> byteOfHex(std::string_view digits) {
-  Byte value = 0;
-  const char* const end = digits.data() + digits.size();
-  const bool valid = digits.size() == 2 && std::from_chars(digits.data(), end, value, 16).ptr == end;
-  return valid ? std::optional(value) : std::nullopt;
+  return digits.size() == 2 ? wholeNumber<Byte>(digits, 16) : std::nullopt;
 }
 
 }  // namespace velk

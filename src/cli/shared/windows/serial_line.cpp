@@ -1,22 +1,19 @@
 #include "cli/shared/serial_line.h"
 
-#include <charconv>
 #include <stdexcept>
 
+#include "values/digits.h"
 #include "values/numbers.h"
 
 namespace velk::cli {
 
 Byte portNumber(const std::string& device) {
   constexpr std::size_t prefix = 3;
-  int number = 0;
-  const char* const end = device.data() + device.size();
-  const bool named = equalsIgnoringCase(std::string_view(device).substr(0, prefix), "COM");
-  if (!named || std::from_chars(device.data() + prefix, end, number).ptr != end || number < 1 ||
-      number > 255) {
+  const auto number = wholeNumber<Byte>(slice(device, prefix));
+  if (!equalsIgnoringCase(slice(device, 0, prefix), "COM") || number.value_or(0) == 0) {
     throw std::invalid_argument("a serial device is COM1 to COM255, not \"" + device + "\"");
   }
-  return static_cast<Byte>(number);
+  return *number;
 }
 
 NamedLine openPseudoLine() {

@@ -1,7 +1,6 @@
 #include "cli/velk/connection/connection.h"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 #include <utility>
 
@@ -12,6 +11,7 @@
 #include "simulator/house.h"
 #include "simulator/house_modules.h"
 #include "simulator/loopback_host.h"
+#include "values/digits.h"
 
 namespace velk::cli {
 namespace {
@@ -22,20 +22,17 @@ struct Endpoint {
 };
 
 Endpoint parseEndpoint(const std::string& text) {
-  const auto colon = text.rfind(':');
-  const std::string digits = colon == std::string::npos ? std::string() : text.substr(colon + 1);
-  std::string host = text.substr(0, std::min(colon, text.size()));
+  const auto colon = std::min(text.rfind(':'), text.size());
+  const auto port = wholeNumber<std::uint16_t>(slice(text, colon + 1));
+  std::string host = text.substr(0, colon);
   const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
   if (bracketed) host = host.substr(1, host.size() - 2);
-  std::uint16_t port = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, port);
   // Without brackets nobody could tell the last group of an IPv6 address from a port.
   const bool ambiguous = !bracketed && host.find_first_of("[]:") != std::string::npos;
-  if (error != std::errc() || stop != end || port == 0 || host.empty() || ambiguous) {
+  if (port.value_or(0) == 0 || host.empty() || ambiguous) {
     throw std::invalid_argument("a TCP link is HOST:PORT or [IPV6]:PORT, not \"" + text + "\"");
   }
-  return {.host = std::move(host), .port = port};
+  return {.host = std::move(host), .port = *port};
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <stdexcept>
 
 #include "cli/shared/escapes.h"
 #include "cli/shared/password.h"
+#include "values/digits.h"
 
 namespace velk::cli {
 namespace {
@@ -16,13 +16,11 @@ namespace {
 }
 
 int number(std::string_view name, std::string_view digits, int lowest, int highest) {
-  int value = 0;
-  const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, value);
-  if (error != std::errc() || stop != end || value < lowest || value > highest) {
+  const auto value = wholeNumber<int>(digits);
+  if (!value || *value < lowest || *value > highest) {
     fail("needs " + std::string(name) + "=" + std::to_string(lowest) + " to " + std::to_string(highest));
   }
-  return value;
+  return *value;
 }
 
 enum class Kind : Byte { tcp, serial, simulate };

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/words.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
+#include "values/digits.h"
 #include "values/result.h"
 
 namespace velk::cli {
@@ -37,6 +37,15 @@ constexpr std::array modeWords{
 
 bool hasLetters(const Item& item) {
   return item.form == Form::flag || item.form == Form::zero || item.form == Form::stored;
+}
+
+std::optional<char> letterOf(std::string_view text) {
+  return text.size() == 1 ? std::optional(text.front()) : std::nullopt;
+}
+
+std::optional<char> characterOf(std::string_view number) {
+  const auto value = wholeNumber<Byte>(number);
+  return value ? std::optional(character(*value)) : std::nullopt;
 }
 
 std::string_view suffixOf(Form form) {
@@ -104,15 +113,7 @@ std::string valueOf(const Item& item, char value) {
 }
 
 std::optional<char> parseItem(const Item& item, std::string_view text) {
-  std::optional<char> value;
-  if (hasLetters(item)) {
-    if (text.size() == 1) value = text.front();
-  } else {
-    Byte number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    if (error == std::errc() && stop == end) value = character(number);
-  }
+  const std::optional<char> value = hasLetters(item) ? letterOf(text) : characterOf(text);
   return value && encoded(item, *value, 0) ? value : std::nullopt;
 }
 
