@@ -6,6 +6,8 @@
 #include <ostream>
 #include <set>
 
+#include "values/bytes.h"
+
 namespace velk::cli {
 namespace {
 
@@ -232,6 +234,12 @@ std::int64_t Json::integer(std::int64_t least, std::int64_t most) const {
 
 std::ostream& operator<<(std::ostream& out, const Json& json) {
   return out << json.dump();
+}
+
+Json jsonOfBytes(std::string_view bytes) {
+  Json json = Json::array();
+  for (const char c : bytes) json.push_back(byteValue(c));
+  return json;
 }
 
 }  // namespace velk::cli

@@ -116,4 +116,7 @@ class Json {
 
 std::ostream& operator<<(std::ostream& out, const Json& json);
 
+/// An array of byte values.
+Json jsonOfBytes(std::string_view bytes);
+
 }  // namespace velk::cli

@@ -12,14 +12,14 @@
 namespace velk::cli {
 namespace {
 
-struct RoundTrips {
+/// How long short reads take, in milliseconds.
+struct Latency {
   double least;
   double median;
   double p95;
 };
 
-/// Of short reads, in milliseconds.
-RoundTrips measure(Serial& serial) {
+Latency measure(Serial& serial) {
   using Clock = std::chrono::steady_clock;
   constexpr std::size_t reads = 21;
   std::vector<double> times;
@@ -70,40 +70,63 @@ Firmware readFirmware(Serial& serial) {
           .further = block.substr(clockEnd)};
 }
 
-Json jsonOf(const Bytes& bytes) {
-  Json json = Json::array();
-  for (const char c : bytes) json.push_back(byteValue(c));
-  return json;
+struct Status {
+  std::string link;
+  Latency latency;
+  ClockReading clock;
+  Firmware firmware;
+  Interface medium;
+};
+
+Status readStatus(Serial& serial, const std::string& link) {
+  return {.link = link,
+          .latency = measure(serial),
+          .clock = readClock(serial),
+          .firmware = readFirmware(serial),
+          .medium = interfaceOf(serial)};
+}
+
+Json jsonOf(const Firmware& firmware) {
+  return {{"settings", jsonOfBytes(firmware.settings)},
+          {"controller", jsonOfBytes(firmware.controller)},
+          {"kind", firmware.kind},
+          {"further", jsonOfBytes(firmware.further)}};
+}
+
+Json jsonOf(const Latency& latency) {
+  return {{"min", latency.least}, {"median", latency.median}, {"p95", latency.p95}};
+}
+
+Json jsonOf(const Status& status) {
+  return {{"link", status.link},
+          {"kind", status.medium.kind},
+          {"interface", status.medium.words},
+          {"round_trip_ms", jsonOf(status.latency)},
+          {"clock", jsonOf(status.clock)},
+          {"firmware", jsonOf(status.firmware)}};
+}
+
+void print(const Status& status) {
+  const auto& [link, latency, clock, firmware, medium] = status;
+  std::cout << "link        " << link << '\n'
+            << "interface   " << medium.words << '\n'
+            << "round trip  min " << milliseconds(latency.least) << ", median "
+            << milliseconds(latency.median) << ", p95 " << milliseconds(latency.p95) << '\n'
+            << "clock       " << textOf(clock.controller) << ", " << deviationOf(clock) << '\n'
+            << "firmware    controller " << numbers(firmware.controller) << ", kind " << int{firmware.kind}
+            << ", further " << numbers(firmware.further) << '\n'
+            << "settings    " << numbers(firmware.settings) << '\n';
 }
 
 int carryOutStatus(const LinkedOptions& options) {
   const LinkOptions link = options.link.required();
   const auto connection = open(link);
-  Serial& serial = connection->serial();
-  const RoundTrips trips = measure(serial);
-  const ClockReading clock = readClock(serial);
-  const Firmware firmware = readFirmware(serial);
-  const Interface medium = interfaceOf(serial);
+  const Status status = readStatus(connection->serial(), nameOf(link));
   if (options.json) {
-    std::cout << Json{{"link", nameOf(link)},
-                      {"kind", medium.kind},
-                      {"interface", medium.words},
-                      {"round_trip_ms", {{"min", trips.least}, {"median", trips.median}, {"p95", trips.p95}}},
-                      {"clock", jsonOf(clock)},
-                      {"firmware",
-                       {{"settings", jsonOf(firmware.settings)},
-                        {"controller", jsonOf(firmware.controller)},
-                        {"kind", firmware.kind},
-                        {"further", jsonOf(firmware.further)}}}}
-              << '\n';
-    return success;
+    std::cout << jsonOf(status) << '\n';
+  } else {
+    print(status);
   }
-  std::cout << "link        " << nameOf(link) << "\ninterface   " << medium.words << "\nround trip  min "
-            << milliseconds(trips.least) << ", median " << milliseconds(trips.median) << ", p95 "
-            << milliseconds(trips.p95) << "\nclock       " << textOf(clock.controller) << ", "
-            << deviationOf(clock) << "\nfirmware    controller " << numbers(firmware.controller) << ", kind "
-            << int{firmware.kind} << ", further " << numbers(firmware.further) << "\nsettings    "
-            << numbers(firmware.settings) << '\n';
   return success;
 }
 

@@ -40,10 +40,8 @@ std::string actionOf(const Event& event) {
 }
 
 Json jsonOf(const Event& event) {
-  Json json{{"day", weekday(event.day)}, {"time", timeOf(event)}};
-  json["data"] = Json::array();
-  for (const char c : slice(event.record, 2)) json["data"].push_back(byteValue(c));
-  return json;
+  return {
+      {"day", weekday(event.day)}, {"time", timeOf(event)}, {"data", jsonOfBytes(slice(event.record, 2))}};
 }
 
 Fields fieldsOf(const std::vector<Event>& events) {

@@ -49,9 +49,7 @@ Json jsonOf(const Preset& preset) {
   Json json = jsonOfHead(preset);
   json["records"] = Json::array();
   for (const Preset::Record& record : preset.records) {
-    Json bytes = Json::array();
-    for (const char c : record.bytes) bytes.push_back(byteValue(c));
-    json["records"].push_back({{"record", record.number}, {"bytes", std::move(bytes)}});
+    json["records"].push_back({{"record", record.number}, {"bytes", jsonOfBytes(record.bytes)}});
   }
   return json;
 }

@@ -51,8 +51,7 @@ Json jsonOf(const SwitchTime& time) {
   for (int day = 0; day < weekdays; ++day) {
     if ((time.days >> day & 1) != 0) json["days"].push_back(weekday(day));
   }
-  json["data"] = Json::array();
-  for (const char c : time.data) json["data"].push_back(byteValue(c));
+  json["data"] = jsonOfBytes(time.data);
   return json;
 }
 
