@@ -28,7 +28,7 @@ void callOf(const std::string& text) {
   std::getline(lines, name);
   std::vector<std::string> words;
   for (std::string word; std::getline(lines, word);) words.push_back(word);
-  const cli::Call call = cli::parseCall(name, words);
+  const cli::MethodCall call = cli::parseCall(name, words);
   require(call.arguments.size() == call.method->count, "a call has all its arguments");
   for (std::size_t i = 0; i < call.method->count; ++i) {
     require(holds(call.arguments[i], call.method->slots[i].type), "an argument has its type");

@@ -32,10 +32,10 @@ class ComponentStateTest : public testing::Test {
   /// What is registered at the four places: for all and this user with 64 bits, the same with 32.
   [[nodiscard]] ComponentState state(const std::array<fs::path, 4>& libraries,
                                      std::uint32_t result = 0) const {
-    return {.registrations = {{wide, Audience::everybody, libraries[0]},
-                              {wide, Audience::user, libraries[1]},
-                              {narrow, Audience::everybody, libraries[2]},
-                              {narrow, Audience::user, libraries[3]}},
+    return {.registrations = {{wide, Scope::everybody, libraries[0]},
+                              {wide, Scope::user, libraries[1]},
+                              {narrow, Scope::everybody, libraries[2]},
+                              {narrow, Scope::user, libraries[3]}},
             .program = folder / "x64" / "velk.exe",
             .narrowFolder = "/Windows/SysWOW64",
             .result = result};
@@ -71,7 +71,7 @@ TEST_F(ComponentStateTest, RemediesForWhatIsMissing) {
 
 TEST_F(ComponentStateTest, RemediesElsewhere) {
   ComponentState narrowSystem{
-      .registrations = {{narrow, Audience::everybody, ""}, {narrow, Audience::user, ""}},
+      .registrations = {{narrow, Scope::everybody, ""}, {narrow, Scope::user, ""}},
       .program = folder / "alone" / "velk.exe"};
   EXPECT_EQ(commands(narrowSystem),
             (Lines{"regsvr32 " + good32.string(), "regsvr32 /n /i:user " + good32.string()}));
@@ -85,11 +85,11 @@ TEST_F(ComponentStateTest, RemediesElsewhere) {
 }
 
 TEST_F(ComponentStateTest, FaultsAndFailuresInWords) {
-  EXPECT_EQ(faultOf({wide, Audience::user, good64}), "");
-  EXPECT_EQ(faultOf({wide, Audience::user, ""}), "");
-  EXPECT_EQ(faultOf({wide, Audience::user, good32}), "the file is not for these programs");
-  EXPECT_EQ(faultOf({wide, Audience::user, folder / "text.dll"}), "the file is not for these programs");
-  EXPECT_EQ(faultOf({wide, Audience::user, folder / "gone.dll"}), "the file is not there");
+  EXPECT_EQ(faultOf({wide, Scope::user, good64}), "");
+  EXPECT_EQ(faultOf({wide, Scope::user, ""}), "");
+  EXPECT_EQ(faultOf({wide, Scope::user, good32}), "the file is not for these programs");
+  EXPECT_EQ(faultOf({wide, Scope::user, folder / "text.dll"}), "the file is not for these programs");
+  EXPECT_EQ(faultOf({wide, Scope::user, folder / "gone.dll"}), "the file is not there");
   EXPECT_EQ(failureOf({}), "");
   EXPECT_EQ(failureOf({.result = 0x800700C1}), "its file is for programs of the other bitness (0x800700c1)");
   EXPECT_EQ(failureOf({.result = 0x80004005}), "it cannot be created (0x80004005)");

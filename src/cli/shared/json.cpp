@@ -29,12 +29,12 @@ constexpr std::array kindNames{"null",   "true or false", "a whole number", "a n
 class Names {
  public:
   void check(int depth, Library::parse_event_t event, const Library& value) {
-    using Event = Library::parse_event_t;
+    using ParseEvent = Library::parse_event_t;
     constexpr int deepest = 64;
     if (depth > deepest) throw JsonError("it is nested more than " + std::to_string(deepest) + " deep");
-    if (event == Event::object_start) open_.emplace_back();
-    if (event == Event::object_end) open_.pop_back();
-    if (event != Event::key) return;
+    if (event == ParseEvent::object_start) open_.emplace_back();
+    if (event == ParseEvent::object_end) open_.pop_back();
+    if (event != ParseEvent::key) return;
     const auto& name = value.get_ref<const std::string&>();
     if (!open_.back().insert(name).second) throw JsonError("\"" + name + "\" stands there twice");
   }
@@ -67,7 +67,7 @@ struct JsonLibrary {
                                  return Library(std::move(result));
                                },
                                [](const auto& value) { return Library(value); }},
-                      json.value_);
+                      json.content_);
   }
 
   static Json from(const Library& library) {
@@ -111,8 +111,8 @@ struct JsonLibrary {
 };
 
 Json::Json(std::nullptr_t) {}
-Json::Json(double value) : value_(value) {}
-Json::Json(const std::vector<std::string>& texts) : value_(Array(texts.begin(), texts.end())) {}
+Json::Json(double value) : content_(value) {}
+Json::Json(const std::vector<std::string>& texts) : content_(Array(texts.begin(), texts.end())) {}
 Json::Json(const Json& other) = default;
 Json::Json(Json&& other) noexcept = default;
 Json& Json::operator=(const Json& other) = default;
@@ -121,22 +121,23 @@ Json::~Json() = default;
 
 Json::Json(std::initializer_list<Json> values) {
   const bool isObject = std::all_of(values.begin(), values.end(), [](const Json& value) {
-    const auto* const pair = std::get_if<Array>(&value.value_);
-    return pair != nullptr && pair->size() == 2 && std::holds_alternative<std::string>(pair->front().value_);
+    const auto* const pair = std::get_if<Array>(&value.content_);
+    return pair != nullptr && pair->size() == 2 &&
+           std::holds_alternative<std::string>(pair->front().content_);
   });
   if (!isObject) {
-    value_ = Array(values);
+    content_ = Array(values);
     return;
   }
   Object object;
   for (const Json& value : values)
     object.emplace_back(value.elements()[0].get<std::string>(), value.elements()[1]);
-  value_ = std::move(object);
+  content_ = std::move(object);
 }
 
-Json Json::of(Value value) {
+Json Json::of(Content content) {
   Json json;
-  json.value_ = std::move(value);
+  json.content_ = std::move(content);
   return json;
 }
 
@@ -178,13 +179,13 @@ std::string Json::dump(int indentation) const {
 }
 
 void Json::push_back(Json element) {
-  if (std::holds_alternative<std::nullptr_t>(value_)) value_ = Array();
-  std::get<Array>(value_).push_back(std::move(element));
+  if (std::holds_alternative<std::nullptr_t>(content_)) content_ = Array();
+  std::get<Array>(content_).push_back(std::move(element));
 }
 
 Json& Json::operator[](std::string_view name) {
-  if (std::holds_alternative<std::nullptr_t>(value_)) value_ = Object();
-  auto& members = std::get<Object>(value_);
+  if (std::holds_alternative<std::nullptr_t>(content_)) content_ = Object();
+  auto& members = std::get<Object>(content_);
   const auto found = std::find_if(members.begin(), members.end(),
                                   [&](const Member& member) { return member.first == name; });
   return found != members.end() ? found->second : members.emplace_back(name, Json()).second;
@@ -204,9 +205,9 @@ const Json& Json::at(std::string_view name) const {
 
 template <class T>
 const T& Json::held() const {
-  if (const T* const value = std::get_if<T>(&value_)) return *value;
-  throw JsonError(std::string(kindNames.at(Value(T()).index())) + " is expected, not " +
-                  kindNames.at(value_.index()));
+  if (const T* const value = std::get_if<T>(&content_)) return *value;
+  throw JsonError(std::string(kindNames.at(Content(T()).index())) + " is expected, not " +
+                  kindNames.at(content_.index()));
 }
 
 bool Json::boolean() const {

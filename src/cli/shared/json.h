@@ -98,9 +98,9 @@ class Json {
 
  private:
   friend struct JsonLibrary;
-  using Value = std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object>;
+  using Content = std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object>;
 
-  static Json of(Value value);
+  static Json of(Content content);
   static Json ofBool(bool value);
   static Json ofInteger(std::int64_t value);
   static Json ofText(std::string_view text);
@@ -111,7 +111,7 @@ class Json {
   [[nodiscard]] const std::string& text() const;
   [[nodiscard]] std::int64_t integer(std::int64_t least, std::int64_t most) const;
 
-  Value value_;
+  Content content_;
 };
 
 std::ostream& operator<<(std::ostream& out, const Json& json);

@@ -149,9 +149,11 @@ void serveSerial(Server& server, const std::string& interface, const std::vector
 }
 
 void waitForTheEnd(double seconds) {
-  using Clock = std::chrono::steady_clock;
-  const auto start = Clock::now();
-  const auto isOver = [&] { return std::chrono::duration<double>(Clock::now() - start).count() >= seconds; };
+  using std::chrono::steady_clock;
+  const auto start = steady_clock::now();
+  const auto isOver = [&] {
+    return std::chrono::duration<double>(steady_clock::now() - start).count() >= seconds;
+  };
   while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 

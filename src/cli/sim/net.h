@@ -8,12 +8,12 @@
 /// What the socket interfaces of operating systems do differently.
 namespace velk::cli::net {
 
-enum class Event : std::uint8_t { readable, writable };
+enum class Readiness : std::uint8_t { readable, writable };
 
 /// Whether the event, or the end of the connection, has come within the time.
-bool wait(Handle handle, Event event, std::chrono::milliseconds longest);
+bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds longest);
 
-void close(Handle handle);
+void close(Descriptor descriptor);
 
 /// Has to be called before any socket is made; may be called again.
 void start();
@@ -23,7 +23,7 @@ int lastError();
 
 /// A listener may take a port that its last connections have not quite released; a stream sends small
 /// packets at once and never ends the process.
-void prepareListener(Handle handle);
-void prepareStream(Handle handle);
+void prepareListener(Descriptor descriptor);
+void prepareStream(Descriptor descriptor);
 
 }  // namespace velk::cli::net

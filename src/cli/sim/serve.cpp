@@ -6,14 +6,14 @@
 namespace velk::cli {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
+using std::chrono::steady_clock;
 
 /// What is still to be sent, by its time; in the order it was added where times are equal.
 class Schedule {
  public:
   void add(std::vector<simulator::Delivery> deliveries) {
-    const auto now = Clock::now();
+    const auto now = steady_clock::now();
     for (auto& delivery : deliveries) waiting_.emplace(now + delivery.after, std::move(delivery));
   }
 
@@ -21,7 +21,7 @@ class Schedule {
   bool sendDue(Stream& stream) {
     Bytes due;
     bool hangUp = false;
-    while (!hangUp && !waiting_.empty() && waiting_.begin()->first <= Clock::now()) {
+    while (!hangUp && !waiting_.empty() && waiting_.begin()->first <= steady_clock::now()) {
       due += waiting_.begin()->second.bytes;
       hangUp = waiting_.begin()->second.hangUp;
       waiting_.erase(waiting_.begin());
@@ -32,12 +32,12 @@ class Schedule {
 
   [[nodiscard]] milliseconds untilNext() const {
     if (waiting_.empty()) return stopInterval;
-    const auto rest = std::chrono::ceil<milliseconds>(waiting_.begin()->first - Clock::now());
+    const auto rest = std::chrono::ceil<milliseconds>(waiting_.begin()->first - steady_clock::now());
     return std::clamp(rest, milliseconds(0), stopInterval);
   }
 
  private:
-  std::multimap<Clock::time_point, simulator::Delivery> waiting_;
+  std::multimap<steady_clock::time_point, simulator::Delivery> waiting_;
 };
 
 }  // namespace
@@ -45,12 +45,12 @@ class Schedule {
 void serve(Stream& stream, simulator::Peer& peer, const std::stop_token& stop) {
   Schedule schedule;
   schedule.add(peer.connected());
-  auto last = Clock::now();
+  auto last = steady_clock::now();
   while (!stop.stop_requested() && schedule.sendDue(stream)) {
     const auto bytes = stream.receive(schedule.untilNext());
     if (!bytes) return;
     if (bytes->empty()) continue;
-    const auto now = Clock::now();
+    const auto now = steady_clock::now();
     if (now - last >= simulator::frameGap) peer.quiet();
     last = now;
     schedule.add(peer.received(*bytes));

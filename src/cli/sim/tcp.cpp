@@ -22,7 +22,7 @@ std::string lastError() {
   return std::system_category().message(net::lastError());
 }
 
-SocketHandle listeningSocket(const std::string& address, std::uint16_t port) {
+OwnedSocket listeningSocket(const std::string& address, std::uint16_t port) {
   net::start();
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
@@ -32,7 +32,7 @@ SocketHandle listeningSocket(const std::string& address, std::uint16_t port) {
     failToListen(address, port, "this is no address in digits");
   }
   const std::unique_ptr<addrinfo, FreeAddress> entry(list);
-  SocketHandle socket(::socket(entry->ai_family, SOCK_STREAM, 0));
+  OwnedSocket socket(::socket(entry->ai_family, SOCK_STREAM, 0));
   if (!socket) failToListen(address, port, lastError());
   net::prepareListener(socket.get());
   if (bind(socket.get(), entry->ai_addr, static_cast<net::AddressSize>(entry->ai_addrlen)) != 0 ||
@@ -45,7 +45,7 @@ SocketHandle listeningSocket(const std::string& address, std::uint16_t port) {
 }  // namespace
 
 std::optional<Bytes> TcpStream::receive(std::chrono::milliseconds longest) {
-  if (!net::wait(socket_.get(), net::Event::readable, longest)) return Bytes();
+  if (!net::wait(socket_.get(), net::Readiness::readable, longest)) return Bytes();
   std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by recv
   const auto n = recv(socket_.get(), buffer.data(), buffer.size(), 0);
   if (n <= 0) return std::nullopt;
@@ -53,7 +53,7 @@ std::optional<Bytes> TcpStream::receive(std::chrono::milliseconds longest) {
 }
 
 void TcpStream::send(std::string_view bytes) {
-  while (!bytes.empty() && net::wait(socket_.get(), net::Event::writable, sendPatience)) {
+  while (!bytes.empty() && net::wait(socket_.get(), net::Readiness::writable, sendPatience)) {
     const auto n = ::send(socket_.get(), bytes.data(), static_cast<net::Size>(bytes.size()), net::sendFlags);
     if (n <= 0) return;  // the next receive sees that the client is gone
     bytes.remove_prefix(static_cast<std::size_t>(n));
@@ -72,8 +72,8 @@ std::uint16_t Listener::port() const {
 }
 
 std::unique_ptr<TcpStream> Listener::accept(std::chrono::milliseconds longest) {
-  if (!net::wait(socket_.get(), net::Event::readable, longest)) return nullptr;
-  SocketHandle socket(::accept(socket_.get(), nullptr, nullptr));
+  if (!net::wait(socket_.get(), net::Readiness::readable, longest)) return nullptr;
+  OwnedSocket socket(::accept(socket_.get(), nullptr, nullptr));
   if (!socket) return nullptr;
   net::prepareStream(socket.get());
   return std::make_unique<TcpStream>(std::move(socket));

@@ -10,34 +10,34 @@
 namespace velk::cli {
 
 /// An owned socket of the operating system.
-class SocketHandle {
+class OwnedSocket {
  public:
-  explicit SocketHandle(net::Handle handle) : handle_(handle) {}
-  ~SocketHandle() {
-    if (handle_ != net::none) net::close(handle_);
+  explicit OwnedSocket(net::Descriptor descriptor) : descriptor_(descriptor) {}
+  ~OwnedSocket() {
+    if (descriptor_ != net::none) net::close(descriptor_);
   }
-  SocketHandle(SocketHandle&& other) noexcept : handle_(std::exchange(other.handle_, net::none)) {}
-  SocketHandle(const SocketHandle&) = delete;
-  SocketHandle& operator=(const SocketHandle&) = delete;
-  SocketHandle& operator=(SocketHandle&&) = delete;
+  OwnedSocket(OwnedSocket&& other) noexcept : descriptor_(std::exchange(other.descriptor_, net::none)) {}
+  OwnedSocket(const OwnedSocket&) = delete;
+  OwnedSocket& operator=(const OwnedSocket&) = delete;
+  OwnedSocket& operator=(OwnedSocket&&) = delete;
 
-  [[nodiscard]] net::Handle get() const { return handle_; }
-  explicit operator bool() const { return handle_ != net::none; }
+  [[nodiscard]] net::Descriptor get() const { return descriptor_; }
+  explicit operator bool() const { return descriptor_ != net::none; }
 
  private:
-  net::Handle handle_;
+  net::Descriptor descriptor_;
 };
 
 /// One accepted connection.
 class TcpStream final : public Stream {
  public:
-  explicit TcpStream(SocketHandle socket) : socket_(std::move(socket)) {}
+  explicit TcpStream(OwnedSocket socket) : socket_(std::move(socket)) {}
 
   std::optional<Bytes> receive(std::chrono::milliseconds longest) override;
   void send(std::string_view bytes) override;
 
  private:
-  SocketHandle socket_;
+  OwnedSocket socket_;
 };
 
 /// A port that waits for connections.
@@ -52,7 +52,7 @@ class Listener {
   std::unique_ptr<TcpStream> accept(std::chrono::milliseconds longest);
 
  private:
-  SocketHandle socket_;
+  OwnedSocket socket_;
 };
 
 }  // namespace velk::cli

@@ -35,12 +35,12 @@ constexpr const char* notes =
     "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
     "  velk call --help\n";
 
-void addCommands(const CommandLine& line, Run& run) {
+void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
        {addStatus,      addOutputs,    addOutput,  addClock,        addLinks,    addPresets, addPreset,
         addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,  addDiff,
         addRestore,     addWeek,       addDoctor,  addCompletion,   addCall,     addMethods}) {
-    add(line, run);
+    add(line, job);
   }
 }
 
@@ -56,11 +56,11 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk", description);
   line.version("velk " VELK_VERSION);
   line.footer(notes);
-  Run run;
-  addCommands(line, run);
+  Job job;
+  addCommands(line, job);
   if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
   if (const auto status = line.parse(argc, argv)) return *status;
-  return run();
+  return job();
 }
 
 }  // namespace

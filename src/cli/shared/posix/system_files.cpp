@@ -1,3 +1,5 @@
+#include "cli/shared/system_files.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +12,6 @@
 #include <iostream>
 #include <system_error>
 
-#include "cli/shared/system_files.h"
 #include "platform/posix/fd.h"
 
 namespace velk::cli::system {

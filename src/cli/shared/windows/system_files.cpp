@@ -1,8 +1,9 @@
+#include "cli/shared/system_files.h"
+
 #include <array>
 #include <iostream>
 #include <system_error>
 
-#include "cli/shared/system_files.h"
 #include "cli/shared/windows/wide.h"
 #include "platform/windows/handle.h"
 

@@ -9,21 +9,22 @@
 namespace velk::cli::net {
 namespace {
 
-void switchOn(Handle handle, int level, int option) {
+void switchOn(Descriptor descriptor, int level, int option) {
   const int on = 1;
-  setsockopt(handle, level, option, &on, sizeof on);
+  setsockopt(descriptor, level, option, &on, sizeof on);
 }
 
 }  // namespace
 
-bool wait(Handle handle, Event event, std::chrono::milliseconds longest) {
-  pollfd watched{
-      .fd = handle, .events = static_cast<short>(event == Event::readable ? POLLIN : POLLOUT), .revents = 0};
+bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds longest) {
+  pollfd watched{.fd = descriptor,
+                 .events = static_cast<short>(awaited == Readiness::readable ? POLLIN : POLLOUT),
+                 .revents = 0};
   return poll(&watched, 1, static_cast<int>(longest.count())) > 0;
 }
 
-void close(Handle handle) {
-  ::close(handle);
+void close(Descriptor descriptor) {
+  ::close(descriptor);
 }
 
 void start() {}
@@ -32,12 +33,12 @@ int lastError() {
   return errno;
 }
 
-void prepareListener(Handle handle) {
-  switchOn(handle, SOL_SOCKET, SO_REUSEADDR);
+void prepareListener(Descriptor descriptor) {
+  switchOn(descriptor, SOL_SOCKET, SO_REUSEADDR);
 }
 
-void prepareStream(Handle handle) {
-  switchOn(handle, IPPROTO_TCP, TCP_NODELAY);
+void prepareStream(Descriptor descriptor) {
+  switchOn(descriptor, IPPROTO_TCP, TCP_NODELAY);
 }
 
 }  // namespace velk::cli::net

@@ -8,10 +8,10 @@
 
 namespace velk::cli::net {
 
-using Handle = int;
+using Descriptor = int;
 using Size = std::size_t;
 using AddressSize = socklen_t;
-constexpr Handle none = -1;
+constexpr Descriptor none = -1;
 constexpr int sendFlags = MSG_NOSIGNAL;
 
 }  // namespace velk::cli::net

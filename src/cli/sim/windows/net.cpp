@@ -2,19 +2,19 @@
 
 namespace velk::cli::net {
 
-bool wait(Handle handle, Event event, std::chrono::milliseconds longest) {
+bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds longest) {
   fd_set watched;
   FD_ZERO(&watched);
-  FD_SET(handle, &watched);
+  FD_SET(descriptor, &watched);
   const auto ms = static_cast<long>(longest.count());
   timeval limit{.tv_sec = ms / 1000, .tv_usec = ms % 1000 * 1000};
-  fd_set* const reading = event == Event::readable ? &watched : nullptr;
-  fd_set* const writing = event == Event::writable ? &watched : nullptr;
+  fd_set* const reading = awaited == Readiness::readable ? &watched : nullptr;
+  fd_set* const writing = awaited == Readiness::writable ? &watched : nullptr;
   return select(0, reading, writing, nullptr, &limit) > 0;
 }
 
-void close(Handle handle) {
-  closesocket(handle);
+void close(Descriptor descriptor) {
+  closesocket(descriptor);
 }
 
 void start() {
@@ -30,11 +30,11 @@ int lastError() {
 }
 
 /// Here a listener takes such a port without being told, and the option of that name would let others in.
-void prepareListener(Handle /*handle*/) {}
+void prepareListener(Descriptor /*descriptor*/) {}
 
-void prepareStream(Handle handle) {
+void prepareStream(Descriptor descriptor) {
   const int on = 1;
-  setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+  setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
 }
 
 }  // namespace velk::cli::net

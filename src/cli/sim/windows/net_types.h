@@ -6,10 +6,10 @@
 
 namespace velk::cli::net {
 
-using Handle = SOCKET;
+using Descriptor = SOCKET;
 using Size = int;
 using AddressSize = int;
-constexpr Handle none = INVALID_SOCKET;
+constexpr Descriptor none = INVALID_SOCKET;
 constexpr int sendFlags = 0;
 
 }  // namespace velk::cli::net

@@ -24,59 +24,59 @@ constexpr std::array<std::string_view, 9> sectionNames{
 
 constexpr Byte textSize = 16;
 
-Fields describeSettings(Serial& serial, int /*number*/) {
-  Fields fields;
+Details describeSettings(Serial& serial, int /*number*/) {
+  Details details;
   for (const char c : readMemory(serial, controller::firstSetting, 3)) {
-    fields.push_back({"setting " + std::to_string(fields.size() + 1), std::to_string(byteValue(c))});
+    details.push_back({"setting " + std::to_string(details.size() + 1), std::to_string(byteValue(c))});
   }
-  return fields;
+  return details;
 }
 
-Fields describeOutput(Serial& serial, int number) {
-  return fieldsOf(readOutput(serial, static_cast<Byte>(number)));
+Details describeOutput(Serial& serial, int number) {
+  return detailsOf(readOutput(serial, static_cast<Byte>(number)));
 }
 
-Fields describeLinks(Serial& serial, int source) {
+Details describeLinks(Serial& serial, int source) {
   const std::vector<SoftLink> links = readLinks(serial, static_cast<Byte>(source));
-  Fields all;
+  Details all;
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
-    for (const Field& field : fieldsOf(links, sub)) {
-      all.push_back({std::to_string(source) + "." + std::to_string(sub) + " " + field.name, field.text});
+    for (const Detail& detail : detailsOf(links, sub)) {
+      all.push_back({std::to_string(source) + "." + std::to_string(sub) + " " + detail.name, detail.text});
     }
   }
   return all;
 }
 
-Fields describeText(Serial& serial, int slot) {
+Details describeText(Serial& serial, int slot) {
   return {{"text", label(readMemory(serial, controller::displayText(static_cast<Byte>(slot)), textSize))}};
 }
 
-Fields describePreset(Serial& serial, int number) {
-  Fields fields = fieldsOf(readPreset(serial, static_cast<Byte>(number)));
-  std::erase_if(fields, [](const Field& field) { return field.name == "simulation"; });
-  return fields;
+Details describePreset(Serial& serial, int number) {
+  Details details = detailsOf(readPreset(serial, static_cast<Byte>(number)));
+  std::erase_if(details, [](const Detail& detail) { return detail.name == "simulation"; });
+  return details;
 }
 
 /// The flags of four presets share a byte.
-Fields describeFlags(Serial& serial, int first) {
+Details describeFlags(Serial& serial, int first) {
   const Byte flags = byteAt(readMemory(serial, timed::presetFlags(static_cast<Byte>(first)), 1), 0);
-  Fields fields;
+  Details details;
   for (int i = 0; i < 4; ++i) {
-    fields.push_back({"preset " + std::to_string(first + i), (flags >> i & 1) != 0 ? "yes" : "no"});
+    details.push_back({"preset " + std::to_string(first + i), (flags >> i & 1) != 0 ? "yes" : "no"});
   }
-  return fields;
+  return details;
 }
 
-Fields describeSwitchTime(Serial& serial, int block) {
-  return fieldsOf(readSwitchTime(serial, static_cast<Byte>(block)));
+Details describeSwitchTime(Serial& serial, int block) {
+  return detailsOf(readSwitchTime(serial, static_cast<Byte>(block)));
 }
 
-Fields describeEvents(Serial& serial, int number) {
-  return fieldsOf(
+Details describeEvents(Serial& serial, int number) {
+  return detailsOf(
       readEvents(serial, static_cast<Byte>(number / hoursOfDay), static_cast<Byte>(number % hoursOfDay)));
 }
 
-Fields describeInfrared(Serial& serial, int number) {
+Details describeInfrared(Serial& serial, int number) {
   return {{"text", label(readBytes(serial, parameters::infraredText(static_cast<Byte>(number)), textSize))}};
 }
 
@@ -84,7 +84,7 @@ struct KindRow {
   ThingKind kind;
   std::size_t section;
   std::string_view title;  ///< the number follows, if it counts
-  Fields (*describe)(Serial&, int number);
+  Details (*describe)(Serial&, int number);
 };
 
 constexpr std::array kinds{
@@ -122,7 +122,7 @@ std::string titleOf(Thing thing) {
   return title + std::to_string(thing.number);
 }
 
-Fields describe(Serial& serial, Thing thing) {
+Details describe(Serial& serial, Thing thing) {
   return rowOf(thing.kind).describe(serial, thing.number);
 }
 

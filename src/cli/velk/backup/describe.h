@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "cli/velk/backup/lines.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -18,6 +18,6 @@ std::string_view sectionOf(ThingKind kind);
 std::string titleOf(Thing thing);
 
 /// What a thing is set to. Throws `Failure` for bytes that are no such thing.
-Fields describe(Serial& serial, Thing thing);
+Details describe(Serial& serial, Thing thing);
 
 }  // namespace velk::cli

@@ -25,7 +25,7 @@ class Offline {
   }
 
   /// Nothing for bytes that are no such thing.
-  Fields describe(Thing thing) {
+  Details describe(Thing thing) {
     try {
       return cli::describe(serial_, thing);
     } catch (const Failure&) {
@@ -56,38 +56,39 @@ Things differingThings(const Lines& from, const Lines& to, const Sections& secti
   return things;
 }
 
-std::string textIn(const Fields& fields, const std::string& name) {
+std::string textIn(const Details& details, const std::string& name) {
   const auto found =
-      std::find_if(fields.begin(), fields.end(), [&](const Field& f) { return f.name == name; });
-  return found == fields.end() ? std::string() : found->text;
+      std::find_if(details.begin(), details.end(), [&](const Detail& other) { return other.name == name; });
+  return found == details.end() ? std::string() : found->text;
 }
 
 /// Items of different modes have nothing to do with each other.
-bool isItem(const Field& field) {
-  return field.name.starts_with("item ");
+bool isItem(const Detail& detail) {
+  return detail.name.starts_with("item ");
 }
 
-std::vector<Change> changesOf(Fields from, Fields to) {
+std::vector<ChangedDetail> changesOf(Details from, Details to) {
   if (textIn(from, "mode") != textIn(to, "mode")) {
     std::erase_if(from, isItem);
     std::erase_if(to, isItem);
   }
-  std::vector<Change> changes;
-  for (const Field& field : from) {
-    const std::string other = textIn(to, field.name);
-    if (other != field.text) changes.push_back({field.name, field.text, other});
+  std::vector<ChangedDetail> changes;
+  for (const Detail& detail : from) {
+    const std::string other = textIn(to, detail.name);
+    if (other != detail.text) changes.push_back({detail.name, detail.text, other});
   }
-  for (const Field& field : to) {
-    const bool isNew =
-        std::none_of(from.begin(), from.end(), [&](const Field& f) { return f.name == field.name; });
-    if (isNew && !field.text.empty()) changes.push_back({field.name, "", field.text});
+  for (const Detail& detail : to) {
+    const bool isNew = std::none_of(from.begin(), from.end(),
+                                    [&](const Detail& other) { return other.name == detail.name; });
+    if (isNew && !detail.text.empty()) changes.push_back({detail.name, "", detail.text});
   }
   return changes;
 }
 
-/// For bytes that no property tells of.
-std::vector<Change> changesOf(const std::vector<Address>& addresses, const Lines& from, const Lines& to) {
-  std::vector<Change> changes;
+/// For bytes that no detail tells of.
+std::vector<ChangedDetail> changesOf(const std::vector<Address>& addresses, const Lines& from,
+                                     const Lines& to) {
+  std::vector<ChangedDetail> changes;
   for (const Address at : addresses) {
     changes.push_back({"byte " + std::to_string(at.offset) + " of page " + std::to_string(at.page),
                        std::to_string(byteOf(from, at)), std::to_string(byteOf(to, at))});
@@ -100,7 +101,7 @@ void compareModules(const Backup& from, const Backup& to, std::vector<Difference
     const auto other = std::find_if(to.modules.begin(), to.modules.end(),
                                     [&](const Module& m) { return m.serial == module.serial; });
     if (other == to.modules.end()) continue;
-    auto changes = changesOf(fieldsOf(module), fieldsOf(*other));
+    auto changes = changesOf(detailsOf(module), detailsOf(*other));
     if (!changes.empty()) differences.push_back({titleOf(module), {}, std::move(changes)});
   }
 }
@@ -138,8 +139,8 @@ std::string textOf(const Difference& difference) {
   const auto shown = [](const std::string& text) { return text.empty() ? "(none)" : text; };
   std::string text = difference.title + ":";
   const char* gap = " ";
-  for (const Change& change : difference.changes) {
-    text += gap + change.field + " " + shown(change.from) + " -> " + shown(change.to);
+  for (const ChangedDetail& change : difference.changes) {
+    text += gap + change.name + " " + shown(change.from) + " -> " + shown(change.to);
     gap = ", ";
   }
   return text;
@@ -149,8 +150,8 @@ Json jsonOf(const std::vector<Difference>& differences) {
   Json json = Json::array();
   for (const Difference& difference : differences) {
     Json changes = Json::array();
-    for (const Change& change : difference.changes) {
-      changes.push_back({{"field", change.field}, {"from", change.from}, {"to", change.to}});
+    for (const ChangedDetail& change : difference.changes) {
+      changes.push_back({{"field", change.name}, {"from", change.from}, {"to", change.to}});
     }
     json.push_back(
         {{"thing", difference.title}, {"bytes", difference.addresses.size()}, {"changes", changes}});

@@ -14,7 +14,7 @@ Progress::~Progress() {
 }
 
 void Progress::show(std::size_t done, std::size_t total) {
-  const auto now = Clock::now();
+  const auto now = std::chrono::steady_clock::now();
   if (now < next_ || !errorIsTerminal()) return;
   next_ = now + interval;
   if (!shown_) {

@@ -16,11 +16,9 @@ class Progress {
   void show(std::size_t done, std::size_t total);
 
  private:
-  using Clock = std::chrono::steady_clock;
-
   std::string what_;
-  Clock::time_point start_ = Clock::now();
-  Clock::time_point next_ = start_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::time_point next_ = start_;
   std::size_t first_ = 0;  ///< what was done before
   bool shown_ = false;
 };

@@ -53,17 +53,17 @@ Backup begin(Serial& serial, PartFile& part, const std::string& link) {
 
 /// Every few seconds what was read so far is kept: more than that nothing can cost, not even the power.
 void read(Serial& serial, const BackupOptions& options, Backup& backup, PartFile& part) {
-  using Clock = std::chrono::steady_clock;
+  using std::chrono::steady_clock;
   constexpr std::chrono::seconds interval{5};
-  auto next = Clock::now() + interval;
+  auto next = steady_clock::now() + interval;
   Progress progress("backup");
   readMissing(
       serial, backup.lines, [](ThingKind /*kind*/) { return true; },
       [&](std::size_t done, std::size_t total) {
         progress.show(done, total);
-        if (Clock::now() < next) return;
+        if (steady_clock::now() < next) return;
         part.save(backup);
-        next = Clock::now() + interval;
+        next = steady_clock::now() + interval;
       });
   backup.modules.clear();
   for (const std::string& number : options.modules) {
@@ -126,9 +126,9 @@ int carryOutBackup(const BackupOptions& options) {
 
 }  // namespace
 
-void addBackup(const CommandLine& velk, Run& run) {
+void addBackup(const CommandLine& velk, Job& job) {
   addCommand<BackupOptions>(
-      velk, run, "backup", "Save the whole configuration in a file",
+      velk, job, "backup", "Save the whole configuration in a file",
       "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
       "  velk backup house.json --modules 090500,100100\n"
       "  velk backup - | gzip > house.json.gz\n"

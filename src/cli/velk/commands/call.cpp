@@ -39,7 +39,7 @@ struct CallOptions : LinkedOptions {
 };
 
 int carryOutCall(const CallOptions& options) {
-  Call call = parseCall(options.method, options.arguments);
+  MethodCall call = parseCall(options.method, options.arguments);
   const auto connection = open(options.link.find().value_or(LinkOptions()));
   for (const std::string& property : options.properties) setProperty(connection->serial(), property);
   const CallResult result = perform(connection->serial(), call);
@@ -55,8 +55,8 @@ int carryOutCall(const CallOptions& options) {
 
 }  // namespace
 
-void addCall(const CommandLine& velk, Run& run) {
-  addCommand<CallOptions>(velk, run, "call", "Call a method, or read a property", "", carryOutCall)
+void addCall(const CommandLine& velk, Job& job) {
+  addCommand<CallOptions>(velk, job, "call", "MethodCall a method, or read a property", "", carryOutCall)
       .footer(notes);
 }
 

@@ -41,8 +41,8 @@ int carryOutClock(const ClockOptions& options) {
 
 }  // namespace
 
-void addClock(const CommandLine& velk, Run& run) {
-  addCommand<ClockOptions>(velk, run, "clock", "Show the controller's clock beside the PC's, or set it",
+void addClock(const CommandLine& velk, Job& job) {
+  addCommand<ClockOptions>(velk, job, "clock", "Show the controller's clock beside the PC's, or set it",
                            "  velk clock --simulate\n  velk clock set\n", carryOutClock);
 }
 

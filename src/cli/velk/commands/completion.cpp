@@ -29,8 +29,8 @@ std::string bashScript(const CommandLine& velk) {
 
 }  // namespace
 
-void addCompletion(const CommandLine& velk, Run& run) {
-  addCommand<CompletionOptions>(velk, run, "completion", "Print a completion script for a shell",
+void addCompletion(const CommandLine& velk, Job& job) {
+  addCommand<CompletionOptions>(velk, job, "completion", "Print a completion script for a shell",
                                 "  source <(velk completion bash)\n",
                                 [&velk](const CompletionOptions& /*options*/) {
                                   std::cout << bashScript(velk);

@@ -48,8 +48,8 @@ int carryOutDiff(const DiffOptions& options) {
 
 }  // namespace
 
-void addDiff(const CommandLine& velk, Run& run) {
-  addCommand<DiffOptions>(velk, run, "diff",
+void addDiff(const CommandLine& velk, Job& job) {
+  addCommand<DiffOptions>(velk, job, "diff",
                           "Tell what differs between two backups, or a backup and the controller",
                           "  velk diff before.json after.json\n"
                           "  velk diff --tcp 192.168.1.20:8445 house.json\n"

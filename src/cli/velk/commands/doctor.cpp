@@ -12,9 +12,9 @@ struct DoctorOptions {
 
 }  // namespace
 
-void addDoctor(const CommandLine& velk, Run& run) {
+void addDoctor(const CommandLine& velk, Job& job) {
   addCommand<DoctorOptions>(
-      velk, run, "doctor", "Windows: tell how the component is registered, and what to mend",
+      velk, job, "doctor", "Windows: tell how the component is registered, and what to mend",
       "  velk doctor\n  velk doctor --json\n"
       "\nEnds with 0 when a program of this bitness can create the component, else with 1.\n",
       [](const DoctorOptions& options) { return reportComponent(options.json); });

@@ -41,8 +41,8 @@ int carryOutInfraredText(const InfraredTextOptions& options) {
 
 }  // namespace
 
-void addInfraredText(const CommandLine& velk, Run& run) {
-  addCommand<InfraredTextOptions>(velk, run, "ir-text", "Store an infrared text",
+void addInfraredText(const CommandLine& velk, Job& job) {
+  addCommand<InfraredTextOptions>(velk, job, "ir-text", "Store an infrared text",
                                   "  velk ir-text --simulate 3 \"Television\"\n", carryOutInfraredText);
 }
 

@@ -3,31 +3,31 @@
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 #include "controller/ctl_lang.h"
 #include "controller/languages.h"
 
 namespace velk::cli {
 namespace {
 
-struct Language {
+struct LanguageName {
   const char* code;
   const char* name;
 };
 
 constexpr std::array languages{
-    Language{"N", "Dutch"},
-    Language{"E", "English"},
-    Language{"F", "French"},
-    Language{"D", "German"},
-    Language{"B", "Portuguese of Brazil"},
-    Language{"P", "Portuguese"},
-    Language{"S", "Spanish"},
+    LanguageName{"N", "Dutch"},
+    LanguageName{"E", "English"},
+    LanguageName{"F", "French"},
+    LanguageName{"D", "German"},
+    LanguageName{"B", "Portuguese of Brazil"},
+    LanguageName{"P", "Portuguese"},
+    LanguageName{"S", "Spanish"},
 };
 
 std::string listOfLanguages() {
   std::string text = "\nLanguages:\n";
-  for (const Language& language : languages)
+  for (const LanguageName& language : languages)
     text.append("  ").append(language.code).append("  ").append(language.name).append("\n");
   return text;
 }
@@ -62,8 +62,8 @@ int carryOutLanguage(const LanguageOptions& options) {
 
 }  // namespace
 
-void addLanguage(const CommandLine& velk, Run& run) {
-  addCommand<LanguageOptions>(velk, run, "language", "Write the display texts of a language",
+void addLanguage(const CommandLine& velk, Job& job) {
+  addCommand<LanguageOptions>(velk, job, "language", "Write the display texts of a language",
                               "  velk language --simulate E\n" + listOfLanguages(), carryOutLanguage);
 }
 

@@ -33,7 +33,7 @@ struct ListCommand {
 };
 
 template <class Options>
-void addList(const CommandLine& velk, Run& run, const ListCommand<Options>& command) {
+void addList(const CommandLine& velk, Job& job, const ListCommand<Options>& command) {
   const auto carryOut = [command](const Options& options) {
     const auto connection = open(options.link.required());
     List list{.table = Table(command.headings)};
@@ -46,7 +46,7 @@ void addList(const CommandLine& velk, Run& run, const ListCommand<Options>& comm
     for (const std::string& failure : list.failures) std::cerr << "velk: " << failure << '\n';
     return list.failures.empty() ? success : badResult;
   };
-  addCommand<Options>(velk, run, command.name, command.help, command.examples, carryOut);
+  addCommand<Options>(velk, job, command.name, command.help, command.examples, carryOut);
 }
 
 void listOutputs(Serial& serial, const LinkedOptions& /*options*/, List& list) {
@@ -114,9 +114,9 @@ void listModules(Serial& serial, const ModulesOptions& options, List& list) {
 
 }  // namespace
 
-void addOutputs(const CommandLine& velk, Run& run) {
+void addOutputs(const CommandLine& velk, Job& job) {
   addList<LinkedOptions>(
-      velk, run,
+      velk, job,
       {"outputs",
        "List the outputs that have a mode or a name",
        "  velk outputs --simulate\n  VELK_LINK=tcp://192.168.1.20:8445 velk outputs --json\n",
@@ -125,8 +125,8 @@ void addOutputs(const CommandLine& velk, Run& run) {
        listOutputs});
 }
 
-void addLinks(const CommandLine& velk, Run& run) {
-  addList<LinkedOptions>(velk, run,
+void addLinks(const CommandLine& velk, Job& job) {
+  addList<LinkedOptions>(velk, job,
                          {"links",
                           "List the links of sources to outputs and inputs",
                           "  velk links --simulate\n  velk links --serial /dev/ttyUSB0 --json\n",
@@ -135,8 +135,8 @@ void addLinks(const CommandLine& velk, Run& run) {
                           listLinks});
 }
 
-void addPresets(const CommandLine& velk, Run& run) {
-  addList<LinkedOptions>(velk, run,
+void addPresets(const CommandLine& velk, Job& job) {
+  addList<LinkedOptions>(velk, job,
                          {"presets",
                           "List the presets in use",
                           "  velk presets --simulate\n  velk presets --json\n",
@@ -145,8 +145,8 @@ void addPresets(const CommandLine& velk, Run& run) {
                           listPresets});
 }
 
-void addSwitchTimes(const CommandLine& velk, Run& run) {
-  addList<LinkedOptions>(velk, run,
+void addSwitchTimes(const CommandLine& velk, Job& job) {
+  addList<LinkedOptions>(velk, job,
                          {"switch-times",
                           "List the switch times",
                           "  velk switch-times --simulate\n  velk switch-times --json\n",
@@ -155,8 +155,8 @@ void addSwitchTimes(const CommandLine& velk, Run& run) {
                           listSwitchTimes});
 }
 
-void addSimulation(const CommandLine& velk, Run& run) {
-  addList<LinkedOptions>(velk, run,
+void addSimulation(const CommandLine& velk, Job& job) {
+  addList<LinkedOptions>(velk, job,
                          {"simulation",
                           "List the recorded events of the simulation",
                           "  velk simulation --simulate\n  velk simulation --json\n",
@@ -165,8 +165,8 @@ void addSimulation(const CommandLine& velk, Run& run) {
                           listEvents});
 }
 
-void addModules(const CommandLine& velk, Run& run) {
-  addList<ModulesOptions>(velk, run,
+void addModules(const CommandLine& velk, Job& job) {
+  addList<ModulesOptions>(velk, job,
                           {"modules",
                            "Show modules by their serial numbers",
                            "  velk modules --simulate 090500 100100\n  velk modules 090500 --json\n"

@@ -80,7 +80,7 @@ class Arguments {
 };
 
 /// The byte that says how a call ended; none where the result says no such thing.
-std::optional<Byte> codeOf(const Call& call, const Value& result) {
+std::optional<Byte> codeOf(const MethodCall& call, const Value& result) {
   switch (resultKindOf(*call.method)) {
     case ResultKind::code:
       return std::get<Byte>(convert(result, Type::byte));
@@ -111,7 +111,7 @@ Json jsonValue(const Value& value) {
 }
 
 template <class Use>
-void forEachWrittenBack(const Call& call, Use use) {
+void forEachWrittenBack(const MethodCall& call, Use use) {
   for (std::size_t i = 0; i < call.method->count; ++i) {
     const Parameter& parameter = call.method->slots[i];
     if (parameter.inOut) use(std::string(parameter.name), call.arguments[i]);
@@ -136,8 +136,8 @@ std::string describe(const Parameter& parameter) {
 
 }  // namespace
 
-Call parseCall(const std::string& name, const std::vector<std::string>& words) {
-  Call call{.method = &methodNamed(name), .arguments = {}};
+MethodCall parseCall(const std::string& name, const std::vector<std::string>& words) {
+  MethodCall call{.method = &methodNamed(name), .arguments = {}};
   Arguments arguments(*call.method);
   for (const std::string& word : words) arguments.add(word);
   call.arguments = arguments.complete();
@@ -156,7 +156,7 @@ void setProperty(Serial& serial, const std::string& assignment) {
   }
 }
 
-CallResult perform(Serial& serial, Call& call) {
+CallResult perform(Serial& serial, MethodCall& call) {
   try {
     return {.result = call.method->call(serial, call.arguments.data()), .errorNumber = {}, .errorText = {}};
   } catch (const RuntimeError& error) {
@@ -164,12 +164,12 @@ CallResult perform(Serial& serial, Call& call) {
   }
 }
 
-ExitStatus exitStatusOf(const Call& call, const CallResult& result) {
+ExitStatus exitStatusOf(const MethodCall& call, const CallResult& result) {
   if (result.errorNumber) return runtimeError;
   return codeOf(call, result.result).value_or(0) == 0 ? success : badResult;
 }
 
-std::string textOf(const Call& call, const CallResult& result) {
+std::string textOf(const MethodCall& call, const CallResult& result) {
   std::string text = escaped(toText(result.result));
   if (const auto code = codeOf(call, result.result)) text += "  (" + meaningOf(*code) + ")";
   text += '\n';
@@ -179,7 +179,7 @@ std::string textOf(const Call& call, const CallResult& result) {
   return text;
 }
 
-std::string jsonOf(const Call& call, const CallResult& result) {
+std::string jsonOf(const MethodCall& call, const CallResult& result) {
   Json json{{"method", call.method->name}};
   if (result.errorNumber) {
     json["error"] = {{"number", *result.errorNumber}, {"text", result.errorText}};

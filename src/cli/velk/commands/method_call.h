@@ -11,7 +11,7 @@
 namespace velk::cli {
 
 /// A method with its arguments, ready to be called.
-struct Call {
+struct MethodCall {
   const Method* method = nullptr;
   std::vector<Value> arguments;
 };
@@ -25,24 +25,24 @@ struct CallResult {
 
 /// Reads a method's name and its arguments, by position or as NAME=VALUE, texts with escapes. Throws
 /// std::invalid_argument with a sentence.
-Call parseCall(const std::string& name, const std::vector<std::string>& words);
+MethodCall parseCall(const std::string& name, const std::vector<std::string>& words);
 
 /// Sets a property from "NAME=VALUE". Throws std::invalid_argument with a sentence.
 void setProperty(Serial& serial, const std::string& assignment);
 
 /// Calls; the arguments receive what is written back.
-CallResult perform(Serial& serial, Call& call);
+CallResult perform(Serial& serial, MethodCall& call);
 
 /// Bad when a result byte or the status of a transaction is not 0, or when there was a run-time error.
-ExitStatus exitStatusOf(const Call& call, const CallResult& result);
+ExitStatus exitStatusOf(const MethodCall& call, const CallResult& result);
 
 /// The result with its meaning, then each by-reference argument as NAME=VALUE on a line of its own. A
 /// run-time error is left to the caller.
-std::string textOf(const Call& call, const CallResult& result);
+std::string textOf(const MethodCall& call, const CallResult& result);
 
 /// The same as one JSON object: "method", "result", "meaning" where the result has one, "arguments" with what
 /// was written back; or "error" with "number" and "text".
-std::string jsonOf(const Call& call, const CallResult& result);
+std::string jsonOf(const MethodCall& call, const CallResult& result);
 
 /// All methods and properties with their parameters, types and defaults.
 std::string listOfMethods();

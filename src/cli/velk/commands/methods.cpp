@@ -17,8 +17,8 @@ int printMethods(const MethodsOptions& options) {
 
 }  // namespace
 
-void addMethods(const CommandLine& velk, Run& run) {
-  addCommand<MethodsOptions>(velk, run, "methods", "List all methods and properties",
+void addMethods(const CommandLine& velk, Job& job) {
+  addCommand<MethodsOptions>(velk, job, "methods", "List all methods and properties",
                              "  velk methods\n  velk methods --json\n", printMethods);
 }
 

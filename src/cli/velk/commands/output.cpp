@@ -141,9 +141,9 @@ int carryOutOutput(const OutputOptions& options) {
 
 }  // namespace
 
-void addOutput(const CommandLine& velk, Run& run) {
+void addOutput(const CommandLine& velk, Job& job) {
   addCommand<OutputOptions>(
-      velk, run, "output", "Show an output, or set its mode and items",
+      velk, job, "output", "Show an output, or set its mode and items",
       "  velk output --simulate 5\n"
       "  velk output 5 set T1 3=30 4=M\n"
       "  velk output 6 set RO\n"

@@ -38,8 +38,8 @@ int carryOutPreset(const PresetOptions& options) {
 
 }  // namespace
 
-void addPreset(const CommandLine& velk, Run& run) {
-  addCommand<PresetOptions>(velk, run, "preset", "Show a preset with its records",
+void addPreset(const CommandLine& velk, Job& job) {
+  addCommand<PresetOptions>(velk, job, "preset", "Show a preset with its records",
                             "  velk preset --simulate 2\n  velk preset 2 --json\n", carryOutPreset);
 }
 

@@ -38,17 +38,17 @@ struct RestoreOptions : LinkedOptions {
 };
 
 /// Neighbouring bytes of one line, which one transaction writes.
-struct Piece {
+struct Patch {
   Address at;
   Bytes bytes;
 };
 
-std::vector<Piece> piecesOf(const std::vector<Address>& addresses, const Lines& lines) {
-  std::vector<Piece> pieces;
+std::vector<Patch> patchesOf(const std::vector<Address>& addresses, const Lines& lines) {
+  std::vector<Patch> patches;
   for (const Address at : addresses) {
     const char value = character(byteOf(lines, at));
-    if (!pieces.empty()) {
-      Piece& last = pieces.back();
+    if (!patches.empty()) {
+      Patch& last = patches.back();
       const bool follows = last.at.area == at.area && last.at.page == at.page &&
                            last.at.offset + last.bytes.size() == at.offset && at.offset % lineSize != 0;
       if (follows) {
@@ -56,9 +56,9 @@ std::vector<Piece> piecesOf(const std::vector<Address>& addresses, const Lines& 
         continue;
       }
     }
-    pieces.push_back({at, Bytes(1, value)});
+    patches.push_back({at, Bytes(1, value)});
   }
-  return pieces;
+  return patches;
 }
 
 /// What has to be written of a thing that differs: the bytes that do, but a list of events up to its end.
@@ -82,9 +82,9 @@ std::vector<Address> bytesToWrite(const Difference& difference, const Lines& lin
 
 /// Writes one thing and reads every byte back.
 void restoreOne(Serial& serial, const Difference& difference, const Backup& backup) {
-  for (const Piece& piece : piecesOf(bytesToWrite(difference, backup.lines), backup.lines)) {
-    writeBytes(serial, piece.at, piece.bytes);
-    if (readBytes(serial, piece.at, piece.bytes.size()) != piece.bytes) {
+  for (const Patch& patch : patchesOf(bytesToWrite(difference, backup.lines), backup.lines)) {
+    writeBytes(serial, patch.at, patch.bytes);
+    if (readBytes(serial, patch.at, patch.bytes.size()) != patch.bytes) {
       expectDone(readsBackDifferent, "reading back " + difference.title);
     }
   }
@@ -212,7 +212,8 @@ bool isTrusted(const RestoreOptions& options, const Backup& backup) {
 bool isWritable(const Difference& difference) {
   const auto& changes = difference.changes;
   return !difference.addresses.empty() ||
-         std::any_of(changes.begin(), changes.end(), [](const Change& c) { return c.field == "record"; });
+         std::any_of(changes.begin(), changes.end(),
+                     [](const ChangedDetail& c) { return c.name == "record"; });
 }
 
 int carryOutRestore(const RestoreOptions& options) {
@@ -246,9 +247,9 @@ int carryOutRestore(const RestoreOptions& options) {
 
 }  // namespace
 
-void addRestore(const CommandLine& velk, Run& run) {
+void addRestore(const CommandLine& velk, Job& job) {
   addCommand<RestoreOptions>(
-      velk, run, "restore", "Write a backup to the controller, where it differs",
+      velk, job, "restore", "Write a backup to the controller, where it differs",
       "  velk restore house.json --dry-run\n"
       "  velk restore --tcp 192.168.1.20:8445 house.json --only outputs,links\n"
       "  velk restore house.json --yes\n"

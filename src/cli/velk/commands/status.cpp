@@ -20,13 +20,13 @@ struct Latency {
 };
 
 Latency measure(Serial& serial) {
-  using Clock = std::chrono::steady_clock;
+  using std::chrono::steady_clock;
   constexpr std::size_t reads = 21;
   std::vector<double> times;
   for (std::size_t i = 0; i < reads; ++i) {
-    const auto start = Clock::now();
+    const auto start = steady_clock::now();
     readMemory(serial, controller::firstSetting, 1);
-    times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    times.push_back(std::chrono::duration<double, std::milli>(steady_clock::now() - start).count());
   }
   std::sort(times.begin(), times.end());
   return {.least = times.front(), .median = times[reads / 2], .p95 = times[reads * 95 / 100]};
@@ -70,7 +70,7 @@ Firmware readFirmware(Serial& serial) {
           .further = block.substr(clockEnd)};
 }
 
-struct Status {
+struct StatusReport {
   std::string link;
   Latency latency;
   ClockReading clock;
@@ -78,7 +78,7 @@ struct Status {
   Interface medium;
 };
 
-Status readStatus(Serial& serial, const std::string& link) {
+StatusReport readStatus(Serial& serial, const std::string& link) {
   return {.link = link,
           .latency = measure(serial),
           .clock = readClock(serial),
@@ -97,7 +97,7 @@ Json jsonOf(const Latency& latency) {
   return {{"min", latency.least}, {"median", latency.median}, {"p95", latency.p95}};
 }
 
-Json jsonOf(const Status& status) {
+Json jsonOf(const StatusReport& status) {
   return {{"link", status.link},
           {"kind", status.medium.kind},
           {"interface", status.medium.words},
@@ -106,7 +106,7 @@ Json jsonOf(const Status& status) {
           {"firmware", jsonOf(status.firmware)}};
 }
 
-void print(const Status& status) {
+void print(const StatusReport& status) {
   const auto& [link, latency, clock, firmware, medium] = status;
   std::cout << "link        " << link << '\n'
             << "interface   " << medium.words << '\n'
@@ -121,7 +121,7 @@ void print(const Status& status) {
 int carryOutStatus(const LinkedOptions& options) {
   const LinkOptions link = options.link.required();
   const auto connection = open(link);
-  const Status status = readStatus(connection->serial(), nameOf(link));
+  const StatusReport status = readStatus(connection->serial(), nameOf(link));
   if (options.json) {
     std::cout << jsonOf(status) << '\n';
   } else {
@@ -132,9 +132,9 @@ int carryOutStatus(const LinkedOptions& options) {
 
 }  // namespace
 
-void addStatus(const CommandLine& velk, Run& run) {
+void addStatus(const CommandLine& velk, Job& job) {
   addCommand<LinkedOptions>(
-      velk, run, "status", "Show link, round-trip times, clock and firmware",
+      velk, job, "status", "Show link, round-trip times, clock and firmware",
       "  velk status --simulate\n  velk status --tcp 192.168.1.20:8445 --password 1234\n"
       "\n"
       "  link        as in VELK_LINK, without the password\n"

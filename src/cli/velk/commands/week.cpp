@@ -49,8 +49,8 @@ int carryOutWeek(const WeekOptions& options) {
 
 }  // namespace
 
-void addWeek(const CommandLine& velk, Run& run) {
-  addCommand<WeekOptions>(velk, run, "week", "Show the week: switch times and simulation",
+void addWeek(const CommandLine& velk, Job& job) {
+  addCommand<WeekOptions>(velk, job, "week", "Show the week: switch times and simulation",
                           "  velk week --simulate\n  velk week --html week.html\n", carryOutWeek);
 }
 

@@ -12,20 +12,20 @@ namespace {
 
 enum class Stage : Byte { port, greeting, login };
 
-struct Reason {
+struct Explanation {
   Stage stage;
   Byte result;
   std::string_view sentence;
 };
 
-constexpr std::array reasons{
-    Reason{Stage::port, portAlreadyOpen, "the port is open already, here or in another program"},
-    Reason{Stage::port, otherFailure,
-           "there is no such port, it may not be opened, or it does not take the rate"},
-    Reason{Stage::greeting, noReply,
-           "no interface of a controller answers there; check address, port and network"},
-    Reason{Stage::login, noReply, "the interface does not answer the login"},
-    Reason{Stage::login, echoFault, "something else than the answer to the login came"},
+constexpr std::array explanations{
+    Explanation{Stage::port, portAlreadyOpen, "the port is open already, here or in another program"},
+    Explanation{Stage::port, otherFailure,
+                "there is no such port, it may not be opened, or it does not take the rate"},
+    Explanation{Stage::greeting, noReply,
+                "no interface of a controller answers there; check address, port and network"},
+    Explanation{Stage::login, noReply, "the interface does not answer the login"},
+    Explanation{Stage::login, echoFault, "something else than the answer to the login came"},
 };
 
 std::string refusal(const LinkOptions& link) {
@@ -34,10 +34,10 @@ std::string refusal(const LinkOptions& link) {
 }
 
 std::string reasonOf(const LinkOptions& link, Stage stage, Byte result) {
-  const auto* const found = std::find_if(reasons.begin(), reasons.end(), [&](const Reason& row) {
-    return row.stage == stage && row.result == result;
-  });
-  if (found != reasons.end()) return std::string(found->sentence);
+  const auto* const found =
+      std::find_if(explanations.begin(), explanations.end(),
+                   [&](const Explanation& row) { return row.stage == stage && row.result == result; });
+  if (found != explanations.end()) return std::string(found->sentence);
   return stage == Stage::login ? refusal(link) : meaningOf(result);
 }
 

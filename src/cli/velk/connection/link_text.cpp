@@ -23,22 +23,22 @@ int number(std::string_view name, std::string_view digits, int lowest, int highe
   return *value;
 }
 
-enum class Kind : Byte { tcp, serial, simulate };
+enum class Medium : Byte { tcp, serial, simulate };
 
 struct Scheme {
   std::string_view prefix;
-  Kind kind;
+  Medium medium;
 };
 
 constexpr std::array schemes{
-    Scheme{"tcp://", Kind::tcp},
-    Scheme{"serial:", Kind::serial},
-    Scheme{"simulate:", Kind::simulate},
+    Scheme{"tcp://", Medium::tcp},
+    Scheme{"serial:", Medium::serial},
+    Scheme{"simulate:", Medium::simulate},
 };
 
 struct Setting {
   std::string_view name;
-  Kind kind;
+  Medium medium;
   void (*apply)(LinkOptions&, std::string_view value);
 };
 
@@ -49,40 +49,40 @@ void setAddress(LinkOptions& link, std::string_view value) {
 
 constexpr std::array settings{
     Setting{
-        "password", Kind::tcp,
+        "password", Medium::tcp,
         [](LinkOptions& link, std::string_view value) { link.password = checkedPassword(unescaped(value)); }},
-    Setting{"address", Kind::tcp, setAddress},
-    Setting{"address", Kind::serial, setAddress},
-    Setting{"fast", Kind::serial, [](LinkOptions& link, std::string_view) { link.fast = true; }},
-    Setting{"baud", Kind::serial,
+    Setting{"address", Medium::tcp, setAddress},
+    Setting{"address", Medium::serial, setAddress},
+    Setting{"fast", Medium::serial, [](LinkOptions& link, std::string_view) { link.fast = true; }},
+    Setting{"baud", Medium::serial,
             [](LinkOptions& link, std::string_view value) {
               link.baud = static_cast<std::int16_t>(number("baud", value, lowestBaud, highestBaud));
             }},
 };
 
-void apply(LinkOptions& link, Kind kind, std::string_view setting) {
+void apply(LinkOptions& link, Medium medium, std::string_view setting) {
   const auto equals = setting.find('=');
   const std::string_view name = setting.substr(0, equals);
   const auto* const found = std::find_if(settings.begin(), settings.end(), [&](const Setting& row) {
-    return row.kind == kind && row.name == name;
+    return row.medium == medium && row.name == name;
   });
   if (found == settings.end()) fail("has no \"" + std::string(name) + "\" in a link of this kind");
   found->apply(link, equals == std::string_view::npos ? std::string_view() : setting.substr(equals + 1));
 }
 
-void applyAll(LinkOptions& link, Kind kind, std::string_view list) {
+void applyAll(LinkOptions& link, Medium medium, std::string_view list) {
   while (!list.empty()) {
     const auto end = std::min(list.find('&'), list.size());
-    apply(link, kind, list.substr(0, end));
+    apply(link, medium, list.substr(0, end));
     list.remove_prefix(std::min(end + 1, list.size()));
   }
 }
 
-void setTarget(LinkOptions& link, Kind kind, std::string_view target) {
-  if (target.empty() != (kind == Kind::simulate)) fail("misses its target, or has one too many");
-  link.simulate = kind == Kind::simulate;
-  if (kind == Kind::tcp) link.tcp = target;
-  if (kind == Kind::serial) link.serial = target;
+void setTarget(LinkOptions& link, Medium medium, std::string_view target) {
+  if (target.empty() != (medium == Medium::simulate)) fail("misses its target, or has one too many");
+  link.simulate = medium == Medium::simulate;
+  if (medium == Medium::tcp) link.tcp = target;
+  if (medium == Medium::serial) link.serial = target;
 }
 
 }  // namespace
@@ -95,8 +95,8 @@ LinkOptions parseLink(const std::string& text) {
   const std::string_view rest = std::string_view(text).substr(scheme->prefix.size());
   const auto question = std::min(rest.find('?'), rest.size());
   LinkOptions link;
-  setTarget(link, scheme->kind, rest.substr(0, question));
-  applyAll(link, scheme->kind, rest.substr(std::min(question + 1, rest.size())));
+  setTarget(link, scheme->medium, rest.substr(0, question));
+  applyAll(link, scheme->medium, rest.substr(std::min(question + 1, rest.size())));
   return link;
 }
 

@@ -45,7 +45,7 @@ const Registration* effective(const ComponentState& state, int bits) {
   const Registration* best = nullptr;
   for (const Registration& registration : state.registrations) {
     const bool counts = registration.bits == bits && !registration.library.empty();
-    if (counts && (best == nullptr || registration.audience == Audience::user)) best = &registration;
+    if (counts && (best == nullptr || registration.scope == Scope::user)) best = &registration;
   }
   return best;
 }
@@ -65,22 +65,22 @@ fs::path libraryFor(const ComponentState& state, int bits) {
   return name;
 }
 
-Remedy remedy(const ComponentState& state, int bits, Audience audience) {
+Remedy remedy(const ComponentState& state, int bits, Scope scope) {
   const bool other = bits == narrow && !state.narrowFolder.empty();
   const fs::path registrar = other ? state.narrowFolder / "regsvr32" : fs::path("regsvr32");
   return {.bits = bits,
-          .audience = audience,
-          .command = quoted(registrar) + (audience == Audience::user ? " /n /i:user " : " ") +
+          .scope = scope,
+          .command = quoted(registrar) + (scope == Scope::user ? " /n /i:user " : " ") +
                      quoted(libraryFor(state, bits))};
 }
 
 /// For whom the component has to be registered so that programs of this bitness get it.
-std::vector<Audience> missingFor(const ComponentState& state, int bits) {
+std::vector<Scope> missingFor(const ComponentState& state, int bits) {
   const Registration* const found = effective(state, bits);
-  if (found == nullptr) return {Audience::everybody, Audience::user};
-  if (!faultOf(*found).empty()) return {found->audience};
+  if (found == nullptr) return {Scope::everybody, Scope::user};
+  if (!faultOf(*found).empty()) return {found->scope};
   // What is registered for a user does not count in a program that was started as an administrator.
-  if (bits == ownBits && state.result != 0) return {Audience::everybody};
+  if (bits == ownBits && state.result != 0) return {Scope::everybody};
   return {};
 }
 
@@ -107,7 +107,7 @@ std::vector<Remedy> remediesFor(const ComponentState& state) {
     const bool known = std::any_of(state.registrations.begin(), state.registrations.end(),
                                    [&](const Registration& row) { return row.bits == bits; });
     if (!known) continue;
-    for (const Audience audience : missingFor(state, bits)) remedies.push_back(remedy(state, bits, audience));
+    for (const Scope scope : missingFor(state, bits)) remedies.push_back(remedy(state, bits, scope));
   }
   return remedies;
 }

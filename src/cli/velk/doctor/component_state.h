@@ -11,7 +11,7 @@
 /// How the component is registered in this system, and whether it can be created.
 namespace velk::cli {
 
-enum class Audience : Byte { everybody, user };
+enum class Scope : Byte { everybody, user };
 
 constexpr int narrow = 32;
 constexpr int wide = 64;
@@ -19,7 +19,7 @@ constexpr int wide = 64;
 /// A place in the registry where programs find the component; the user's own comes before everybody's.
 struct Registration {
   int bits;  ///< of the programs that look there
-  Audience audience;
+  Scope scope;
   std::filesystem::path library;  ///< empty when nothing is registered there
 };
 
@@ -42,7 +42,7 @@ std::string failureOf(const ComponentState& state);
 /// A line to type that registers the component.
 struct Remedy {
   int bits;
-  Audience audience;
+  Scope scope;
   std::string command;
 };
 

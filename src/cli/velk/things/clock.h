@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 

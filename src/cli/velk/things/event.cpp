@@ -44,12 +44,12 @@ Json jsonOf(const Event& event) {
       {"day", weekday(event.day)}, {"time", timeOf(event)}, {"data", jsonOfBytes(slice(event.record, 2))}};
 }
 
-Fields fieldsOf(const std::vector<Event>& events) {
-  Fields fields;
+Details detailsOf(const std::vector<Event>& events) {
+  Details details;
   for (const Event& event : events) {
-    fields.push_back({"event " + std::to_string(fields.size() + 1), timeOf(event) + " " + actionOf(event)});
+    details.push_back({"event " + std::to_string(details.size() + 1), timeOf(event) + " " + actionOf(event)});
   }
-  return fields;
+  return details;
 }
 
 }  // namespace velk::cli

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -28,6 +28,6 @@ std::string timeOf(const Event& event);
 std::string actionOf(const Event& event);
 
 Json jsonOf(const Event& event);
-Fields fieldsOf(const std::vector<Event>& events);
+Details detailsOf(const std::vector<Event>& events);
 
 }  // namespace velk::cli

@@ -80,7 +80,7 @@ Module moduleOfJson(const Json& json) {
   return module;
 }
 
-Fields fieldsOf(const Module& module) {
+Details detailsOf(const Module& module) {
   return {{"model", module.model}, {"firmware", module.firmware}, {"record", numbers(module.record)}};
 }
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -30,6 +30,6 @@ std::string titleOf(const Module& module);
 
 Json jsonOf(const Module& module);
 Module moduleOfJson(const Json& json);
-Fields fieldsOf(const Module& module);
+Details detailsOf(const Module& module);
 
 }  // namespace velk::cli

@@ -134,13 +134,13 @@ Json jsonOf(const Output& output) {
   return json;
 }
 
-Fields fieldsOf(const Output& output) {
-  Fields fields{{"name", output.name}, {"mode", output.mode}};
+Details detailsOf(const Output& output) {
+  Details details{{"name", output.name}, {"mode", output.mode}};
   const auto* const layout = parameters::layoutOf(output.mode);
   for (std::size_t i = 0; layout != nullptr && i < output.items.size(); ++i) {
-    fields.push_back({"item " + std::to_string(i), valueOf(layout->items[i], output.items[i])});
+    details.push_back({"item " + std::to_string(i), valueOf(layout->items[i], output.items[i])});
   }
-  return fields;
+  return details;
 }
 
 }  // namespace velk::cli

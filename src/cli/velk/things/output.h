@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 #include "parameters/items.h"
 
 namespace velk::cli {
@@ -49,6 +49,6 @@ Json jsonOf(const Output& output);
 /// The same without items.
 Json jsonOfHead(const Output& output);
 
-Fields fieldsOf(const Output& output);
+Details detailsOf(const Output& output);
 
 }  // namespace velk::cli

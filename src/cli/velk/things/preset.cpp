@@ -54,15 +54,15 @@ Json jsonOf(const Preset& preset) {
   return json;
 }
 
-Fields fieldsOf(const Preset& preset) {
-  Fields fields{{"text", preset.text},
-                {"delay 1", std::to_string(preset.delay1)},
-                {"delay 2", preset.delay2 == 0 ? "none" : std::to_string(preset.delay2)},
-                {"simulation", preset.simulated ? "yes" : "no"}};
+Details detailsOf(const Preset& preset) {
+  Details details{{"text", preset.text},
+                  {"delay 1", std::to_string(preset.delay1)},
+                  {"delay 2", preset.delay2 == 0 ? "none" : std::to_string(preset.delay2)},
+                  {"simulation", preset.simulated ? "yes" : "no"}};
   for (const Preset::Record& record : preset.records) {
-    fields.push_back({"record " + std::to_string(record.number), numbers(record.bytes)});
+    details.push_back({"record " + std::to_string(record.number), numbers(record.bytes)});
   }
-  return fields;
+  return details;
 }
 
 }  // namespace velk::cli

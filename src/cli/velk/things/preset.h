@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -38,6 +38,6 @@ Json jsonOf(const Preset& preset);
 /// The same without records.
 Json jsonOfHead(const Preset& preset);
 
-Fields fieldsOf(const Preset& preset);
+Details detailsOf(const Preset& preset);
 
 }  // namespace velk::cli

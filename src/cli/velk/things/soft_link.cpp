@@ -92,7 +92,7 @@ Json jsonOf(const SoftLink& link) {
   return json;
 }
 
-Fields fieldsOf(const std::vector<SoftLink>& links, Byte sub) {
+Details detailsOf(const std::vector<SoftLink>& links, Byte sub) {
   const auto found =
       std::find_if(links.begin(), links.end(), [&](const SoftLink& link) { return link.sub == sub; });
   if (found == links.end()) return {{"destination", "none"}};

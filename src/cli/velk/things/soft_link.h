@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -46,7 +46,7 @@ std::string edgesOf(const SoftLink& link);
 
 Json jsonOf(const SoftLink& link);
 
-/// What the link `sub` among the links of a source does; one field that says so when it is not there.
-Fields fieldsOf(const std::vector<SoftLink>& links, Byte sub);
+/// What the link `sub` among the links of a source does; one detail that says so when it is not there.
+Details detailsOf(const std::vector<SoftLink>& links, Byte sub);
 
 }  // namespace velk::cli

@@ -55,7 +55,7 @@ Json jsonOf(const SwitchTime& time) {
   return json;
 }
 
-Fields fieldsOf(const SwitchTime& time) {
+Details detailsOf(const SwitchTime& time) {
   if (!isUsed(time)) return {{"time", "none"}};
   return {{"days", daysOf(time.days)}, {"time", timeOf(time)}, {"switches", actionOf(time)}};
 }

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 
@@ -31,6 +31,6 @@ std::string timeOf(const SwitchTime& time);
 std::string actionOf(const SwitchTime& time);
 
 Json jsonOf(const SwitchTime& time);
-Fields fieldsOf(const SwitchTime& time);
+Details detailsOf(const SwitchTime& time);
 
 }  // namespace velk::cli

@@ -18,15 +18,15 @@ std::wstring wideText(std::string_view ascii) {
 struct Place {
   int bits;
   REGSAM view;
-  Audience audience;
+  Scope scope;
   HKEY hive;
 };
 
 const std::array places{
-    Place{wide, KEY_WOW64_64KEY, Audience::everybody, HKEY_LOCAL_MACHINE},
-    Place{wide, KEY_WOW64_64KEY, Audience::user, HKEY_CURRENT_USER},
-    Place{narrow, KEY_WOW64_32KEY, Audience::everybody, HKEY_LOCAL_MACHINE},
-    Place{narrow, KEY_WOW64_32KEY, Audience::user, HKEY_CURRENT_USER},
+    Place{wide, KEY_WOW64_64KEY, Scope::everybody, HKEY_LOCAL_MACHINE},
+    Place{wide, KEY_WOW64_64KEY, Scope::user, HKEY_CURRENT_USER},
+    Place{narrow, KEY_WOW64_32KEY, Scope::everybody, HKEY_LOCAL_MACHINE},
+    Place{narrow, KEY_WOW64_32KEY, Scope::user, HKEY_CURRENT_USER},
 };
 
 std::filesystem::path libraryAt(const Place& place) {
@@ -96,8 +96,7 @@ ComponentState inspectComponent() {
   for (const Place& place : places) {
     // A 32-bit system has one view, and calls it by both names.
     if (place.bits == wide && state.narrowFolder.empty()) continue;
-    state.registrations.push_back(
-        {.bits = place.bits, .audience = place.audience, .library = libraryAt(place)});
+    state.registrations.push_back({.bits = place.bits, .scope = place.scope, .library = libraryAt(place)});
   }
   return state;
 }

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int programBits = sizeof(void*) * 8;
 
-std::string nameOf(Audience audience) {
-  return audience == Audience::user ? "this user" : "everybody";
+std::string nameOf(Scope scope) {
+  return scope == Scope::user ? "this user" : "everybody";
 }
 
 std::string programsOf(int bits) {
@@ -29,7 +29,7 @@ std::string verdictOn(const Registration& registration) {
 void print(const ComponentState& state) {
   Table table({"Programs", "For", "State", "File"});
   for (const Registration& row : state.registrations) {
-    table.add({programsOf(row.bits), nameOf(row.audience), verdictOn(row), row.library.string()});
+    table.add({programsOf(row.bits), nameOf(row.scope), verdictOn(row), row.library.string()});
   }
   table.print(std::cout);
   std::cout << "\nVelkCom.Serial in this " << programBits
@@ -38,7 +38,7 @@ void print(const ComponentState& state) {
   if (remedies.empty()) return;
   std::cout << "\nTo register it, for everybody as an administrator:\n";
   Table lines({"Programs", "For", "Type"});
-  for (const Remedy& row : remedies) lines.add({programsOf(row.bits), nameOf(row.audience), row.command});
+  for (const Remedy& row : remedies) lines.add({programsOf(row.bits), nameOf(row.scope), row.command});
   lines.print(std::cout);
 }
 
@@ -50,12 +50,12 @@ Json jsonOf(const ComponentState& state) {
             {"remedies", Json::array()}};
   for (const Registration& row : state.registrations) {
     json["registrations"].push_back({{"bits", row.bits},
-                                     {"for", nameOf(row.audience)},
+                                     {"for", nameOf(row.scope)},
                                      {"state", verdictOn(row)},
                                      {"file", row.library.string()}});
   }
   for (const Remedy& row : remediesFor(state)) {
-    json["remedies"].push_back({{"bits", row.bits}, {"for", nameOf(row.audience)}, {"command", row.command}});
+    json["remedies"].push_back({{"bits", row.bits}, {"for", nameOf(row.scope)}, {"command", row.command}});
   }
   return json;
 }

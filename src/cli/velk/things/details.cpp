@@ -1,4 +1,4 @@
-#include "cli/velk/things/fields.h"
+#include "cli/velk/things/details.h"
 
 #include "cli/velk/connection/transfer.h"
 

@@ -9,15 +9,15 @@
 
 namespace velk::cli {
 
-/// One property of a thing, as people read it.
-struct Field {
+/// One detail of a thing, as people read it.
+struct Detail {
   std::string name;
   std::string text;
 
-  friend bool operator==(const Field&, const Field&) = default;
+  friend bool operator==(const Detail&, const Detail&) = default;
 };
 
-using Fields = std::vector<Field>;
+using Details = std::vector<Detail>;
 
 /// Up to 16 bytes of the controller's memory. Throws `Failure` with the status of a transaction that fails.
 Bytes readMemory(Serial& serial, link::Address at, std::size_t count);
