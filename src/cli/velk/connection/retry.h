@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "cli/shared/failure.h"
+#include "cli/velk/connection/expect_done.h"
 #include "platform/host.h"
 
 namespace velk::cli {
