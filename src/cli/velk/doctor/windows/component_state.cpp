@@ -1,10 +1,11 @@
+#include "cli/velk/doctor/component_state.h"
+
 #include <objbase.h>
 #include <oleauto.h>
 #include <windows.h>
 
 #include <array>
 
-#include "cli/velk/doctor/component_state.h"
 #include "component/identity.h"
 
 namespace velk::cli {
