@@ -44,7 +44,7 @@ Backup parseBackup(std::string text);
 /// unfinished one too.
 Backup loadBackup(const std::string& path);
 
-/// The byte at an address.
+/// The byte at an address; 0 where its line is not there.
 Byte byteOf(const Lines& lines, Address at);
 
 /// The lines as a controller's memory.

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "cli/velk/backup/memory_reader.h"
+#include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/event.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"

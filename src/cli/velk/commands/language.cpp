@@ -3,7 +3,7 @@
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
-#include "cli/velk/things/details.h"
+#include "cli/velk/connection/transfer.h"
 #include "controller/ctl_lang.h"
 #include "controller/languages.h"
 

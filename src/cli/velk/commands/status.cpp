@@ -6,6 +6,7 @@
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/clock.h"
 #include "controller/ctl_init.h"
 

@@ -7,8 +7,8 @@
 
 namespace velk::cli {
 
-/// Whether a result says that a request or its reply was lost on the way (see `Result`), so that to
-/// ask again may help: nobody has refused anything.
+/// Whether a result says that a request or its reply was lost on the way (see `Result`), so that to ask again
+/// may help: nobody has refused anything.
 bool isLost(Byte result);
 
 /// Asks again for what a link has lost: up to three times, with a pause in front of each. The pause is

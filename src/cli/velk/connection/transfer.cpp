@@ -39,6 +39,10 @@ Bytes readTransfer(Serial& serial, link::Address at, std::size_t count, const st
   return reply.erase(0, 1);
 }
 
+Bytes readMemory(Serial& serial, link::Address at, std::size_t count) {
+  return readTransfer(serial, at, count, "page " + std::to_string(at.page));
+}
+
 void writeTransfer(Serial& serial, link::Address at, const Bytes& bytes, const std::string& what) {
   const auto write = [&] {
     return statusOf(serial.WriteCom(countFor(at, bytes.size()), at.high(), at.low(), directionOf(at), bytes),

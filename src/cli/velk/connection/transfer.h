@@ -11,6 +11,9 @@ namespace velk::cli {
 /// Throws `Failure` that names `what`.
 Bytes readTransfer(Serial& serial, link::Address at, std::size_t count, const std::string& what);
 
+/// The same, named by the page.
+Bytes readMemory(Serial& serial, link::Address at, std::size_t count);
+
 /// Writes them, likewise.
 void writeTransfer(Serial& serial, link::Address at, const Bytes& bytes, const std::string& what);
 

@@ -5,6 +5,7 @@
 
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/words.h"
 #include "controller/ctl_init.h"
 

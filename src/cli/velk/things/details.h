@@ -5,7 +5,6 @@
 
 #include "cli/shared/failure.h"
 #include "component/serial.h"
-#include "link/address.h"
 
 namespace velk::cli {
 
@@ -18,8 +17,5 @@ struct Detail {
 };
 
 using Details = std::vector<Detail>;
-
-/// Up to 16 bytes of the controller's memory. Throws `Failure` with the status of a transaction that fails.
-Bytes readMemory(Serial& serial, link::Address at, std::size_t count);
 
 }  // namespace velk::cli

@@ -26,7 +26,6 @@ Output readOutput(Serial& serial, Byte number);
 /// Reads only mode and name.
 Output readOutputHead(Serial& serial, Byte number);
 
-/// The name of an output.
 std::string outputName(Serial& serial, Byte number);
 
 /// "output 5 Hall ceiling".

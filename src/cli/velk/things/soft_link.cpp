@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/output.h"
 #include "controller/ctl_soft.h"
 
