@@ -279,8 +279,8 @@ std::string modes(const Language& language) {
   return lines;
 }
 
-std::string members(const Language& language, const velk::docstrings::Header& settings,
-                    const velk::docstrings::Header& serial) {
+std::string members(const Language& language, const velk::docstrings::ClassComments& settings,
+                    const velk::docstrings::ClassComments& serial) {
   std::string text;
   for (const Method& method : table) {
     const auto& members = method.kind == Kind::property ? settings.members : serial.members;
