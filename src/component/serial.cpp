@@ -223,7 +223,7 @@ Byte Serial::Module(const std::string& ReadOrWrite, const std::string& SerieNr, 
                     InOut<std::string> FWVersie) {
   return trappedModule([&](const modules::Mailbox& mailbox, Byte& result) {
     modules::Module(mailbox, ReadOrWrite,
-                    {.serieNr = SerieNr,
+                    {.serialNumber = SerieNr,
                      .data = *Data,
                      .offset = *Offset,
                      .model = *ModType,
@@ -260,7 +260,7 @@ Byte Serial::Sample(const std::string& ReadOrWrite, const std::string& SerieNr, 
                     InOut<Bytes> Data) {
   return trappedModule([&](const modules::Mailbox& mailbox, Byte& result) {
     result = modules::Sample(mailbox, ReadOrWrite,
-                             {.serieNr = SerieNr, .number = SampleNr, .bank = BankAofB, .data = *Data});
+                             {.serialNumber = SerieNr, .number = SampleNr, .bank = BankAofB, .data = *Data});
   });
 }
 

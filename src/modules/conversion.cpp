@@ -53,9 +53,9 @@ Positions knownModelFields(std::int16_t type, double serial) {
 
 }  // namespace
 
-Positions positionsReceived(std::string_view serieNr, bool knownModel) {
-  const double serial = serialValue(serieNr);
-  const std::int16_t type = ModuleType(serieNr);
+Positions positionsReceived(std::string_view serialNumber, bool knownModel) {
+  const double serial = serialValue(serialNumber);
+  const std::int16_t type = ModuleType(serialNumber);
   if (anyContains(neverReceived, serial)) return {};
   if (twentySevens.contains(serial)) return {2};
   if (anyContains(notReceived, serial) || !knownModel) return {};
@@ -63,11 +63,11 @@ Positions positionsReceived(std::string_view serieNr, bool knownModel) {
   return knownModelFields(type, serial);
 }
 
-Positions positionsSent(std::string_view serieNr, std::size_t size, bool knownModel) {
+Positions positionsSent(std::string_view serialNumber, std::size_t size, bool knownModel) {
   constexpr SerialRange singleField{831000, 839999};
   constexpr Byte singlePosition = 38;
-  const double serial = serialValue(serieNr);
-  const std::int16_t type = ModuleType(serieNr);
+  const double serial = serialValue(serialNumber);
+  const std::int16_t type = ModuleType(serialNumber);
   if (anyContains(neverSent, serial)) return {};
   if (twentySevens.contains(serial)) return {2};
   if (anyContains(notSent, serial)) return {};
@@ -92,14 +92,14 @@ Bytes ConvertRXSub(Bytes data, Byte position) {
   return data;
 }
 
-Bytes ConvertTXData(std::string_view serieNr, Bytes data, bool knownModel) {
-  for (const Byte position : positionsSent(serieNr, data.size(), knownModel))
+Bytes ConvertTXData(std::string_view serialNumber, Bytes data, bool knownModel) {
+  for (const Byte position : positionsSent(serialNumber, data.size(), knownModel))
     data = ConvertTXSub(std::move(data), position);
   return data;
 }
 
-Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel) {
-  for (const Byte position : positionsReceived(serieNr, knownModel))
+Bytes ConvertRXData(std::string_view serialNumber, Bytes data, bool knownModel) {
+  for (const Byte position : positionsReceived(serialNumber, knownModel))
     data = ConvertRXSub(std::move(data), position);
   return data;
 }

@@ -18,14 +18,14 @@ Bytes ConvertTXSub(Bytes data, Byte position);
 Bytes ConvertRXSub(Bytes data, Byte position);
 
 /// A record as it is sent to the module.
-Bytes ConvertTXData(std::string_view serieNr, Bytes data, bool knownModel);
+Bytes ConvertTXData(std::string_view serialNumber, Bytes data, bool knownModel);
 
 /// A record as the host sees it.
-Bytes ConvertRXData(std::string_view serieNr, Bytes data, bool knownModel);
+Bytes ConvertRXData(std::string_view serialNumber, Bytes data, bool knownModel);
 
 /// The positions that `ConvertTXData` converts, and those that `ConvertRXData` does. Hosts and modules rely
 /// on both as they are, and they are not mirror images of each other.
-std::vector<Byte> positionsSent(std::string_view serieNr, std::size_t size, bool knownModel);
-std::vector<Byte> positionsReceived(std::string_view serieNr, bool knownModel);
+std::vector<Byte> positionsSent(std::string_view serialNumber, std::size_t size, bool knownModel);
+std::vector<Byte> positionsReceived(std::string_view serialNumber, bool knownModel);
 
 }  // namespace velk::modules

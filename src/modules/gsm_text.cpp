@@ -40,7 +40,7 @@ bool readOnce(const Mailbox& mailbox, Bytes& data, Byte& result) {
   return result == 0;
 }
 
-void read(const Mailbox& mailbox, const Header& header, Bytes& data, Byte& result) {
+void read(const Mailbox& mailbox, const RequestHeader& header, Bytes& data, Byte& result) {
   // Only the trigger is repeated: the header stays, but for the reply code over its marker.
   mailbox.address(header, false);
   for (int i = 0; i < attempts; ++i) {
@@ -48,7 +48,7 @@ void read(const Mailbox& mailbox, const Header& header, Bytes& data, Byte& resul
   }
 }
 
-void write(const Mailbox& mailbox, const Header& header, std::string_view data, Byte& result) {
+void write(const Mailbox& mailbox, const RequestHeader& header, std::string_view data, Byte& result) {
   mailbox.putLong(data, Mailbox::LastBlock::cut);
   mailbox.address(header, false);
   const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
@@ -57,12 +57,12 @@ void write(const Mailbox& mailbox, const Header& header, std::string_view data, 
 
 }  // namespace
 
-void GSMtext(const Mailbox& mailbox, std::string_view readOrWrite, std::string_view serieNr, Byte number,
+void GSMtext(const Mailbox& mailbox, std::string_view readOrWrite, std::string_view serialNumber, Byte number,
              Bytes& data, Byte& result) {
   result = nothingDone;
   const bool reads = readOrWrite == "R";
-  const Header header{
-      .number = number, .direction = reads ? readLongRecord : writeLongRecord, .serieNr = serieNr};
+  const RequestHeader header{
+      .number = number, .direction = reads ? readLongRecord : writeLongRecord, .serialNumber = serialNumber};
   if (reads) {
     read(mailbox, header, data, result);
   } else {

@@ -19,19 +19,19 @@ constexpr Byte requestMarker = 222;
 constexpr std::size_t paddedHeader = 16;
 
 /// The binary value of one pair of digits.
-Byte pairValue(std::string_view serieNr, std::size_t index) {
-  return roundTo<Byte>(leadingNumber(slice(serieNr, index, 2)));
+Byte pairValue(std::string_view serialNumber, std::size_t index) {
+  return roundTo<Byte>(leadingNumber(slice(serialNumber, index, 2)));
 }
 
 }  // namespace
 
-Bytes Header::bytes() const {
+Bytes RequestHeader::bytes() const {
   return {character(requestMarker),
           character(number),
           character(direction),
-          character(pairValue(serieNr, 0)),
-          character(pairValue(serieNr, 2)),
-          character(pairValue(serieNr, 4))};
+          character(pairValue(serialNumber, 0)),
+          character(pairValue(serialNumber, 2)),
+          character(pairValue(serialNumber, 4))};
 }
 
 Byte Polled::result() const {
@@ -47,7 +47,7 @@ Byte resultOf(const Polled& reply) {
   return isOwnCode ? reply.value : Byte{otherFailure};
 }
 
-void Mailbox::address(const Header& header, bool isPadded) const {
+void Mailbox::address(const RequestHeader& header, bool isPadded) const {
   const Bytes bytes = header.bytes();
   memory_.write(headerPlace, isPadded ? velk::padded(bytes, paddedHeader) : bytes);
 }

@@ -17,10 +17,10 @@ constexpr Byte pieceSize = 16;
 
 /// The request header, six bytes. The reply code overwrites its first byte; modules take a repeated trigger
 /// without the marker.
-struct Header {
+struct RequestHeader {
   Byte number;     ///< which piece, sample or text
   Byte direction;  ///< length and direction
-  std::string_view serieNr;
+  std::string_view serialNumber;
 
   [[nodiscard]] Bytes bytes() const;
 };
@@ -61,7 +61,7 @@ class Mailbox {
   Mailbox(const link::Memory& memory, platform::Host& host) : memory_(memory), host_(host) {}
 
   /// Writes a header; with `padded`, ten blanks behind it.
-  void address(const Header& header, bool padded) const;
+  void address(const RequestHeader& header, bool padded) const;
 
   /// Writes the data of a piece.
   void put(std::string_view piece) const;

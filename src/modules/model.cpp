@@ -47,8 +47,8 @@ constexpr std::array families{
 
 }  // namespace
 
-std::int16_t ModuleType(std::string_view serieNr) {
-  const double prefix = leadingNumber(serieNr.substr(0, 2));
+std::int16_t ModuleType(std::string_view serialNumber) {
+  const double prefix = leadingNumber(serialNumber.substr(0, 2));
   auto* typeOf = folded;
   for (const Family& family : families) {
     if (prefix >= family.from) typeOf = family.typeOf;
@@ -60,8 +60,8 @@ bool inModelList(std::string_view name) {
   return modelList.find(name) != std::string_view::npos;
 }
 
-double serialValue(std::string_view serieNr) {
-  return leadingNumber(serieNr);
+double serialValue(std::string_view serialNumber) {
+  return leadingNumber(serialNumber);
 }
 
 }  // namespace velk::modules

@@ -8,13 +8,13 @@
 namespace velk::modules {
 
 /// The module type of a serial number: its first two digits, folded.
-std::int16_t ModuleType(std::string_view serieNr);
+std::int16_t ModuleType(std::string_view serialNumber);
 
 /// Whether a text stands anywhere in the list of known models, separators included.
 bool inModelList(std::string_view name);
 
 /// The numeric value of a whole serial number.
-double serialValue(std::string_view serieNr);
+double serialValue(std::string_view serialNumber);
 
 /// A range of whole serial numbers, both ends included.
 struct SerialRange {

@@ -16,9 +16,9 @@ using link::Stop;
 constexpr SerialRange silentSeries{90250, 90270};
 
 /// The version reading is a method of its own: its run-time errors become its result.
-Byte readVersion(const Mailbox& mailbox, std::string_view serieNr, Identity& identity) {
+Byte readVersion(const Mailbox& mailbox, std::string_view serialNumber, Identity& identity) {
   try {
-    return RXModuleVersie(mailbox, serieNr, identity);
+    return RXModuleVersie(mailbox, serialNumber, identity);
   } catch (const RuntimeError& error) {
     return resultOfError(error.number());
   }
@@ -26,9 +26,9 @@ Byte readVersion(const Mailbox& mailbox, std::string_view serieNr, Identity& ide
 
 void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& identity) {
   identity.model = access.model;
-  if (const Byte result = readVersion(mailbox, access.serieNr, identity); result != 0)
+  if (const Byte result = readVersion(mailbox, access.serialNumber, identity); result != 0)
     throw Stop{Result{result}};
-  if (silentSeries.contains(serialValue(access.serieNr))) {
+  if (silentSeries.contains(serialValue(access.serialNumber))) {
     identity.known = true;
     identity.model = "MT007/500VA";
     // The caller's model name is left as passed here, and here alone.
@@ -47,8 +47,8 @@ void Module(const Mailbox& mailbox, std::string_view readOrWrite, const ModuleAc
             Identity& identity, Byte& result) {
   constexpr std::size_t serialLength = 6;
   result = nothingDone;
-  if (access.serieNr.size() != serialLength) throw Stop{badSerialNumber};
-  if (access.serieNr != ownSerial) identify(mailbox, access, identity);
+  if (access.serialNumber.size() != serialLength) throw Stop{badSerialNumber};
+  if (access.serialNumber != ownSerial) identify(mailbox, access, identity);
   // Records of known models carry a leading piece that the caller does not count.
   if (identity.known) access.offset = checkedByte(access.offset + 1);
   if (readOrWrite == "R") {

@@ -13,7 +13,7 @@ constexpr std::string_view ownSerial = "000001";
 
 /// One module record, as `Module` hands it in and out.
 struct ModuleAccess {
-  std::string_view serieNr;
+  std::string_view serialNumber;
   Bytes& data;
   Byte& offset;
   std::string& model;

@@ -22,8 +22,10 @@ bool takesReadFlag(const Subject& subject) {
 
 /// One request with a reply. False when the controller did not clear the trigger.
 bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) {
-  mailbox.address(
-      {.number = access.offset, .direction = static_cast<Byte>(direction), .serieNr = access.serieNr}, true);
+  mailbox.address({.number = access.offset,
+                   .direction = static_cast<Byte>(direction),
+                   .serialNumber = access.serialNumber},
+                  true);
   const Exchange exchange = mailbox.run({});
   if (!exchange.trigger.isZero()) return false;
   if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{Result{result}};
@@ -72,7 +74,7 @@ void readLong(const Mailbox& mailbox, const ModuleAccess& access, Byte& result) 
 }  // namespace
 
 void readModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
-  const Subject subject{.serieNr = access.serieNr, .known = identity.known};
+  const Subject subject{.serialNumber = access.serialNumber, .known = identity.known};
   const Byte start = access.offset;
   const RecordRow* const row = rowFor(subject, start);
   access.data.clear();

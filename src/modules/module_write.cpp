@@ -16,8 +16,8 @@ constexpr Byte writeFlags = 192;
 constexpr Byte writeLongDirection = 159;
 
 /// Sends a request and waits until the module has taken it. The controller's own module is not waited for.
-Byte run(const Mailbox& mailbox, std::string_view serieNr) {
-  if (serieNr == ownSerial) {
+Byte run(const Mailbox& mailbox, std::string_view serialNumber) {
+  if (serialNumber == ownSerial) {
     (void)mailbox.run({.triggerTime = Seconds(0), .replyTime = Seconds(0)});
     return 0;
   }
@@ -34,17 +34,19 @@ Seconds pauseBetweenPieces(double serial) {
   return Seconds(slow1.contains(serial) || slow2.contains(serial) ? 2.0 : 0.1);
 }
 
-Header headerFor(const ModuleAccess& access, std::size_t direction) {
-  return {.number = access.offset, .direction = static_cast<Byte>(direction), .serieNr = access.serieNr};
+RequestHeader headerFor(const ModuleAccess& access, std::size_t direction) {
+  return {.number = access.offset,
+          .direction = static_cast<Byte>(direction),
+          .serialNumber = access.serialNumber};
 }
 
 void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string_view data, Byte& result) {
   for (std::size_t start = 0; start < data.size(); start += pieceSize) {
-    if (start != 0) mailbox.pause(pauseBetweenPieces(serialValue(access.serieNr)));
+    if (start != 0) mailbox.pause(pauseBetweenPieces(serialValue(access.serialNumber)));
     const std::string_view piece = slice(data, start, pieceSize);
     mailbox.address(headerFor(access, piece.size() + writeFlags), false);
     mailbox.put(piece);
-    result = run(mailbox, access.serieNr);
+    result = run(mailbox, access.serialNumber);
     if (result != 0) throw Stop{Result{result}};
     access.offset = checkedByte(access.offset + 1);
   }
@@ -55,7 +57,7 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
   for (Byte position = 10; position <= 32; position += 2) data = ConvertTXSub(std::move(data), position);
   mailbox.putLong(data, Mailbox::LastBlock::padded);
   mailbox.address(headerFor(access, writeLongDirection), false);
-  result = run(mailbox, access.serieNr);
+  result = run(mailbox, access.serialNumber);
   if (result != 0) throw Stop{Result{result}};
   access.offset = checkedByte(access.offset + 1);
 }
@@ -63,7 +65,7 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
 }  // namespace
 
 void writeModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
-  const Subject subject{.serieNr = access.serieNr, .known = identity.known};
+  const Subject subject{.serialNumber = access.serialNumber, .known = identity.known};
   const Bytes data = translatedForWrite(subject, access.offset, access.data);
   if (writesLongRecord(subject, access.offset, data.size())) {
     writeLong(mailbox, access, data, result);

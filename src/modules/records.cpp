@@ -104,7 +104,7 @@ void checkGroups(std::string_view data) {
 
 /// A field that is to become a channel mask must hold one of its numbers: a choice of 1 to 4, or 0.
 void checkSelections(const Subject& subject, std::string_view data) {
-  for (const Byte position : positionsSent(subject.serieNr, data.size(), subject.known)) {
+  for (const Byte position : positionsSent(subject.serialNumber, data.size(), subject.known)) {
     if (position <= data.size() && (byteAt(data, position - std::size_t{1}) & 15) > 4) throw Stop{badAddress};
   }
 }

@@ -46,11 +46,11 @@ struct RecordRow {
 
 /// A module as far as its records go.
 struct Subject {
-  std::string_view serieNr;
+  std::string_view serialNumber;
   bool known;
 
-  [[nodiscard]] std::int16_t type() const { return ModuleType(serieNr); }
-  [[nodiscard]] double serial() const { return serialValue(serieNr); }
+  [[nodiscard]] std::int16_t type() const { return ModuleType(serialNumber); }
+  [[nodiscard]] double serial() const { return serialValue(serialNumber); }
 };
 
 /// Whether the record of a row has channel masks at `Offset` 1, and whether a version request comes at 2.

@@ -49,9 +49,9 @@ bool isTranslated(const Bytes& record, const std::vector<Byte>& received) {
 /// it is read cannot be undone, as its high four bits are not in the record; since no number is its own
 /// reading, the check of the whole finds it.
 Restoration undone(const Subject& subject, const Bytes& record) {
-  std::vector<Byte> received = positionsReceived(subject.serieNr, subject.known);
+  std::vector<Byte> received = positionsReceived(subject.serialNumber, subject.known);
   if (!isTranslated(record, received)) received.clear();
-  const std::vector<Byte> sent = positionsSent(subject.serieNr, record.size(), subject.known);
+  const std::vector<Byte> sent = positionsSent(subject.serialNumber, record.size(), subject.known);
   Bytes data = record;
   for (const Byte position : sent) {
     if (position > record.size()) continue;  // found there too
@@ -81,8 +81,8 @@ std::string refusedWith(Result code) {
 
 }  // namespace
 
-bool isOwnModule(std::string_view serieNr) {
-  return serieNr == ownSerial;
+bool isOwnModule(std::string_view serialNumber) {
+  return serialNumber == ownSerial;
 }
 
 int piecesToRead(const Subject& subject) {

@@ -15,7 +15,7 @@ struct Restoration {
 };
 
 /// Whether this is the controller's own module, which is written without checks.
-bool isOwnModule(std::string_view serieNr);
+bool isOwnModule(std::string_view serialNumber);
 
 /// The number of requests that a read of a record from its start takes.
 int piecesToRead(const Subject& subject);

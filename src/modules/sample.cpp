@@ -10,16 +10,16 @@ using link::Stop;
 
 constexpr std::size_t longestSample = 128;
 
-Header headerFor(const SampleAccess& sample, int direction) {
+RequestHeader headerFor(const SampleAccess& sample, int direction) {
   return {.number = checkedByte(sample.number + 16),
           .direction = checkedByte(direction + 64 * sample.bank),
-          .serieNr = sample.serieNr};
+          .serialNumber = sample.serialNumber};
 }
 
 void check(const SampleAccess& sample) {
   constexpr SerialRange fewerSamples{980101, 989999};
-  if (sample.serieNr.size() != 6) throw Stop{badSerialNumber};
-  if (fewerSamples.contains(serialValue(sample.serieNr)) && sample.number > 239) throw Stop{wrongLength};
+  if (sample.serialNumber.size() != 6) throw Stop{badSerialNumber};
+  if (fewerSamples.contains(serialValue(sample.serialNumber)) && sample.number > 239) throw Stop{wrongLength};
   if (sample.number > 253) throw Stop{countTooLarge};
 }
 

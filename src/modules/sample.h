@@ -8,7 +8,7 @@ namespace velk::modules {
 
 /// One sample, as `Sample` hands it in and out.
 struct SampleAccess {
-  std::string_view serieNr;
+  std::string_view serialNumber;
   Byte number;
   Byte bank;
   Bytes& data;

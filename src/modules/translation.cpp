@@ -8,15 +8,15 @@ namespace velk::modules {
 
 void translateRead(const Subject& subject, Byte offset, Bytes& data) {
   const RecordRow* const row = rowFor(subject, offset);
-  data = ConvertRXData(subject.serieNr, data, subject.known);
+  data = ConvertRXData(subject.serialNumber, data, subject.known);
   if (row != nullptr && hasMasks(*row, offset)) data = codesOfMasks(data, subject.known);
 }
 
 Bytes translatedForWrite(const Subject& subject, Byte offset, Bytes data) {
-  if (subject.serieNr != ownSerial) checkWrite(subject, offset, data);
+  if (subject.serialNumber != ownSerial) checkWrite(subject, offset, data);
   const RecordRow* const row = rowFor(subject, offset);
   if (row != nullptr && hasMasks(*row, offset)) data = masksOfCodes(data, subject.known);
-  return isSentAsItIs(subject, offset) ? data : ConvertTXData(subject.serieNr, data, subject.known);
+  return isSentAsItIs(subject, offset) ? data : ConvertTXData(subject.serialNumber, data, subject.known);
 }
 
 }  // namespace velk::modules

@@ -17,8 +17,8 @@ bool hasNoIdentification(std::int16_t type, double serial) {
 }
 
 /// Old modules of two families take the request without the read flag.
-Byte direction(std::string_view serieNr, double serial) {
-  const std::string_view prefix = slice(serieNr, 0, 2);
+Byte direction(std::string_view serialNumber, double serial) {
+  const std::string_view prefix = slice(serialNumber, 0, 2);
   const bool old = (prefix == "12" && serial < 120800) || (prefix == "04" && serial < 46000);
   return old ? 15 : 15 + 64;
 }
@@ -44,14 +44,15 @@ bool takeName(std::string_view block, Identity& identity) {
 
 }  // namespace
 
-Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serieNr, Identity& identity) {
+Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Identity& identity) {
   identity.cpuType = 0;
   identity.firmware.clear();
   identity.known = inModelList(padded(identity.model, comparedLength));
-  const double serial = serialValue(serieNr);
-  if (hasNoIdentification(ModuleType(serieNr), serial)) return 0;
+  const double serial = serialValue(serialNumber);
+  if (hasNoIdentification(ModuleType(serialNumber), serial)) return 0;
 
-  mailbox.address({.number = 0, .direction = direction(serieNr, serial), .serieNr = serieNr}, true);
+  mailbox.address({.number = 0, .direction = direction(serialNumber, serial), .serialNumber = serialNumber},
+                  true);
   const Exchange exchange = mailbox.run({.beforeTrigger = Seconds(0.1)});
   if (!exchange.trigger.isZero()) return controllerBusy;
   if (const Byte result = resultOf(exchange.reply); result != 0) return result;

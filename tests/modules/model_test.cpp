@@ -25,7 +25,7 @@ TEST(ModelTest, TypesOfAllPrefixes) {
 TEST(ModelTest, AnyTextHasAType) {
   const std::pair<const char*, int> rows[] = {{"", 0},    {"ab1234", 0}, {"9", 1},    {" 9", 1}, {"9x", 1},
                                               {"-5", -5}, {"-9", -1},    {".5xx", 0}, {"6", 5},  {"9.0", 1}};
-  for (const auto& [serieNr, type] : rows) EXPECT_EQ(ModuleType(serieNr), type) << serieNr;
+  for (const auto& [number, type] : rows) EXPECT_EQ(ModuleType(number), type) << number;
 }
 
 TEST(ModelTest, TheListIsSearchedAsOneText) {

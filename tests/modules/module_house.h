@@ -34,9 +34,9 @@ inline Bytes counted(std::size_t size) {
 }
 
 /// A module that tells this name, CPU type 16 and firmware 1.2.
-inline simulator::SimulatedModule moduleOf(const std::string& serieNr, const std::string& name,
+inline simulator::SimulatedModule moduleOf(const std::string& number, const std::string& name,
                                            const Bytes& record = {}, Byte firstPiece = 0) {
-  simulator::SimulatedModule module({.serial = std::stoi(serieNr),
+  simulator::SimulatedModule module({.serial = std::stoi(number),
                                      .skills = simulator::identifies,
                                      .name = name,
                                      .version = {16, 1, 2},
@@ -61,9 +61,9 @@ class ModuleHouse final : public WatchedHouse {
     reopen({});
   }
 
-  ModuleHouse(const std::string& serieNr, const std::string& name, const Bytes& record = {},
+  ModuleHouse(const std::string& number, const std::string& name, const Bytes& record = {},
               Byte firstPiece = 0)
-      : ModuleHouse(std::vector{moduleOf(serieNr, name, record, firstPiece)}) {}
+      : ModuleHouse(std::vector{moduleOf(number, name, record, firstPiece)}) {}
 
   /// Opens the link again; its faults count from 1.
   void reopen(const simulator::Faults& faults) {
@@ -72,10 +72,10 @@ class ModuleHouse final : public WatchedHouse {
     restart();
   }
 
-  Record read(const std::string& serieNr, const Record& record = {}) { return call("R", serieNr, record); }
-  Record write(const std::string& serieNr, const Record& record) { return call("W", serieNr, record); }
-  Byte write(const std::string& serieNr, const Bytes& data, Byte offset = 0) {
-    return write(serieNr, Record{.data = data, .offset = offset}).result;
+  Record read(const std::string& number, const Record& record = {}) { return call("R", number, record); }
+  Record write(const std::string& number, const Record& record) { return call("W", number, record); }
+  Byte write(const std::string& number, const Bytes& data, Byte offset = 0) {
+    return write(number, Record{.data = data, .offset = offset}).result;
   }
 
   /// The time since the link was opened or since `restart`, in milliseconds.
@@ -125,8 +125,8 @@ class ModuleHouse final : public WatchedHouse {
  private:
   void TestBody() override {}
 
-  Record call(const std::string& direction, const std::string& serieNr, Record r) {
-    r.result = serial.Module(direction, serieNr, r.data, r.offset, r.model, r.cpu, r.firmware);
+  Record call(const std::string& direction, const std::string& number, Record r) {
+    r.result = serial.Module(direction, number, r.data, r.offset, r.model, r.cpu, r.firmware);
     return r;
   }
 

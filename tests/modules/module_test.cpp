@@ -19,10 +19,10 @@ TEST(ModuleTest, IsIdentified) {
 
 TEST(ModuleTest, SerialNumbersHaveSixCharacters) {
   ModuleHouse house;
-  for (const char* const serieNr : {"", "09025", "0902555"}) {
+  for (const char* const number : {"", "09025", "0902555"}) {
     const Record before{.result = 106, .data = "old", .offset = 3, .model = "m"};
-    EXPECT_EQ(house.read(serieNr, before), before);
-    EXPECT_EQ(house.write(serieNr, before), before);
+    EXPECT_EQ(house.read(number, before), before);
+    EXPECT_EQ(house.write(number, before), before);
   }
   EXPECT_TRUE(house.requests.empty());
 }
@@ -31,7 +31,7 @@ TEST(ModuleTest, SerialNumbersHaveSixCharacters) {
 TEST(ModuleTest, HeadersBySerialNumber) {
   const struct {
     const char* headers;
-    std::vector<const char*> serieNrs;
+    std::vector<const char*> numbers;
     Byte offset = 0;
     const char* name = "X1";  ///< no known model
   } rows[] = {
@@ -48,10 +48,10 @@ TEST(ModuleTest, HeadersBySerialNumber) {
       // clang-format on
   };
   for (const auto& row : rows) {
-    for (const char* const serieNr : row.serieNrs) {
-      ModuleHouse house(serieNr, row.name);
-      (void)house.read(serieNr, {.offset = row.offset});
-      EXPECT_EQ(house.headers(), row.headers) << serieNr << " " << row.name;
+    for (const char* const number : row.numbers) {
+      ModuleHouse house(number, row.name);
+      (void)house.read(number, {.offset = row.offset});
+      EXPECT_EQ(house.headers(), row.headers) << number << " " << row.name;
     }
   }
 }
@@ -75,11 +75,11 @@ TEST(ModuleTest, WritesPieceByPiece) {
   EXPECT_EQ(house.last(4),
             "write 6 V 000A DE 05 C4 15 00 01; write 4 V 0010 21 22 23 24; write 1 V 0000 FF; "
             "read  1 V 0000");
-  for (const auto& [serieNr, pause] :
+  for (const auto& [number, pause] :
        std::map<std::string, int>{{"949999", 100}, {"950000", 2000}, {"950020", 2000}, {"950021", 100}}) {
-    ModuleHouse other(serieNr, "X1");
-    EXPECT_EQ(other.write(serieNr, counted(20)), 0) << serieNr;
-    EXPECT_EQ(other.spent(), 205 + 2 * 904 + pause) << serieNr << ": one series stores slowly";
+    ModuleHouse other(number, "X1");
+    EXPECT_EQ(other.write(number, counted(20)), 0) << number;
+    EXPECT_EQ(other.spent(), 205 + 2 * 904 + pause) << number << ": one series stores slowly";
   }
 }
 
@@ -102,7 +102,7 @@ TEST(ModuleTest, Identities) {
   const Record known{.offset = 2, .model = "MT007/500VA", .cpu = 16, .firmware = "0102"};
   const Record silent{.offset = 2, .model = "mine", .cpu = 48, .firmware = "1.0"};
   const struct {
-    const char *serieNr, *told;  ///< the name that the module tells
+    const char *number, *told;  ///< the name that the module tells
     std::string given;
     Record after;  ///< but for the data; the offset was 0
   } rows[] = {
@@ -128,15 +128,15 @@ TEST(ModuleTest, Identities) {
   };
   std::vector<simulator::SimulatedModule> modules{moduleOf("000001", "")};
   for (const auto& row : rows) {
-    if (row.told != absent) modules.push_back(moduleOf(row.serieNr, row.told));
+    if (row.told != absent) modules.push_back(moduleOf(row.number, row.told));
   }
   ModuleHouse house(modules);
   const Bytes twos(8, '\x02');
   const Bytes masks = "\x02\xDD\x02\xDD\x02\xDD\x02\xDD";
   EXPECT_EQ(house.serial.ConvertTXData("120100", twos), twos) << "no model is known at first";
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.serieNr + (" " + row.given));
-    Record record = house.read(row.serieNr, {.model = row.given});
+    SCOPED_TRACE(row.number + (" " + row.given));
+    Record record = house.read(row.number, {.model = row.given});
     record.data.clear();
     EXPECT_EQ(record, row.after);
     const bool isKnown = row.after.offset == 2;
@@ -154,7 +154,7 @@ TEST(ModuleTest, OffsetsThatDoNotFit) {
 
 TEST(ModuleTest, VersionRequestsAtOffset2) {
   const struct {
-    const char *serieNr, *fault;
+    const char *number, *fault;
     Byte offset;
     int result;
     std::size_t size, versions;  ///< of the data; readings of a version
@@ -163,9 +163,9 @@ TEST(ModuleTest, VersionRequestsAtOffset2) {
               {"100100", "code=1@9", 1, 0, 22, 0, "0301"}, {"950010", "stuck@2", 2, 0, 20, 0, ""},
               {"950010", "code=128@2", 2, 128, 0, 0, ""},  {"950010", "status=7@10", 2, 7, 0, 1, ""}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.serieNr) + " " + row.fault);
+    SCOPED_TRACE(std::string(row.number) + " " + row.fault);
     ModuleHouse house({row.fault});
-    const Record record = house.read(row.serieNr, {.data = "old", .offset = row.offset});
+    const Record record = house.read(row.number, {.data = "old", .offset = row.offset});
     EXPECT_EQ(record.result, row.result);
     EXPECT_EQ(record.data.size(), row.size);
     EXPECT_EQ(house.countOf("read  2 V 0018"), row.versions);
@@ -179,7 +179,7 @@ TEST(ModuleTest, MasksAtOffset1) {
       {"090500", pairs + bytes({0, 1, 2, 3, 4, 5, 6, 7})},
       {"100100", bytes({5, 1, 6, 2, 7, 3, 8, 4, 0, 1, 2, 3, 4, 5, 6, 7, 17, 18, 19, 20, 21, 22})}};
   ModuleHouse house;
-  for (const auto& [serieNr, data] : rows) EXPECT_EQ(house.read(serieNr).data, data) << serieNr;
+  for (const auto& [number, data] : rows) EXPECT_EQ(house.read(number).data, data) << number;
   EXPECT_EQ(house.write("090500", pairs + bytes({12, 11, 10, 9, 8, 7, 6, 5})), 0);
   EXPECT_EQ(house.countOf("write 16 V 0010 05 77 06 BB 07 DD 08 EE FF 7F 3F 1F 0F 07 03 01"), 1U);
   EXPECT_EQ(house.countOf("write 1 V 0010 04"), 1U) << "the record is completed";

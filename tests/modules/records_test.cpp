@@ -14,9 +14,9 @@ using test::bytes;
 using Lengths = std::vector<std::size_t>;
 using Positions = std::vector<Byte>;
 
-Byte check(std::string_view serieNr, Bytes data, Byte offset = 0, bool known = false) {
+Byte check(std::string_view number, Bytes data, Byte offset = 0, bool known = false) {
   try {
-    checkWrite({.serieNr = serieNr, .known = known}, offset, data);
+    checkWrite({.serialNumber = number, .known = known}, offset, data);
     return 0;
   } catch (const link::Stop& stop) {
     return stop.result;
@@ -24,12 +24,12 @@ Byte check(std::string_view serieNr, Bytes data, Byte offset = 0, bool known = f
 }
 
 /// The lengths that a write takes, up to 130; just 131 when it takes them all.
-Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
+Lengths lengthsTaken(std::string_view number, Byte offset) {
   Lengths taken;
   for (std::size_t size = 0; size <= 130; ++size) {
-    const Byte result = check(serieNr, Bytes(size, '\0'), offset);
+    const Byte result = check(number, Bytes(size, '\0'), offset);
     if (result == 0) taken.push_back(size);
-    EXPECT_TRUE(result == 0 || result == 104) << serieNr << " refuses its length with " << int{result};
+    EXPECT_TRUE(result == 0 || result == 104) << number << " refuses its length with " << int{result};
   }
   return taken.size() == 131 ? Lengths{131} : taken;
 }
@@ -38,9 +38,9 @@ Lengths lengthsTaken(std::string_view serieNr, Byte offset) {
 TEST(RecordsTest, SerialNumbersThatAreNoNumbers) {
   const std::pair<const char*, Lengths> rows[] = {
       {"70abcd", {112}}, {"71abcd", {112}}, {"95abcd", {20, 32}}, {"96abcd", {20, 32}}};
-  for (const auto& [serieNr, written] : rows) {
-    EXPECT_EQ(readLength({.serieNr = serieNr, .known = false}, 0), 20) << serieNr;
-    EXPECT_EQ(lengthsTaken(serieNr, 0), written) << serieNr;
+  for (const auto& [number, written] : rows) {
+    EXPECT_EQ(readLength({.serialNumber = number, .known = false}, 0), 20) << number;
+    EXPECT_EQ(lengthsTaken(number, 0), written) << number;
   }
 }
 
@@ -94,17 +94,17 @@ TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
   for (std::size_t i = 0; i + 1 < std::size(runs); ++i) {
     const auto& run = runs[i];
     for (const int serial : {run.first, runs[i + 1].first - 1}) {
-      const std::string serieNr = zeroPadded(serial, 6);
-      SCOPED_TRACE(serieNr);
-      EXPECT_EQ(readLength({serieNr, false}, 0), run.at0);
-      EXPECT_EQ(readLength({serieNr, false}, 1), run.at1);
-      EXPECT_EQ(readLength({serieNr, true}, 1), run.known);
-      for (const Byte offset : {Byte{0}, Byte{1}}) EXPECT_EQ(lengthsTaken(serieNr, offset), run.written);
-      EXPECT_EQ(positionsSent(serieNr, 38, true), run.sent);
-      EXPECT_EQ(positionsSent(serieNr, 37, true), run.sent == at38 ? none : run.sent) << "too short";
-      EXPECT_EQ(positionsReceived(serieNr, true), run.received);
-      EXPECT_EQ(positionsSent(serieNr, 38, false), run.otherwise);
-      EXPECT_EQ(positionsReceived(serieNr, false), run.otherwise == at2 ? at2 : none);
+      const std::string number = zeroPadded(serial, 6);
+      SCOPED_TRACE(number);
+      EXPECT_EQ(readLength({number, false}, 0), run.at0);
+      EXPECT_EQ(readLength({number, false}, 1), run.at1);
+      EXPECT_EQ(readLength({number, true}, 1), run.known);
+      for (const Byte offset : {Byte{0}, Byte{1}}) EXPECT_EQ(lengthsTaken(number, offset), run.written);
+      EXPECT_EQ(positionsSent(number, 38, true), run.sent);
+      EXPECT_EQ(positionsSent(number, 37, true), run.sent == at38 ? none : run.sent) << "too short";
+      EXPECT_EQ(positionsReceived(number, true), run.received);
+      EXPECT_EQ(positionsSent(number, 38, false), run.otherwise);
+      EXPECT_EQ(positionsReceived(number, false), run.otherwise == at2 ? at2 : none);
     }
   }
 }
@@ -117,7 +117,7 @@ TEST(RecordsTest, FieldsOfWrites) {
     int result;
   };
   const struct {
-    const char* serieNr;
+    const char* number;
     Byte offset;
     std::size_t size;
     std::vector<Field> fields;
@@ -161,8 +161,8 @@ TEST(RecordsTest, FieldsOfWrites) {
       Bytes data(row.size, '\0');
       for (std::size_t i = 0; i < field.values.size(); ++i)
         data[field.position - 1 + i] = character(field.values[i]);
-      EXPECT_EQ(check(row.serieNr, data, row.offset, row.known), field.result)
-          << row.serieNr << " at " << int{row.offset} << ": " << testing::PrintToString(data);
+      EXPECT_EQ(check(row.number, data, row.offset, row.known), field.result)
+          << row.number << " at " << int{row.offset} << ": " << testing::PrintToString(data);
     }
   }
   Bytes completed(16, '\0');
@@ -172,15 +172,15 @@ TEST(RecordsTest, FieldsOfWrites) {
 
 TEST(RecordsTest, LongRecordsAreWritten) {
   const struct {
-    const char* serieNr;
+    const char* number;
     Byte offset;
     std::size_t size;
     bool isLong;
   } rows[] = {{"700000", 0, 112, true},  {"704999", 0, 112, true},  {"705000", 0, 112, false},
               {"709999", 0, 112, false}, {"710000", 2, 112, true},  {"719999", 0, 112, true},
               {"700000", 1, 112, false}, {"700000", 0, 113, false}, {"720000", 0, 112, false}};
-  for (const auto& [serieNr, offset, size, isLong] : rows)
-    EXPECT_EQ(writesLongRecord({serieNr, false}, offset, size), isLong) << serieNr;
+  for (const auto& [number, offset, size, isLong] : rows)
+    EXPECT_EQ(writesLongRecord({number, false}, offset, size), isLong) << number;
 }
 
 }  // namespace

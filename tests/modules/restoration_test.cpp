@@ -24,7 +24,7 @@ TEST(RestorationTest, EveryTypeGetsItsBytesBackOrIsToldNotTo) {
   const std::string length = "a record of this type is not written in the length in which it is read";
   const std::string refused = "a write of it is refused with 99";
   const struct {
-    const char* serieNr;
+    const char* number;
     bool known;
     std::size_t size;
     Masks masks;
@@ -47,26 +47,26 @@ TEST(RestorationTest, EveryTypeGetsItsBytesBackOrIsToldNotTo) {
       // clang-format on
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.serieNr + std::string(row.known ? " known" : ""));
-    const modules::Subject subject{.serieNr = row.serieNr, .known = row.known};
+    SCOPED_TRACE(row.number + std::string(row.known ? " known" : ""));
+    const modules::Subject subject{.serialNumber = row.number, .known = row.known};
     const Byte start = row.known ? 1 : 0;
     const std::string name = row.known ? "MT001" : "X1";
     const Bytes original = recordWith(row.size, row.masks);
-    ModuleHouse source(row.serieNr, name, original, start);
-    const Record record = source.read(row.serieNr);
+    ModuleHouse source(row.number, name, original, start);
+    const Record record = source.read(row.number);
     ASSERT_EQ(record.result, 0);
     EXPECT_EQ(record.offset, start + piecesToRead(subject));
     const Restoration found = restorationOf(subject, record.data);
     EXPECT_EQ(found.obstacle, row.obstacle);
     if (!found.obstacle.empty()) continue;
-    ModuleHouse target(row.serieNr, name);
-    EXPECT_EQ(target.write(row.serieNr, found.data), 0);
+    ModuleHouse target(row.number, name);
+    EXPECT_EQ(target.write(row.number, found.data), 0);
     EXPECT_EQ(target.written().substr(0, row.size), original);
   }
 }
 
 TEST(RestorationTest, SelectionsAsTheyAreRead) {
-  const modules::Subject subject{.serieNr = "960000", .known = true};
+  const modules::Subject subject{.serialNumber = "960000", .known = true};
   for (int field = 0; field < 16; ++field) {
     Bytes record(32, '\x01');
     record[31] = character(field);
@@ -88,7 +88,7 @@ TEST(RestorationTest, RecordsThatAreNoRecords) {
       {{"090500", true}, pairs + Bytes(8, '\x0C'), ""},
       {{"090500", true}, pairs + Bytes(8, '\x0D'), "a write of it is refused with 105"}};
   for (const auto& [subject, record, obstacle] : rows)
-    EXPECT_EQ(restorationOf(subject, record).obstacle, obstacle) << subject.serieNr;
+    EXPECT_EQ(restorationOf(subject, record).obstacle, obstacle) << subject.serialNumber;
   EXPECT_EQ(modules::piecesToRead({"980500", false}), 1);
   EXPECT_TRUE(modules::isWhole({"980500", false}, "x") && !modules::isWhole({"980500", false}, ""));
   EXPECT_TRUE(modules::isOwnModule("000001") && !modules::isOwnModule("000002"));

@@ -3,9 +3,10 @@
 namespace velk::test {
 namespace {
 
-Byte sample(ModuleHouse& house, const char* direction, const char* serieNr, int number, int bank,
+Byte sample(ModuleHouse& house, const char* direction, const char* serialNumber, int number, int bank,
             Bytes& data) {
-  return house.serial.Sample(direction, serieNr, static_cast<Byte>(number), static_cast<Byte>(bank), data);
+  return house.serial.Sample(direction, serialNumber, static_cast<Byte>(number), static_cast<Byte>(bank),
+                             data);
 }
 
 TEST(SampleTest, WriteAndReadInBothBanks) {
@@ -36,7 +37,7 @@ TEST(SampleTest, WriteAndReadInBothBanks) {
 /// made, which a write does behind its blocks.
 TEST(SampleTest, RefusedCalls) {
   const struct {
-    const char* serieNr;
+    const char* serialNumber;
     int number, bank, result;
     std::size_t written = 0;  ///< requests of a write
   } rows[] = {{"98050", 254, 0, 106},    {"980101", 240, 0, 104},   {"989999", 255, 0, 104},
@@ -44,14 +45,14 @@ TEST(SampleTest, RefusedCalls) {
               {"980100", 240, 0, 99, 2}, {"090500", 253, 0, 99, 2}, {"090500", 1, 4, 99, 2},
               {"0905-1", 1, 0, 99, 2}};
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.serieNr + (" " + std::to_string(row.number)));
+    SCOPED_TRACE(row.serialNumber + (" " + std::to_string(row.number)));
     ModuleHouse house;
     Bytes data = "old";
-    EXPECT_EQ(sample(house, "R", row.serieNr, row.number, row.bank, data), row.result);
+    EXPECT_EQ(sample(house, "R", row.serialNumber, row.number, row.bank, data), row.result);
     EXPECT_EQ(data, "") << "a read that fails leaves nothing";
     EXPECT_TRUE(house.requests.empty());
     data = counted(17);
-    EXPECT_EQ(sample(house, "W", row.serieNr, row.number, row.bank, data), row.result);
+    EXPECT_EQ(sample(house, "W", row.serialNumber, row.number, row.bank, data), row.result);
     EXPECT_EQ(data, counted(17));
     EXPECT_EQ(house.requests.size(), row.written);
   }

@@ -30,7 +30,8 @@ LeftOut leftOut(const Backup& backup, const Backup& now) {
 }
 
 void restoreModule(Serial& serial, const Module& module) {
-  Bytes data = modules::restorationOf({.serieNr = module.serial, .known = module.known}, module.record).data;
+  Bytes data =
+      modules::restorationOf({.serialNumber = module.serial, .known = module.known}, module.record).data;
   if (modules::isOwnModule(module.serial)) forgetModel(serial);
   expectDone(serial.Module("W", module.serial, data), "writing " + titleOf(module));
   if (readModule(serial, module.serial).record != module.record) {

@@ -14,20 +14,22 @@ namespace velk::cli {
 namespace {
 
 std::string obstacleOf(const Module& module) {
-  return modules::restorationOf({.serieNr = module.serial, .known = module.known}, module.record).obstacle;
+  return modules::restorationOf({.serialNumber = module.serial, .known = module.known}, module.record)
+      .obstacle;
 }
 
 /// Whether a reply may have come too late, so that it would be taken for one about the next module: no
 /// answer, a trigger that stayed set, or a piece left out.
 bool mayBeLate(const Module& module, Byte result) {
   constexpr std::array<Byte, 3> unanswered{nothingDone, otherFailure, controllerBusy};
-  if (result == 0) return !modules::isWhole({.serieNr = module.serial, .known = module.known}, module.record);
+  if (result == 0)
+    return !modules::isWhole({.serialNumber = module.serial, .known = module.known}, module.record);
   return isLost(result) || std::find(unanswered.begin(), unanswered.end(), result) != unanswered.end();
 }
 
 /// The component counts one piece more for a known model.
 bool isKnown(const std::string& number, Byte pieces) {
-  return pieces == modules::piecesToRead({.serieNr = number, .known = true}) + 1;
+  return pieces == modules::piecesToRead({.serialNumber = number, .known = true}) + 1;
 }
 
 }  // namespace
