@@ -241,11 +241,11 @@ Byte Serial::RXModuleVersie(const std::string& SerieNr) {
 }
 
 Bytes Serial::ConvertRXData(const std::string& SerieNr, const Bytes& Data) {
-  return modules::ConvertRXData(SerieNr, Data, identity_.known);
+  return modules::ConvertRXData({.serialNumber = SerieNr, .known = identity_.known}, Data);
 }
 
 Bytes Serial::ConvertTXData(const std::string& SerieNr, const Bytes& Data) {
-  return modules::ConvertTXData(SerieNr, Data, identity_.known);
+  return modules::ConvertTXData({.serialNumber = SerieNr, .known = identity_.known}, Data);
 }
 
 Value Serial::ConvertRXSub(const Bytes& Data, Byte Positie) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include "values/numbers.h"
 #include "values/runtime_error.h"
@@ -10,72 +12,87 @@
 namespace velk::modules {
 namespace {
 
-using Positions = std::vector<Byte>;
+constexpr std::array<Byte, 1> at2{2};
+constexpr std::array<Byte, 1> at38{38};
+constexpr std::array<Byte, 4> at2To8{2, 4, 6, 8};
+constexpr std::array<Byte, 8> at2To16{2, 4, 6, 8, 10, 12, 14, 16};
+constexpr std::array<Byte, 8> at2To8And26To32{2, 4, 6, 8, 26, 28, 30, 32};
 
-constexpr SerialRange twentySevens{270000, 279999};
+enum class Models : std::uint8_t { known, any };
 
-// Modules whose fields stay as they are, in front of the rule for 27 and behind it.
-constexpr std::array neverReceived{SerialRange{50000, 69999}};
-constexpr std::array notReceived{SerialRange{80000, 89999}, SerialRange{910000, 919999},
-                                 SerialRange{980100, 1e300}};
-constexpr std::array neverSent{SerialRange{50000, 69999}, SerialRange{110000, 119999},
-                               SerialRange{240000, 249999}};
-constexpr std::array notSent{SerialRange{80000, 89999}, SerialRange{910000, 919999},
-                             SerialRange{930000, 939999}, SerialRange{970000, 979999},
-                             SerialRange{980100, 1e300}};
-static_assert(std::ranges::is_sorted(notReceived) && std::ranges::is_sorted(neverSent) &&
-              std::ranges::is_sorted(notSent));
+/// The fields that are converted in one direction.
+struct Selections {
+  Positions positions;
+  Models models = Models::known;  ///< the others' records stay as they are
+  Byte shortest = 0;              ///< and so do shorter ones
+};
+
+constexpr std::nullopt_t anyType = std::nullopt;
+
+struct Conversion {
+  std::optional<std::int16_t> type;
+  SerialRange serials;
+  Selections sent;
+  Selections received;
+};
+
+// clang-format off
+/// The first row that fits decides. The two directions are no mirror images: hosts and modules rely on both
+/// as they are.
+constexpr std::array conversions{
+    //         type     serial numbers      sent                        received
+    Conversion{anyType, {50000, 69999},     {},                         {}},
+    Conversion{anyType, {80000, 89999},     {},                         {}},
+    Conversion{anyType, {110000, 119999},   {},                         {at2To8}},
+    Conversion{anyType, {240000, 249999},   {},                         {at2To8}},
+    Conversion{anyType, {270000, 279999},   {at2, Models::any},         {at2, Models::any}},
+    Conversion{anyType, {831000, 839999},   {at38, Models::any, 38},    {at2To8}},
+    Conversion{anyType, {910000, 919999},   {},                         {}},
+    Conversion{anyType, {930000, 939999},   {},                         {at2To8}},
+    Conversion{anyType, {970000, 979999},   {},                         {at2To8}},
+    Conversion{anyType, from(980100),       {},                         {}},
+    Conversion{7,       longSevens,         {at2To16},                  {at2To16}},
+    Conversion{29,      all,                {at2},                      {at2}},
+    Conversion{75,      all,                {},                         {at2To8}},
+    Conversion{76,      all,                {},                         {at2To8}},
+    Conversion{77,      all,                {},                         {at2To8}},
+    Conversion{78,      all,                {},                         {at2To8}},
+    Conversion{95,      from(951000),       {at2To8And26To32},          {at2To8And26To32}},
+    Conversion{96,      all,                {at2To8And26To32},          {at2To8And26To32}},
+    Conversion{anyType, all,                {at2To8},                   {at2To8}},
+};
+// clang-format on
+static_assert(std::is_sorted(conversions.begin(), conversions.end() - 1,
+                             [](const Conversion& a, const Conversion& b) {
+                               return std::pair(a.type, a.serials.first) < std::pair(b.type, b.serials.first);
+                             }),
+              "series, then types, and at last all others");
+
+const Conversion& conversionOf(const Subject& subject) {
+  const auto fits = [type = subject.type(), serial = subject.serial()](const Conversion& row) {
+    return row.type.value_or(type) == type && row.serials.contains(serial);
+  };
+  return *std::find_if(conversions.begin(), conversions.end(), fits);  // the last fits any
+}
+
+Positions positionsOf(const Selections& selections, const Subject& subject) {
+  return subject.known || selections.models == Models::any ? selections.positions : Positions{};
+}
 
 std::size_t indexOf(std::string_view data, Byte position) {
   if (position == 0 || position > data.size()) throw RuntimeError(RuntimeError::invalidArgument);
   return position - std::size_t{1};
 }
 
-template <class Ranges>
-bool anyContains(const Ranges& ranges, double serial) {
-  return std::any_of(ranges.begin(), ranges.end(),
-                     [&](const SerialRange& range) { return range.contains(serial); });
-}
-
-/// A group of four fields, two bytes each.
-void addGroup(Positions& fields, Byte first) {
-  for (int i = 0; i < 4; ++i) fields.push_back(static_cast<Byte>(first + 2 * i));
-}
-
-/// The fields of a known model: the first group, and a further one by type.
-Positions knownModelFields(std::int16_t type, double serial) {
-  Positions fields;
-  addGroup(fields, 2);
-  if (type == 7 && longSevens.contains(serial)) addGroup(fields, 10);
-  if (type == 96 || (type == 95 && serial >= 951000)) addGroup(fields, 26);
-  return fields;
-}
-
 }  // namespace
 
-Positions positionsReceived(std::string_view serialNumber, bool knownModel) {
-  const double serial = serialValue(serialNumber);
-  const std::int16_t type = ModuleType(serialNumber);
-  if (anyContains(neverReceived, serial)) return {};
-  if (twentySevens.contains(serial)) return {2};
-  if (anyContains(notReceived, serial) || !knownModel) return {};
-  if (type == 29) return {2};
-  return knownModelFields(type, serial);
+Positions positionsReceived(const Subject& subject) {
+  return positionsOf(conversionOf(subject).received, subject);
 }
 
-Positions positionsSent(std::string_view serialNumber, std::size_t size, bool knownModel) {
-  constexpr SerialRange singleField{831000, 839999};
-  constexpr Byte singlePosition = 38;
-  const double serial = serialValue(serialNumber);
-  const std::int16_t type = ModuleType(serialNumber);
-  if (anyContains(neverSent, serial)) return {};
-  if (twentySevens.contains(serial)) return {2};
-  if (anyContains(notSent, serial)) return {};
-  if (singleField.contains(serial)) return size < singlePosition ? Positions{} : Positions{singlePosition};
-  if (!knownModel) return {};
-  if (type == 29) return {2};
-  if (type >= 75 && type <= 78) return {};
-  return knownModelFields(type, serial);
+Positions positionsSent(const Subject& subject, std::size_t size) {
+  const Selections& sent = conversionOf(subject).sent;
+  return size < sent.shortest ? Positions{} : positionsOf(sent, subject);
 }
 
 Bytes ConvertTXSub(Bytes data, Byte position) {
@@ -92,15 +109,14 @@ Bytes ConvertRXSub(Bytes data, Byte position) {
   return data;
 }
 
-Bytes ConvertTXData(std::string_view serialNumber, Bytes data, bool knownModel) {
-  for (const Byte position : positionsSent(serialNumber, data.size(), knownModel))
+Bytes ConvertTXData(const Subject& subject, Bytes data) {
+  for (const Byte position : positionsSent(subject, data.size()))
     data = ConvertTXSub(std::move(data), position);
   return data;
 }
 
-Bytes ConvertRXData(std::string_view serialNumber, Bytes data, bool knownModel) {
-  for (const Byte position : positionsReceived(serialNumber, knownModel))
-    data = ConvertRXSub(std::move(data), position);
+Bytes ConvertRXData(const Subject& subject, Bytes data) {
+  for (const Byte position : positionsReceived(subject)) data = ConvertRXSub(std::move(data), position);
   return data;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <string_view>
-#include <vector>
+#include <span>
 
 #include "modules/model.h"
 #include "values/bytes.h"
@@ -18,14 +17,16 @@ Bytes ConvertTXSub(Bytes data, Byte position);
 Bytes ConvertRXSub(Bytes data, Byte position);
 
 /// A record as it is sent to the module.
-Bytes ConvertTXData(std::string_view serialNumber, Bytes data, bool knownModel);
+Bytes ConvertTXData(const Subject& subject, Bytes data);
 
 /// A record as the host sees it.
-Bytes ConvertRXData(std::string_view serialNumber, Bytes data, bool knownModel);
+Bytes ConvertRXData(const Subject& subject, Bytes data);
 
-/// The positions that `ConvertTXData` converts, and those that `ConvertRXData` does. Hosts and modules rely
-/// on both as they are, and they are not mirror images of each other.
-std::vector<Byte> positionsSent(std::string_view serialNumber, std::size_t size, bool knownModel);
-std::vector<Byte> positionsReceived(std::string_view serialNumber, bool knownModel);
+/// Positions in a record, from 1.
+using Positions = std::span<const Byte>;
+
+/// The positions that `ConvertTXData` converts, and those that `ConvertRXData` does.
+Positions positionsSent(const Subject& subject, std::size_t size);
+Positions positionsReceived(const Subject& subject);
 
 }  // namespace velk::modules

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
+#include <limits>
 #include <string_view>
 
 /// Who a module is: its serial number, its type, its model.
@@ -16,17 +16,34 @@ bool inModelList(std::string_view name);
 /// The numeric value of a whole serial number.
 double serialValue(std::string_view serialNumber);
 
-/// A range of whole serial numbers, both ends included.
+/// A range of serial numbers, both ends included.
 struct SerialRange {
   double first;
   double last;
 
   [[nodiscard]] constexpr bool contains(double serial) const { return serial >= first && serial <= last; }
-
-  friend constexpr auto operator<=>(const SerialRange&, const SerialRange&) = default;
 };
+
+constexpr SerialRange all{-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
+
+constexpr SerialRange upTo(double last) {
+  return {all.first, last};
+}
+
+constexpr SerialRange from(double first) {
+  return {first, all.last};
+}
 
 /// Modules of type 7 whose records have 32 bytes and, in known models, eight selections.
 constexpr SerialRange longSevens{230000, 839999};
+
+/// A module as far as its records go.
+struct Subject {
+  std::string_view serialNumber;
+  bool known;  ///< of a known model
+
+  [[nodiscard]] std::int16_t type() const { return ModuleType(serialNumber); }
+  [[nodiscard]] double serial() const { return serialValue(serialNumber); }
+};
 
 }  // namespace velk::modules

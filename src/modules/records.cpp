@@ -13,16 +13,7 @@ namespace {
 
 using link::Stop;
 
-constexpr SerialRange all{-1e300, 1e300};
 constexpr Byte longRecord = 112;
-
-constexpr SerialRange upTo(double last) {
-  return {all.first, last};
-}
-
-constexpr SerialRange from(double first) {
-  return {first, all.last};
-}
 
 // clang-format off
 /// The first row that fits decides.
@@ -104,7 +95,7 @@ void checkGroups(std::string_view data) {
 
 /// A field that is to become a channel mask must hold one of its numbers: a choice of 1 to 4, or 0.
 void checkSelections(const Subject& subject, std::string_view data) {
-  for (const Byte position : positionsSent(subject.serialNumber, data.size(), subject.known)) {
+  for (const Byte position : positionsSent(subject, data.size())) {
     if (position <= data.size() && (byteAt(data, position - std::size_t{1}) & 15) > 4) throw Stop{badAddress};
   }
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <string_view>
 
 #include "modules/model.h"
 #include "values/bytes.h"
@@ -42,15 +41,6 @@ struct RecordRow {
   Byte fromOffset = 0;
   Byte readLengthKnown = 0;  ///< for known models, where it differs
   Byte lastFullPiece = 255;  ///< writes of 16 bytes are taken up to this `Offset` only (103)
-};
-
-/// A module as far as its records go.
-struct Subject {
-  std::string_view serialNumber;
-  bool known;
-
-  [[nodiscard]] std::int16_t type() const { return ModuleType(serialNumber); }
-  [[nodiscard]] double serial() const { return serialValue(serialNumber); }
 };
 
 /// Whether the record of a row has channel masks at `Offset` 1, and whether a version request comes at 2.

@@ -24,7 +24,7 @@ Byte startOf(const Subject& subject) {
   return subject.known ? 1 : 0;
 }
 
-bool holds(const std::vector<Byte>& positions, Byte position) {
+bool holds(Positions positions, Byte position) {
   return std::find(positions.begin(), positions.end(), position) != positions.end();
 }
 
@@ -40,7 +40,7 @@ std::optional<char> selectionFor(char field, bool isTranslatedBack) {
 }
 
 /// A reading leaves a record as it came that is too short for its fields.
-bool isTranslated(const Bytes& record, const std::vector<Byte>& received) {
+bool isTranslated(const Bytes& record, Positions received) {
   return std::all_of(received.begin(), received.end(),
                      [&](Byte position) { return position <= record.size(); });
 }
@@ -49,11 +49,10 @@ bool isTranslated(const Bytes& record, const std::vector<Byte>& received) {
 /// it is read cannot be undone, as its high four bits are not in the record; since no number is its own
 /// reading, the check of the whole finds it.
 Restoration undone(const Subject& subject, const Bytes& record) {
-  std::vector<Byte> received = positionsReceived(subject.serialNumber, subject.known);
-  if (!isTranslated(record, received)) received.clear();
-  const std::vector<Byte> sent = positionsSent(subject.serialNumber, record.size(), subject.known);
+  Positions received = positionsReceived(subject);
+  if (!isTranslated(record, received)) received = {};
   Bytes data = record;
-  for (const Byte position : sent) {
+  for (const Byte position : positionsSent(subject, record.size())) {
     if (position > record.size()) continue;  // found there too
     char& field = data[position - std::size_t{1}];
     const auto selection = selectionFor(field, holds(received, position));

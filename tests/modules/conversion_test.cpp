@@ -27,11 +27,12 @@ TEST(ConversionTest, OneField) {
 }
 
 TEST(ConversionTest, RecordsByDirection) {
-  EXPECT_EQ(ConvertTXData("110005", Bytes(10, '\x03'), true), Bytes(10, '\x03'));
-  EXPECT_EQ(ConvertRXData("110005", Bytes(10, '\xBB'), true), "\xBB\x03\xBB\x03\xBB\x03\xBB\x03\xBB\xBB");
-  EXPECT_EQ(ConvertTXData("090255", bytes({0, 1, 2, 2, 3, 3, 4, 4, 5}), true),
+  EXPECT_EQ(ConvertTXData({"110005", true}, Bytes(10, '\x03')), Bytes(10, '\x03'));
+  EXPECT_EQ(ConvertRXData({"110005", true}, Bytes(10, '\xBB')), "\xBB\x03\xBB\x03\xBB\x03\xBB\x03\xBB\xBB");
+  EXPECT_EQ(ConvertTXData({"090255", true}, bytes({0, 1, 2, 2, 3, 3, 4, 4, 5})),
             bytes({0, 238, 2, 221, 3, 187, 4, 119, 5}));
-  EXPECT_EQ(errorOf([] { ConvertTXData("090255", "\x01\x01\x01", true); }), 5) << "a field behind the end";
+  EXPECT_EQ(ConvertTXData({"1e9999", true}, Bytes(8, '\x01')), Bytes(8, '\x01')) << "above all ranges";
+  EXPECT_EQ(errorOf([] { ConvertTXData({"090255", true}, "\x01\x01\x01"); }), 5) << "a field behind the end";
 }
 
 }  // namespace

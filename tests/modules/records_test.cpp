@@ -12,7 +12,11 @@ namespace {
 
 using test::bytes;
 using Lengths = std::vector<std::size_t>;
-using Positions = std::vector<Byte>;
+using PositionList = std::vector<Byte>;
+
+PositionList listed(Positions positions) {
+  return {positions.begin(), positions.end()};
+}
 
 Byte check(std::string_view number, Bytes data, Byte offset = 0, bool known = false) {
   try {
@@ -47,14 +51,14 @@ TEST(RecordsTest, SerialNumbersThatAreNoNumbers) {
 /// The whole range of serial numbers in runs of the same behaviour, each tried at both ends.
 TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
   const Lengths any{131}, type0{1, 16}, type1{16, 17}, type4{8, 9, 10}, type7{11, 32};
-  const Positions none, at2{2}, at8{2, 4, 6, 8}, at38{38};
-  const Positions at16{2, 4, 6, 8, 10, 12, 14, 16}, at32{2, 4, 6, 8, 26, 28, 30, 32};
+  const PositionList none, at2{2}, at8{2, 4, 6, 8}, at38{38};
+  const PositionList at16{2, 4, 6, 8, 10, 12, 14, 16}, at32{2, 4, 6, 8, 26, 28, 30, 32};
   const struct {
     int first;            ///< serial number; the run ends in front of the next
     int at0, at1, known;  ///< lengths read at these offsets, and of known models
     Lengths written;
-    Positions sent, received;  ///< fields of known models
-    Positions otherwise{};     ///< fields of others
+    PositionList sent, received;  ///< fields of known models
+    PositionList otherwise{};     ///< fields of others
   } runs[] = {
       // clang-format off
       {0, 1, 1, 1, {1, 6}, at8, at8},            {10000, 10, 10, 16, type1, at8, at8},
@@ -100,11 +104,11 @@ TEST(RecordsTest, LengthsAndFieldsOfAllSerialNumbers) {
       EXPECT_EQ(readLength({number, false}, 1), run.at1);
       EXPECT_EQ(readLength({number, true}, 1), run.known);
       for (const Byte offset : {Byte{0}, Byte{1}}) EXPECT_EQ(lengthsTaken(number, offset), run.written);
-      EXPECT_EQ(positionsSent(number, 38, true), run.sent);
-      EXPECT_EQ(positionsSent(number, 37, true), run.sent == at38 ? none : run.sent) << "too short";
-      EXPECT_EQ(positionsReceived(number, true), run.received);
-      EXPECT_EQ(positionsSent(number, 38, false), run.otherwise);
-      EXPECT_EQ(positionsReceived(number, false), run.otherwise == at2 ? at2 : none);
+      EXPECT_EQ(listed(positionsSent({number, true}, 38)), run.sent);
+      EXPECT_EQ(listed(positionsSent({number, true}, 37)), run.sent == at38 ? none : run.sent) << "too short";
+      EXPECT_EQ(listed(positionsReceived({number, true})), run.received);
+      EXPECT_EQ(listed(positionsSent({number, false}, 38)), run.otherwise);
+      EXPECT_EQ(listed(positionsReceived({number, false})), run.otherwise == at2 ? at2 : none);
     }
   }
 }
