@@ -7,8 +7,6 @@ namespace {
 
 using link::Stop;
 
-constexpr Byte readLongRecord = 31;
-constexpr Byte writeLongRecord = 159;
 constexpr int blocks = 4;
 constexpr int attempts = 3;
 
@@ -26,13 +24,13 @@ Byte readBlocks(const Mailbox& mailbox, Bytes& data) {
 
 /// One attempt; true when it brought the text.
 bool readOnce(const Mailbox& mailbox, Bytes& data, Byte& result) {
-  const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
+  const Exchange exchange = mailbox.run(Purpose::text);
   const Polled& trigger = exchange.trigger;
   if (!trigger.isZero()) {
     // The byte as it was read, or the status when there is none: 0 too, behind a bad status or without a
     // byte. Not to be mended into a code of its own: hosts know the results of this method so, and tell a
     // text that came from one that did not by their data, which stay as they were.
-    result = trigger.present ? trigger.value : trigger.status;
+    result = trigger.value.value_or(trigger.status);
     return false;
   }
   result = resultOf(exchange.reply);
@@ -51,7 +49,7 @@ void read(const Mailbox& mailbox, const RequestHeader& header, Bytes& data, Byte
 void write(const Mailbox& mailbox, const RequestHeader& header, std::string_view data, Byte& result) {
   mailbox.putLong(data, Mailbox::LastBlock::cut);
   mailbox.address(header, false);
-  const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
+  const Exchange exchange = mailbox.run(Purpose::text);
   result = exchange.trigger.isZero() ? exchange.reply.result() : Byte{otherFailure};
 }
 

@@ -1,6 +1,7 @@
 #include "modules/mailbox.h"
 
 #include <algorithm>
+#include <array>
 
 #include "values/numbers.h"
 #include "values/result.h"
@@ -10,6 +11,7 @@ namespace velk::modules {
 namespace {
 
 using link::Address;
+using namespace std::chrono_literals;
 
 constexpr Address triggerByte{.page = 0, .offset = 0x00};
 constexpr Address headerPlace{.page = 0, .offset = 0x0A};
@@ -17,6 +19,32 @@ constexpr Address dataPlace{.page = 0, .offset = 0x10};
 constexpr Address longRecordBuffer{.area = link::Area::highBlock, .page = 26, .offset = 0};
 constexpr Byte requestMarker = 222;
 constexpr std::size_t paddedHeader = 16;
+
+constexpr auto notPolled = std::nullopt;
+
+struct Timing {
+  Seconds beforeTrigger;
+  Seconds behindTrigger;
+  std::optional<Seconds> trigger;  ///< how long it may stay set
+  std::optional<Seconds> reply;    ///< how long its code may stay other than 0
+  Seconds inTheEnd;
+};
+
+// clang-format off
+/// How long each `Purpose` waits.
+constexpr std::array timings{
+    //     pauses around the  trigger    reply      pause
+    //     trigger's setting  cleared    comes      in the end
+    Timing{100ms, 100ms,      500ms,     500ms,     0ms},    // version
+    Timing{0ms,   100ms,      500ms,     500ms,     0ms},    // readRecord
+    Timing{0ms,   100ms,      1s,        notPolled, 800ms},  // writeRecord
+    Timing{0ms,   100ms,      notPolled, notPolled, 0ms},    // writeOwn
+    Timing{0ms,   100ms,      500ms,     1s,        0ms},    // readSample
+    Timing{0ms,   100ms,      notPolled, 500ms,     0ms},    // writeSample
+    Timing{0ms,   100ms,      500ms,     1s,        0ms},    // text
+};
+// clang-format on
+static_assert(timings.size() == static_cast<std::size_t>(Purpose::text) + 1);
 
 /// The binary value of one pair of digits.
 Byte pairValue(std::string_view serialNumber, std::size_t index) {
@@ -35,16 +63,15 @@ Bytes RequestHeader::bytes() const {
 }
 
 Byte Polled::result() const {
-  if (status == 0 && !present) throw RuntimeError(RuntimeError::invalidArgument);
-  return status != 0 ? status : value;
+  if (status != 0) return status;
+  if (!value) throw RuntimeError(RuntimeError::invalidArgument);
+  return *value;
 }
 
 Byte resultOf(const Polled& reply) {
-  if (reply.isZero()) return 0;
-  const bool isOwnCode =
-      reply.status == 0 &&
-      (reply.value == moduleRefused127 || reply.value == moduleRefused128 || reply.value == moduleRefused255);
-  return isOwnCode ? reply.value : Byte{otherFailure};
+  constexpr std::array<Byte, 4> codes{success, moduleRefused127, moduleRefused128, moduleRefused255};
+  const bool isCode = reply.status == 0 && std::find(codes.begin(), codes.end(), reply.value) != codes.end();
+  return isCode ? *reply.value : Byte{otherFailure};
 }
 
 void Mailbox::address(const RequestHeader& header, bool isPadded) const {
@@ -56,16 +83,15 @@ void Mailbox::put(std::string_view piece) const {
   memory_.write(dataPlace, piece);
 }
 
-Exchange Mailbox::run(const Timing& timing) const {
+Exchange Mailbox::run(Purpose purpose) const {
+  const Timing& timing = timings.at(static_cast<std::size_t>(purpose));
   Exchange exchange;
   pause(timing.beforeTrigger);
   memory_.write(triggerByte, Bytes(1, character(255)));
-  pause(timing.afterTrigger);
-  if (timing.triggerTime.count() > 0) {
-    exchange.trigger = poll(triggerByte, timing.triggerTime);
-    if (!exchange.trigger.isZero()) return exchange;
-  }
-  if (timing.replyTime.count() > 0) exchange.reply = poll(headerPlace, timing.replyTime);
+  pause(timing.behindTrigger);
+  if (timing.trigger) exchange.trigger = poll(triggerByte, *timing.trigger);
+  if (timing.reply && exchange.trigger.isZero()) exchange.reply = poll(headerPlace, *timing.reply);
+  pause(timing.inTheEnd);
   return exchange;
 }
 
@@ -98,8 +124,8 @@ Polled Mailbox::poll(Address at, Seconds longest) const {
   for (;;) {
     const auto start = host_.steady();
     const Bytes reply = memory_.tryRead(1, at);
-    Polled last{.status = byteAt(reply, 0), .present = reply.size() > 1};
-    if (last.present) last.value = byteAt(reply, 1);
+    Polled last{.status = byteAt(reply, 0), .value = {}};
+    if (reply.size() > 1) last.value = byteAt(reply, 1);
     host_.yield();
     const auto rest = std::min(start + shortest - host_.steady(), deadline.remaining());
     if (last.isZero() || deadline.passed()) return last;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "link/memory.h"
@@ -25,30 +26,31 @@ struct RequestHeader {
   [[nodiscard]] Bytes bytes() const;
 };
 
+/// Directions of requests for a record, or a text, in the long-record buffer.
+constexpr Byte readLongRecord = 31;
+constexpr Byte writeLongRecord = 159;
+
+/// Added to directions: the module is one that tells reading from writing.
+constexpr Byte readFlag = 64;
+
+/// What a request is for, which decides how long each of its steps may take.
+enum class Purpose : Byte { version, readRecord, writeRecord, writeOwn, readSample, writeSample, text };
+
 /// What the last reading of a polled byte gave.
 struct Polled {
-  Byte status;
-  bool present;  ///< the reply had a second byte
-  Byte value;
+  Byte status = 0;
+  std::optional<Byte> value = 0;  ///< none when the reply had no second byte
 
-  [[nodiscard]] bool isZero() const { return status == 0 && present && value == 0; }
+  [[nodiscard]] bool isZero() const { return status == 0 && value == 0; }
 
   /// The status, or with a good one the byte itself; run-time error 5 when there is none.
   [[nodiscard]] Byte result() const;
 };
 
-/// How long one kind of request takes. A time of 0 leaves the step out.
-struct Timing {
-  Seconds beforeTrigger{0};
-  Seconds afterTrigger{0.1};
-  Seconds triggerTime{0.5};  ///< how long the trigger may stay set
-  Seconds replyTime{0.5};    ///< how long the reply code may stay other than 0
-};
-
-/// How a request ended.
+/// How a request ended. What is not polled counts as 0; the reply is not while the trigger is set.
 struct Exchange {
-  Polled trigger{};
-  Polled reply{};  ///< not polled while the trigger is set
+  Polled trigger;
+  Polled reply;
 };
 
 /// The result byte for a final reply code: 0, the module's own 127, 128 and 255, else 100.
@@ -67,7 +69,7 @@ class Mailbox {
   void put(std::string_view piece) const;
 
   /// Sets the trigger and waits for the module.
-  [[nodiscard]] Exchange run(const Timing& timing) const;
+  [[nodiscard]] Exchange run(Purpose purpose) const;
 
   /// Reads reply data, `offset` bytes into the reply.
   [[nodiscard]] Bytes get(Byte count, Byte offset = 0) const;

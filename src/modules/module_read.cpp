@@ -12,8 +12,6 @@ namespace {
 using link::Stop;
 
 constexpr Byte versionRequest = 10;
-constexpr Byte readLongDirection = 31;
-constexpr Byte readFlag = 64;
 
 bool takesReadFlag(const Subject& subject) {
   constexpr SerialRange serials{830200, 839999};
@@ -26,7 +24,7 @@ bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) 
                    .direction = static_cast<Byte>(direction),
                    .serialNumber = access.serialNumber},
                   true);
-  const Exchange exchange = mailbox.run({});
+  const Exchange exchange = mailbox.run(Purpose::readRecord);
   if (!exchange.trigger.isZero()) return false;
   if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{Result{result}};
   return true;
@@ -58,7 +56,7 @@ void readPieces(const Mailbox& mailbox, const ModuleAccess& access, const Subjec
 /// A record of up to 128 bytes in the long-record buffer; its first byte is its length.
 void readLong(const Mailbox& mailbox, const ModuleAccess& access, Byte& result) {
   constexpr Byte longest = 128;
-  if (request(mailbox, access, readLongDirection)) {
+  if (request(mailbox, access, readLongRecord)) {
     Bytes record = mailbox.getLong(0);
     const Byte length = std::min(byteAt(record, 0), longest);
     for (Byte block = pieceSize; block < longest && record.size() < length; block += pieceSize) {

@@ -13,18 +13,12 @@ namespace {
 using link::Stop;
 
 constexpr Byte writeFlags = 192;
-constexpr Byte writeLongDirection = 159;
 
 /// Sends a request and waits until the module has taken it. The controller's own module is not waited for.
-Byte run(const Mailbox& mailbox, std::string_view serialNumber) {
-  if (serialNumber == ownSerial) {
-    (void)mailbox.run({.triggerTime = Seconds(0), .replyTime = Seconds(0)});
-    return 0;
-  }
-  const Exchange exchange = mailbox.run({.triggerTime = Seconds(1), .replyTime = Seconds(0)});
-  const Byte result = exchange.trigger.isZero() ? success : otherFailure;
-  mailbox.pause(Seconds(0.8));
-  return result;
+void run(const Mailbox& mailbox, std::string_view serialNumber, Byte& result) {
+  const Exchange exchange = mailbox.run(serialNumber == ownSerial ? Purpose::writeOwn : Purpose::writeRecord);
+  if (!exchange.trigger.isZero()) throw Stop{otherFailure};
+  result = success;
 }
 
 /// Some series store a piece slowly.
@@ -46,8 +40,7 @@ void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string
     const std::string_view piece = slice(data, start, pieceSize);
     mailbox.address(headerFor(access, piece.size() + writeFlags), false);
     mailbox.put(piece);
-    result = run(mailbox, access.serialNumber);
-    if (result != 0) throw Stop{Result{result}};
+    run(mailbox, access.serialNumber, result);
     access.offset = checkedByte(access.offset + 1);
   }
 }
@@ -56,9 +49,8 @@ void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string
 void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, Byte& result) {
   for (Byte position = 10; position <= 32; position += 2) data = ConvertTXSub(std::move(data), position);
   mailbox.putLong(data, Mailbox::LastBlock::padded);
-  mailbox.address(headerFor(access, writeLongDirection), false);
-  result = run(mailbox, access.serialNumber);
-  if (result != 0) throw Stop{Result{result}};
+  mailbox.address(headerFor(access, writeLongRecord), false);
+  run(mailbox, access.serialNumber, result);
   access.offset = checkedByte(access.offset + 1);
 }
 

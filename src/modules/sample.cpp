@@ -29,22 +29,26 @@ Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
   // Only now: a number or bank that no header can hold is found when the header is made, as a bad serial
   // number is. Hosts see the blocks on the wire before the method ends with 99.
   mailbox.address(headerFor(sample, 191), false);
-  return mailbox.run({.triggerTime = Seconds(0)}).reply.result();
+  return mailbox.run(Purpose::writeSample).reply.result();
+}
+
+/// The blocks of a sample up to the one that ends with a zero byte.
+Bytes storedBlocks(const Mailbox& mailbox) {
+  Bytes kept;
+  for (Byte position = 0; position < longestSample; position += pieceSize) {
+    kept += mailbox.getLong(position);
+    if (byteAt(kept, kept.size() - 1) == 0) break;
+  }
+  return kept;
 }
 
 Byte read(const Mailbox& mailbox, const SampleAccess& sample) {
   mailbox.address(headerFor(sample, 63), false);
-  const Exchange exchange = mailbox.run({.replyTime = Seconds(1)});
+  const Exchange exchange = mailbox.run(Purpose::readSample);
   if (!exchange.trigger.isZero()) return exchange.trigger.result();
   if (!exchange.reply.isZero()) return exchange.reply.result();
-  // The block that ends with a zero byte is the last one.
-  Bytes kept = mailbox.getLong(0);
-  for (Byte position = pieceSize; position < longestSample && byteAt(kept, kept.size() - 1) != 0;
-       position += pieceSize) {
-    kept += mailbox.getLong(position);
-  }
-  sample.data = kept;
-  return 0;
+  sample.data = storedBlocks(mailbox);
+  return success;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ bool hasNoIdentification(std::int16_t type, double serial) {
 Byte direction(std::string_view serialNumber, double serial) {
   const std::string_view prefix = slice(serialNumber, 0, 2);
   const bool old = (prefix == "12" && serial < 120800) || (prefix == "04" && serial < 46000);
-  return old ? 15 : 15 + 64;
+  return old ? 15 : 15 + readFlag;
 }
 
 std::string trimmedBlanks(std::string_view text) {
@@ -53,7 +53,7 @@ Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Ident
 
   mailbox.address({.number = 0, .direction = direction(serialNumber, serial), .serialNumber = serialNumber},
                   true);
-  const Exchange exchange = mailbox.run({.beforeTrigger = Seconds(0.1)});
+  const Exchange exchange = mailbox.run(Purpose::version);
   if (!exchange.trigger.isZero()) return controllerBusy;
   if (const Byte result = resultOf(exchange.reply); result != 0) return result;
   const Bytes block = mailbox.get(pieceSize);
