@@ -37,20 +37,20 @@ struct Conversion {
 };
 
 // clang-format off
-/// The first row that fits decides. The two directions are no mirror images: hosts and modules rely on both
-/// as they are.
+/// The first row that fits decides; what it leaves out is not converted. The two directions are no mirror
+/// images: hosts and modules rely on both as they are.
 constexpr std::array conversions{
     //         type     serial numbers      sent                        received
-    Conversion{anyType, {50000, 69999},     {},                         {}},
-    Conversion{anyType, {80000, 89999},     {},                         {}},
+    Conversion{anyType, {50000, 69999}},
+    Conversion{anyType, {80000, 89999}},
     Conversion{anyType, {110000, 119999},   {},                         {at2To8}},
     Conversion{anyType, {240000, 249999},   {},                         {at2To8}},
     Conversion{anyType, {270000, 279999},   {at2, Models::any},         {at2, Models::any}},
     Conversion{anyType, {831000, 839999},   {at38, Models::any, 38},    {at2To8}},
-    Conversion{anyType, {910000, 919999},   {},                         {}},
+    Conversion{anyType, {910000, 919999}},
     Conversion{anyType, {930000, 939999},   {},                         {at2To8}},
     Conversion{anyType, {970000, 979999},   {},                         {at2To8}},
-    Conversion{anyType, from(980100),       {},                         {}},
+    Conversion{anyType, from(980100)},
     Conversion{7,       longSevens,         {at2To16},                  {at2To16}},
     Conversion{29,      all,                {at2},                      {at2}},
     Conversion{75,      all,                {},                         {at2To8}},

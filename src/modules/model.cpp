@@ -58,6 +58,10 @@ bool inModelList(std::string_view name) {
   return modelList.find(name) != std::string_view::npos;
 }
 
+bool isOwnModule(std::string_view serialNumber) {
+  return serialNumber == "000001";
+}
+
 double serialValue(std::string_view serialNumber) {
   return leadingNumber(serialNumber);
 }

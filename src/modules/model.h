@@ -13,6 +13,9 @@ std::int16_t ModuleType(std::string_view serialNumber);
 /// Whether a text stands anywhere in the list of known models, separators included.
 bool inModelList(std::string_view name);
 
+/// Whether this is the controller's own module, which has no version, checks and polls.
+bool isOwnModule(std::string_view serialNumber);
+
 /// The numeric value of a whole serial number.
 double serialValue(std::string_view serialNumber);
 

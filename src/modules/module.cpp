@@ -48,7 +48,7 @@ void Module(const Mailbox& mailbox, std::string_view readOrWrite, const ModuleAc
   constexpr std::size_t serialLength = 6;
   result = nothingDone;
   if (access.serialNumber.size() != serialLength) throw Stop{badSerialNumber};
-  if (access.serialNumber != ownSerial) identify(mailbox, access, identity);
+  if (!isOwnModule(access.serialNumber)) identify(mailbox, access, identity);
   // Records of known models carry a leading piece that the caller does not count.
   if (identity.known) access.offset = checkedByte(access.offset + 1);
   if (readOrWrite == "R") {

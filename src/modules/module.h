@@ -8,9 +8,6 @@
 
 namespace velk::modules {
 
-/// The serial number that stands for the controller's own module: without version, checks and polls.
-constexpr std::string_view ownSerial = "000001";
-
 /// One module record, as `Module` hands it in and out.
 struct ModuleAccess {
   std::string_view serialNumber;

@@ -4,7 +4,7 @@
 
 #include "modules/records.h"
 #include "modules/translation.h"
-#include "values/numbers.h"
+#include "modules/version.h"
 
 namespace velk::modules {
 namespace {
@@ -12,11 +12,6 @@ namespace {
 using link::Stop;
 
 constexpr Byte versionRequest = 10;
-
-bool takesReadFlag(const Subject& subject) {
-  constexpr SerialRange serials{830200, 839999};
-  return subject.known || serials.contains(subject.serial());
-}
 
 /// One request with a reply. False when the controller did not clear the trigger.
 bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) {
@@ -34,16 +29,16 @@ bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) 
 /// the part behind this offset. An answer that does not come is no reason to give the record up.
 void requestVersion(const Mailbox& mailbox, const ModuleAccess& access, const RecordRow& row) {
   constexpr Byte versionPlace = 8;
-  if (!request(mailbox, access, versionRequest) || row.special != Special::versionReplyFirst) return;
-  const Bytes version = mailbox.get(2, versionPlace);
-  access.firmware = zeroPadded(byteAt(version, 0), 2) + zeroPadded(byteAt(version, 1), 2);
+  if (!request(mailbox, access, versionRequest) || !row.traits.firmware) return;
+  access.firmware = firmwareText(mailbox.get(2, versionPlace));
 }
 
 void readPieces(const Mailbox& mailbox, const ModuleAccess& access, const Subject& subject, Byte length,
                 Byte& result) {
+  const Byte flag = subject.known || seriesOf(subject).readFlag ? readFlag : 0;
   for (int rest = length; rest > 0; rest -= pieceSize) {
     const auto size = static_cast<Byte>(std::min<int>(rest, pieceSize));
-    const bool answered = request(mailbox, access, takesReadFlag(subject) ? size + readFlag : size);
+    const bool answered = request(mailbox, access, size + flag);
     // A piece whose trigger stays set is left out without an error: hosts count on getting the others.
     if (answered) {
       access.data += mailbox.get(size);
@@ -74,12 +69,12 @@ void readLong(const Mailbox& mailbox, const ModuleAccess& access, Byte& result) 
 void readModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
   const Subject subject{.serialNumber = access.serialNumber, .known = identity.known};
   const Byte start = access.offset;
-  const RecordRow* const row = rowFor(subject, start);
   access.data.clear();
-  if (readsLongRecord(subject)) {
+  if (seriesOf(subject).longRead) {
     readLong(mailbox, access, result);
   } else {
-    if (row != nullptr && asksVersion(*row, start)) requestVersion(mailbox, access, *row);
+    const RecordRow& row = rowFor(subject, start);
+    if (asksVersion(row, start)) requestVersion(mailbox, access, row);
     readPieces(mailbox, access, subject, readLength(subject, start), result);
   }
   translateRead(subject, start, access.data);

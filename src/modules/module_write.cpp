@@ -16,16 +16,9 @@ constexpr Byte writeFlags = 192;
 
 /// Sends a request and waits until the module has taken it. The controller's own module is not waited for.
 void run(const Mailbox& mailbox, std::string_view serialNumber, Byte& result) {
-  const Exchange exchange = mailbox.run(serialNumber == ownSerial ? Purpose::writeOwn : Purpose::writeRecord);
+  const Exchange exchange = mailbox.run(isOwnModule(serialNumber) ? Purpose::writeOwn : Purpose::writeRecord);
   if (!exchange.trigger.isZero()) throw Stop{otherFailure};
   result = success;
-}
-
-/// Some series store a piece slowly.
-Seconds pauseBetweenPieces(double serial) {
-  constexpr SerialRange slow1{950000, 950020};
-  constexpr SerialRange slow2{830200, 839999};
-  return Seconds(slow1.contains(serial) || slow2.contains(serial) ? 2.0 : 0.1);
 }
 
 RequestHeader headerFor(const ModuleAccess& access, std::size_t direction) {
@@ -34,9 +27,10 @@ RequestHeader headerFor(const ModuleAccess& access, std::size_t direction) {
           .serialNumber = access.serialNumber};
 }
 
-void writePieces(const Mailbox& mailbox, const ModuleAccess& access, std::string_view data, Byte& result) {
+void writePieces(const Mailbox& mailbox, const ModuleAccess& access, const Subject& subject,
+                 std::string_view data, Byte& result) {
   for (std::size_t start = 0; start < data.size(); start += pieceSize) {
-    if (start != 0) mailbox.pause(pauseBetweenPieces(serialValue(access.serialNumber)));
+    if (start != 0) mailbox.pause(seriesOf(subject).betweenPieces);
     const std::string_view piece = slice(data, start, pieceSize);
     mailbox.address(headerFor(access, piece.size() + writeFlags), false);
     mailbox.put(piece);
@@ -59,10 +53,10 @@ void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, B
 void writeModule(const Mailbox& mailbox, const ModuleAccess& access, const Identity& identity, Byte& result) {
   const Subject subject{.serialNumber = access.serialNumber, .known = identity.known};
   const Bytes data = translatedForWrite(subject, access.offset, access.data);
-  if (writesLongRecord(subject, access.offset, data.size())) {
+  if (writesLong(subject, access.offset)) {
     writeLong(mailbox, access, data, result);
   } else {
-    writePieces(mailbox, access, data, result);
+    writePieces(mailbox, access, subject, data, result);
   }
 }
 

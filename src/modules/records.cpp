@@ -5,7 +5,6 @@
 
 #include "link/memory.h"
 #include "modules/conversion.h"
-#include "modules/mailbox.h"
 #include "values/result.h"
 
 namespace velk::modules {
@@ -13,47 +12,50 @@ namespace {
 
 using link::Stop;
 
+constexpr RecordRow noRecord{0, all, 0, {}, Check::none};
+constexpr Series ordinary{.serials = all};
 constexpr Byte longRecord = 112;
 
 // clang-format off
 /// The first row that fits decides.
 constexpr std::array rows{
-    // type  serial numbers    read  write accepts
+    // type  serial numbers    read  write accepts    check               traits; from which `Offset` on, length read of
+    //                                                                    known models, last `Offset` for full pieces
     RecordRow{0,  upTo(9999),       1,    {1, 6},          Check::address},
     RecordRow{0,  upTo(80249),      6,    {1, 6},          Check::address},
     RecordRow{0,  all,              16,   {1, 16},         Check::address},
-    RecordRow{1,  all,              10,   {17},            Check::pairs4,     Special::masks, 0, 16},
+    RecordRow{1,  all,              10,   {17},            Check::pairs4,     {.masks = true}, 0, 16},
     RecordRow{3,  all,              2,    {2},             Check::pair},
     RecordRow{4,  all,              8,    {8, 9, 10},      Check::length},
     RecordRow{5,  all,              74,   {74},            Check::groups},
-    RecordRow{7,  longSevens,       32,   {11, 32}},
+    RecordRow{7,  longSevens,       32,   {11, 32},        Check::selections, {.asItIs = true}},
     RecordRow{7,  all,              11,   {11, 32}},
-    RecordRow{10, all,              22,   {22},            Check::selections, Special::versionFirstAndMasks},
+    RecordRow{10, all,              22,   {22},            Check::selections, {.masks = true, .version = true}},
     RecordRow{11, all,              70,   {70}},
     RecordRow{21, all,              24,   {},              Check::none},
     RecordRow{24, all,              70,   {70}},
     RecordRow{26, all,              24,   {},              Check::none},
     RecordRow{27, all,              7,    {7}},
     RecordRow{29, all,              7,    {},              Check::none},
-    RecordRow{70, from(705000),     32,   {longRecord}},
-    RecordRow{70, all,              20,   {longRecord}},
-    RecordRow{71, from(705000),     32,   {longRecord}},
-    RecordRow{71, all,              20,   {longRecord}},
+    RecordRow{70, from(705000),     32,   {longRecord},    Check::selections, {.longWrite = true}},
+    RecordRow{70, all,              20,   {longRecord},    Check::selections, {.longWrite = true}},
+    RecordRow{71, from(705000),     32,   {longRecord},    Check::selections, {.longWrite = true}},
+    RecordRow{71, all,              20,   {longRecord},    Check::selections, {.longWrite = true}},
     RecordRow{75, all,              29,   {29}},
     RecordRow{76, all,              29,   {},              Check::none},
     RecordRow{77, all,              29,   {},              Check::none},
     RecordRow{78, all,              29,   {},              Check::none},
-    RecordRow{83, from(830200),     5,    {3},             Check::selections, Special::none, 1},
+    RecordRow{83, from(830200),     5,    {3},             Check::selections, {}, 1},
     RecordRow{83, all,              3,    {3}},
     RecordRow{88, all,              22,   {22}},
-    RecordRow{91, all,              11,   {11},            Check::selections, Special::none, 1},
+    RecordRow{91, all,              11,   {11},            Check::selections, {}, 1},
     RecordRow{91, all,              0,    {11}},
     RecordRow{93, all,              3,    {3}},
-    RecordRow{95, upTo(950999),     20,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{95, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{96, upTo(950999),     20,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{96, all,              32,   {20, 32},        Check::selections, Special::versionReplyFirst},
-    RecordRow{98, all,              16,   {4, 16},         Check::selections, Special::none, 0, 0, 3},
+    RecordRow{95, upTo(950999),     20,   {20, 32},        Check::selections, {.version = true, .firmware = true}},
+    RecordRow{95, all,              32,   {20, 32},        Check::selections, {.version = true, .firmware = true}},
+    RecordRow{96, upTo(950999),     20,   {20, 32},        Check::selections, {.version = true, .firmware = true}},
+    RecordRow{96, all,              32,   {20, 32},        Check::selections, {.version = true, .firmware = true}},
+    RecordRow{98, all,              16,   {4, 16},         Check::selections, {}, 0, {}, 3},
     RecordRow{99, all,              4,    {4}},
 };
 // clang-format on
@@ -61,8 +63,16 @@ static_assert(std::is_sorted(rows.begin(), rows.end(),
                              [](const RecordRow& a, const RecordRow& b) { return a.type < b.type; }),
               "by ascending types, so that a type is found, or missed, at a glance");
 
-/// A pair of bytes is an address and what belongs to it: neither above 99, and the address from 3 on when the
-/// pair is in use.
+constexpr std::array series{
+    Series{.serials = {705000, 709999}, .pieceWrite = true},
+    Series{.serials = {830200, 839999}, .readFlag = true, .betweenPieces = Seconds(2)},
+    Series{.serials = {950000, 950020}, .betweenPieces = Seconds(2)},
+    Series{.serials = {980100, 989999}, .longRead = true},
+};
+static_assert(std::is_sorted(series.begin(), series.end(), [](const Series& a, const Series& b) {
+  return a.serials.first < b.serials.first;
+}));
+
 bool isGoodPair(Byte first, Byte second) {
   const bool used = first != 0 || second != 0;
   return first <= 99 && second <= 99 && (!used || first >= 3);
@@ -108,7 +118,7 @@ void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std:
     case Check::length:
       break;
     case Check::selections:
-      if (!isSentAsItIs(subject, offset)) checkSelections(subject, data);
+      if (!isSentAsItIs(row, offset)) checkSelections(subject, data);
       break;
     case Check::address:
       return checkAddress(data);
@@ -128,45 +138,39 @@ bool accepts(const RecordRow& row, std::size_t size) {
 
 }  // namespace
 
-const RecordRow* rowFor(const Subject& subject, Byte offset) {
+const RecordRow& rowFor(const Subject& subject, Byte offset) {
   const std::int16_t type = subject.type();
   const double serial = subject.serial();
   const auto* const found = std::find_if(rows.begin(), rows.end(), [&](const RecordRow& row) {
     return row.type == type && row.serials.contains(serial) && offset >= row.fromOffset;
   });
-  return found == rows.end() ? nullptr : found;
+  return found == rows.end() ? noRecord : *found;
+}
+
+const Series& seriesOf(const Subject& subject) {
+  const double serial = subject.serial();
+  const auto* const found = std::find_if(series.begin(), series.end(),
+                                         [&](const Series& row) { return row.serials.contains(serial); });
+  return found == series.end() ? ordinary : *found;
 }
 
 Byte readLength(const Subject& subject, Byte offset) {
-  const RecordRow* const row = rowFor(subject, offset);
-  if (row == nullptr) return 0;
-  return subject.known && row->readLengthKnown != 0 ? row->readLengthKnown : row->readLength;
+  const RecordRow& row = rowFor(subject, offset);
+  return subject.known ? row.readLengthKnown.value_or(row.readLength) : row.readLength;
+}
+
+bool writesLong(const Subject& subject, Byte offset) {
+  return rowFor(subject, offset).traits.longWrite && !seriesOf(subject).pieceWrite && offset != 1;
 }
 
 void checkWrite(const Subject& subject, Byte offset, Bytes& data) {
   constexpr std::size_t shortOfOne = 16;
-  const RecordRow* const row = rowFor(subject, offset);
-  if (row == nullptr || row->check == Check::none) return;
-  if (row->check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
-  if (!accepts(*row, data.size())) throw Stop{wrongLength};
-  if (data.size() == pieceSize && offset > row->lastFullPiece) throw Stop{badOffset};
-  checkFields(*row, subject, offset, data);
-}
-
-bool isSentAsItIs(const Subject& subject, Byte offset) {
-  return subject.type() == 7 && longSevens.contains(subject.serial()) && offset >= 2;
-}
-
-bool readsLongRecord(const Subject& subject) {
-  constexpr SerialRange serials{980100, 989999};
-  return serials.contains(subject.serial());
-}
-
-bool writesLongRecord(const Subject& subject, Byte offset, std::size_t size) {
-  constexpr SerialRange inPieces{705000, 709999};
-  const std::int16_t type = subject.type();
-  return (type == 70 || type == 71) && !inPieces.contains(subject.serial()) && offset != 1 &&
-         size == longRecord;
+  const RecordRow& row = rowFor(subject, offset);
+  if (row.check == Check::none) return;
+  if (row.check == Check::pairs4 && data.size() == shortOfOne) data += '\x04';
+  if (!accepts(row, data.size())) throw Stop{wrongLength};
+  if (data.size() == pieceSize && offset > row.lastFullPiece) throw Stop{badOffset};
+  checkFields(row, subject, offset, data);
 }
 
 }  // namespace velk::modules

@@ -6,7 +6,6 @@
 #include "link/memory.h"
 #include "modules/conversion.h"
 #include "modules/mailbox.h"
-#include "modules/module.h"
 #include "modules/translation.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
@@ -80,22 +79,18 @@ std::string refusedWith(Result code) {
 
 }  // namespace
 
-bool isOwnModule(std::string_view serialNumber) {
-  return serialNumber == ownSerial;
-}
-
 int piecesToRead(const Subject& subject) {
-  if (readsLongRecord(subject)) return 1;
+  if (seriesOf(subject).longRead) return 1;
   return (readLength(subject, startOf(subject)) + pieceSize - 1) / pieceSize;
 }
 
 bool isWhole(const Subject& subject, const Bytes& record) {
-  if (readsLongRecord(subject)) return !record.empty();
+  if (seriesOf(subject).longRead) return !record.empty();
   return record.size() == readLength(subject, startOf(subject));
 }
 
 Restoration restorationOf(const Subject& subject, const Bytes& record) {
-  if (readsLongRecord(subject)) return {.data = {}, .obstacle = longOnly};
+  if (seriesOf(subject).longRead) return {.data = {}, .obstacle = longOnly};
   if (!isWhole(subject, record)) return {.data = {}, .obstacle = incomplete};
   Restoration found = undone(subject, record);
   if (!found.obstacle.empty()) return found;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "modules/records.h"
 #include "values/bytes.h"
@@ -13,9 +12,6 @@ struct Restoration {
   Bytes data;            ///< what `Module` has to write for the module to read as before
   std::string obstacle;  ///< why there are no such data; empty when there are
 };
-
-/// Whether this is the controller's own module, which is written without checks.
-bool isOwnModule(std::string_view serialNumber);
 
 /// The number of requests that a read of a record from its start takes.
 int piecesToRead(const Subject& subject);

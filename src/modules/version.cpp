@@ -29,10 +29,6 @@ std::string trimmedBlanks(std::string_view text) {
   return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
-std::string twoDigits(Byte number) {
-  return zeroPadded(number, 2);
-}
-
 /// Takes over the name that the module reports; false when it is not known. This test has no blanks behind
 /// the name, so that a part of a listed name counts, and so does no name at all.
 bool takeName(std::string_view block, Identity& identity) {
@@ -43,6 +39,10 @@ bool takeName(std::string_view block, Identity& identity) {
 }
 
 }  // namespace
+
+std::string firmwareText(std::string_view version) {
+  return zeroPadded(byteAt(version, 0), 2) + zeroPadded(byteAt(version, 1), 2);
+}
 
 Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Identity& identity) {
   identity.cpuType = 0;
@@ -59,7 +59,7 @@ Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Ident
   const Bytes block = mailbox.get(pieceSize);
   if (!identity.known && !takeName(block, identity)) return 0;
   identity.cpuType = byteAt(block, 12);
-  identity.firmware = twoDigits(byteAt(block, 13)) + twoDigits(byteAt(block, 14));
+  identity.firmware = firmwareText(slice(block, 13, 2));
   return 0;
 }
 

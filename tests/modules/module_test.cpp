@@ -89,6 +89,9 @@ TEST(ModuleTest, TheControllersOwnModule) {
       << "no check";
   EXPECT_EQ(house.sent(), "write 6 V 000A DE 00 C1 00 00 01; write 1 V 0010 02; write 1 V 0000 FF");
   EXPECT_EQ(house.spent(), 103) << "without polls";
+  ModuleHouse refused({"status=7@3"});
+  EXPECT_EQ(refused.write("000001", "\x02"), 7);
+  EXPECT_EQ(refused.spent(), 3) << "the pause comes behind the trigger";
   EXPECT_EQ(house.read("090500").result, 0);
   house.restart();
   EXPECT_EQ(house.outcome(house.write("000001", bytes({9, 1, 9, 2, 9, 3, 9, 4}))),

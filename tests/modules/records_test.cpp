@@ -178,13 +178,12 @@ TEST(RecordsTest, LongRecordsAreWritten) {
   const struct {
     const char* number;
     Byte offset;
-    std::size_t size;
     bool isLong;
-  } rows[] = {{"700000", 0, 112, true},  {"704999", 0, 112, true},  {"705000", 0, 112, false},
-              {"709999", 0, 112, false}, {"710000", 2, 112, true},  {"719999", 0, 112, true},
-              {"700000", 1, 112, false}, {"700000", 0, 113, false}, {"720000", 0, 112, false}};
-  for (const auto& [number, offset, size, isLong] : rows)
-    EXPECT_EQ(writesLongRecord({number, false}, offset, size), isLong) << number;
+  } rows[] = {{"700000", 0, true},  {"704999", 0, true}, {"705000", 0, false}, {"709999", 0, false},
+              {"710000", 2, true},  {"719999", 0, true}, {"71abcd", 0, true},  {"70e9  ", 0, true},
+              {"700000", 1, false}, {"720000", 0, false}};
+  for (const auto& [number, offset, isLong] : rows)
+    EXPECT_EQ(writesLong({number, false}, offset), isLong) << number;
 }
 
 }  // namespace
