@@ -37,8 +37,8 @@ struct Conversion {
 };
 
 // clang-format off
-/// The first row that fits decides; what it leaves out is not converted. The two directions are no mirror
-/// images: hosts and modules rely on both as they are.
+/// The first row that fits decides, and the last fits any module; what a row leaves out is not converted. The
+/// two directions are no mirror images: hosts and modules rely on both as they are.
 constexpr std::array conversions{
     //         type     serial numbers      sent                        received
     Conversion{anyType, {50000, 69999}},
@@ -62,17 +62,14 @@ constexpr std::array conversions{
     Conversion{anyType, all,                {at2To8},                   {at2To8}},
 };
 // clang-format on
-static_assert(std::is_sorted(conversions.begin(), conversions.end() - 1,
-                             [](const Conversion& a, const Conversion& b) {
-                               return std::pair(a.type, a.serials.first) < std::pair(b.type, b.serials.first);
-                             }),
-              "series, then types, and at last all others");
+static_assert(std::ranges::is_sorted(conversions.begin(), conversions.end() - 1, {},
+                                     [](const auto& row) { return std::pair(row.type, row.serials.first); }));
 
 const Conversion& conversionOf(const Subject& subject) {
   const auto fits = [type = subject.type(), serial = subject.serial()](const Conversion& row) {
     return row.type.value_or(type) == type && row.serials.contains(serial);
   };
-  return *std::find_if(conversions.begin(), conversions.end(), fits);  // the last fits any
+  return *std::ranges::find_if(conversions, fits);
 }
 
 Positions positionsOf(const Selections& selections, const Subject& subject) {

@@ -40,7 +40,7 @@ bool readOnce(const Mailbox& mailbox, Bytes& data, Byte& result) {
 
 void read(const Mailbox& mailbox, const RequestHeader& header, Bytes& data, Byte& result) {
   // Only the trigger is repeated: the header stays, but for the reply code over its marker.
-  mailbox.address(header, false);
+  mailbox.address(header);
   for (int i = 0; i < attempts; ++i) {
     if (readOnce(mailbox, data, result)) return;
   }
@@ -48,7 +48,7 @@ void read(const Mailbox& mailbox, const RequestHeader& header, Bytes& data, Byte
 
 void write(const Mailbox& mailbox, const RequestHeader& header, std::string_view data, Byte& result) {
   mailbox.putLong(data, Mailbox::LastBlock::cut);
-  mailbox.address(header, false);
+  mailbox.address(header);
   const Exchange exchange = mailbox.run(Purpose::text);
   result = exchange.trigger.isZero() ? exchange.reply.result() : Byte{otherFailure};
 }

@@ -54,12 +54,13 @@ Byte pairValue(std::string_view serialNumber, std::size_t index) {
 }  // namespace
 
 Bytes RequestHeader::bytes() const {
-  return {character(requestMarker),
-          character(number),
-          character(direction),
-          character(pairValue(serialNumber, 0)),
-          character(pairValue(serialNumber, 2)),
-          character(pairValue(serialNumber, 4))};
+  const Bytes bytes{character(requestMarker),
+                    character(number),
+                    character(direction),
+                    character(pairValue(serialNumber, 0)),
+                    character(pairValue(serialNumber, 2)),
+                    character(pairValue(serialNumber, 4))};
+  return padded ? velk::padded(bytes, paddedHeader) : bytes;
 }
 
 Byte Polled::result() const {
@@ -70,13 +71,12 @@ Byte Polled::result() const {
 
 Byte resultOf(const Polled& reply) {
   constexpr std::array<Byte, 4> codes{success, moduleRefused127, moduleRefused128, moduleRefused255};
-  const bool isCode = reply.status == 0 && std::find(codes.begin(), codes.end(), reply.value) != codes.end();
+  const bool isCode = reply.status == 0 && std::ranges::find(codes, reply.value) != codes.end();
   return isCode ? *reply.value : Byte{otherFailure};
 }
 
-void Mailbox::address(const RequestHeader& header, bool isPadded) const {
-  const Bytes bytes = header.bytes();
-  memory_.write(headerPlace, isPadded ? velk::padded(bytes, paddedHeader) : bytes);
+void Mailbox::address(const RequestHeader& header) const {
+  memory_.write(headerPlace, header.bytes());
 }
 
 void Mailbox::put(std::string_view piece) const {

@@ -16,12 +16,13 @@ using link::Seconds;
 
 constexpr Byte pieceSize = 16;
 
-/// The request header, six bytes. The reply code overwrites its first byte; modules take a repeated trigger
-/// without the marker.
+/// The six bytes in front of a request. The reply code overwrites its first byte; modules take a repeated
+/// trigger without the marker.
 struct RequestHeader {
   Byte number;     ///< which piece, sample or text
   Byte direction;  ///< length and direction
   std::string_view serialNumber;
+  bool padded = false;  ///< ten blanks follow
 
   [[nodiscard]] Bytes bytes() const;
 };
@@ -62,8 +63,8 @@ class Mailbox {
  public:
   Mailbox(const link::Memory& memory, platform::Host& host) : memory_(memory), host_(host) {}
 
-  /// Writes a header; with `padded`, ten blanks behind it.
-  void address(const RequestHeader& header, bool padded) const;
+  /// Writes a header.
+  void address(const RequestHeader& header) const;
 
   /// Writes the data of a piece.
   void put(std::string_view piece) const;

@@ -13,7 +13,7 @@ namespace {
 constexpr std::array<Byte, 13> masks{16, 8, 4, 2, 0, 1, 3, 7, 15, 31, 63, 127, 255};
 
 Byte codeOf(Byte mask) {
-  const auto* const found = std::find(masks.begin(), masks.end(), mask);
+  const auto* const found = std::ranges::find(masks, mask);
   if (found == masks.end()) throw link::Stop{badValue};
   return static_cast<Byte>(found - masks.begin());
 }

@@ -62,8 +62,4 @@ bool isOwnModule(std::string_view serialNumber) {
   return serialNumber == "000001";
 }
 
-double serialValue(std::string_view serialNumber) {
-  return leadingNumber(serialNumber);
-}
-
 }  // namespace velk::modules

@@ -4,6 +4,8 @@
 #include <limits>
 #include <string_view>
 
+#include "values/numbers.h"
+
 /// Who a module is: its serial number, its type, its model.
 namespace velk::modules {
 
@@ -15,9 +17,6 @@ bool inModelList(std::string_view name);
 
 /// Whether this is the controller's own module, which has no version, checks and polls.
 bool isOwnModule(std::string_view serialNumber);
-
-/// The numeric value of a whole serial number.
-double serialValue(std::string_view serialNumber);
 
 /// A range of serial numbers, both ends included.
 struct SerialRange {
@@ -46,7 +45,7 @@ struct Subject {
   bool known;  ///< of a known model
 
   [[nodiscard]] std::int16_t type() const { return ModuleType(serialNumber); }
-  [[nodiscard]] double serial() const { return serialValue(serialNumber); }
+  [[nodiscard]] double serial() const { return leadingNumber(serialNumber); }
 };
 
 }  // namespace velk::modules

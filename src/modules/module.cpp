@@ -28,7 +28,7 @@ void identify(const Mailbox& mailbox, const ModuleAccess& access, Identity& iden
   identity.model = access.model;
   if (const Byte result = readVersion(mailbox, access.serialNumber, identity); result != 0)
     throw Stop{Result{result}};
-  if (silentSeries.contains(serialValue(access.serialNumber))) {
+  if (silentSeries.contains(leadingNumber(access.serialNumber))) {
     identity.known = true;
     identity.model = "MT007/500VA";
     // The caller's model name is left as passed here, and here alone.

@@ -17,8 +17,8 @@ constexpr Byte versionRequest = 10;
 bool request(const Mailbox& mailbox, const ModuleAccess& access, int direction) {
   mailbox.address({.number = access.offset,
                    .direction = static_cast<Byte>(direction),
-                   .serialNumber = access.serialNumber},
-                  true);
+                   .serialNumber = access.serialNumber,
+                   .padded = true});
   const Exchange exchange = mailbox.run(Purpose::readRecord);
   if (!exchange.trigger.isZero()) return false;
   if (const Byte result = resultOf(exchange.reply); result != 0) throw Stop{Result{result}};

@@ -32,7 +32,7 @@ void writePieces(const Mailbox& mailbox, const ModuleAccess& access, const Subje
   for (std::size_t start = 0; start < data.size(); start += pieceSize) {
     if (start != 0) mailbox.pause(seriesOf(subject).betweenPieces);
     const std::string_view piece = slice(data, start, pieceSize);
-    mailbox.address(headerFor(access, piece.size() + writeFlags), false);
+    mailbox.address(headerFor(access, piece.size() + writeFlags));
     mailbox.put(piece);
     run(mailbox, access.serialNumber, result);
     access.offset = checkedByte(access.offset + 1);
@@ -43,7 +43,7 @@ void writePieces(const Mailbox& mailbox, const ModuleAccess& access, const Subje
 void writeLong(const Mailbox& mailbox, const ModuleAccess& access, Bytes data, Byte& result) {
   for (Byte position = 10; position <= 32; position += 2) data = ConvertTXSub(std::move(data), position);
   mailbox.putLong(data, Mailbox::LastBlock::padded);
-  mailbox.address(headerFor(access, writeLongRecord), false);
+  mailbox.address(headerFor(access, writeLongRecord));
   run(mailbox, access.serialNumber, result);
   access.offset = checkedByte(access.offset + 1);
 }

@@ -59,9 +59,8 @@ constexpr std::array rows{
     RecordRow{99, all,              4,    {4}},
 };
 // clang-format on
-static_assert(std::is_sorted(rows.begin(), rows.end(),
-                             [](const RecordRow& a, const RecordRow& b) { return a.type < b.type; }),
-              "by ascending types, so that a type is found, or missed, at a glance");
+static_assert(std::ranges::is_sorted(rows, {}, &RecordRow::type),
+              "so that a type is found, or missed, at a glance");
 
 constexpr std::array series{
     Series{.serials = {705000, 709999}, .pieceWrite = true},
@@ -69,9 +68,7 @@ constexpr std::array series{
     Series{.serials = {950000, 950020}, .betweenPieces = Seconds(2)},
     Series{.serials = {980100, 989999}, .longRead = true},
 };
-static_assert(std::is_sorted(series.begin(), series.end(), [](const Series& a, const Series& b) {
-  return a.serials.first < b.serials.first;
-}));
+static_assert(std::ranges::is_sorted(series, {}, [](const Series& row) { return row.serials.first; }));
 
 bool isGoodPair(Byte first, Byte second) {
   const bool used = first != 0 || second != 0;
@@ -132,25 +129,22 @@ void checkFields(const RecordRow& row, const Subject& subject, Byte offset, std:
 }
 
 bool accepts(const RecordRow& row, std::size_t size) {
-  return size != 0 &&
-         std::find(row.writeLengths.begin(), row.writeLengths.end(), size) != row.writeLengths.end();
+  return size != 0 && std::ranges::find(row.writeLengths, size) != row.writeLengths.end();
 }
 
 }  // namespace
 
 const RecordRow& rowFor(const Subject& subject, Byte offset) {
-  const std::int16_t type = subject.type();
-  const double serial = subject.serial();
-  const auto* const found = std::find_if(rows.begin(), rows.end(), [&](const RecordRow& row) {
-    return row.type == type && row.serials.contains(serial) && offset >= row.fromOffset;
-  });
+  const auto* const found =
+      std::ranges::find_if(rows, [&, type = subject.type(), serial = subject.serial()](const RecordRow& row) {
+        return row.type == type && row.serials.contains(serial) && offset >= row.fromOffset;
+      });
   return found == rows.end() ? noRecord : *found;
 }
 
 const Series& seriesOf(const Subject& subject) {
-  const double serial = subject.serial();
-  const auto* const found = std::find_if(series.begin(), series.end(),
-                                         [&](const Series& row) { return row.serials.contains(serial); });
+  const auto* const found = std::ranges::find_if(
+      series, [serial = subject.serial()](const Series& row) { return row.serials.contains(serial); });
   return found == series.end() ? ordinary : *found;
 }
 

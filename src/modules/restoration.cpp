@@ -24,7 +24,7 @@ Byte startOf(const Subject& subject) {
 }
 
 bool holds(Positions positions, Byte position) {
-  return std::find(positions.begin(), positions.end(), position) != positions.end();
+  return std::ranges::find(positions, position) != positions.end();
 }
 
 /// The selection that gives a field: one that is found where it becomes a mask, and reads back so or, where a
@@ -40,8 +40,7 @@ std::optional<char> selectionFor(char field, bool isTranslatedBack) {
 
 /// A reading leaves a record as it came that is too short for its fields.
 bool isTranslated(const Bytes& record, Positions received) {
-  return std::all_of(received.begin(), received.end(),
-                     [&](Byte position) { return position <= record.size(); });
+  return std::ranges::all_of(received, [&](Byte position) { return position <= record.size(); });
 }
 
 /// Turns each field that a write makes a mask of into the number for it. A field that is translated only when

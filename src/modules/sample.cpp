@@ -19,7 +19,8 @@ RequestHeader headerFor(const SampleAccess& sample, int direction) {
 void check(const SampleAccess& sample) {
   constexpr SerialRange fewerSamples{980101, 989999};
   if (sample.serialNumber.size() != 6) throw Stop{badSerialNumber};
-  if (fewerSamples.contains(serialValue(sample.serialNumber)) && sample.number > 239) throw Stop{wrongLength};
+  if (fewerSamples.contains(leadingNumber(sample.serialNumber)) && sample.number > 239)
+    throw Stop{wrongLength};
   if (sample.number > 253) throw Stop{countTooLarge};
 }
 
@@ -28,7 +29,7 @@ Byte write(const Mailbox& mailbox, const SampleAccess& sample) {
   mailbox.putLong(sample.data, Mailbox::LastBlock::padded);
   // Only now: a number or bank that no header can hold is found when the header is made, as a bad serial
   // number is. Hosts see the blocks on the wire before the method ends with 99.
-  mailbox.address(headerFor(sample, 191), false);
+  mailbox.address(headerFor(sample, 191));
   return mailbox.run(Purpose::writeSample).reply.result();
 }
 
@@ -43,7 +44,7 @@ Bytes storedBlocks(const Mailbox& mailbox) {
 }
 
 Byte read(const Mailbox& mailbox, const SampleAccess& sample) {
-  mailbox.address(headerFor(sample, 63), false);
+  mailbox.address(headerFor(sample, 63));
   const Exchange exchange = mailbox.run(Purpose::readSample);
   if (!exchange.trigger.isZero()) return exchange.trigger.result();
   if (!exchange.reply.isZero()) return exchange.reply.result();

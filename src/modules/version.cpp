@@ -48,11 +48,13 @@ Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Ident
   identity.cpuType = 0;
   identity.firmware.clear();
   identity.known = inModelList(padded(identity.model, comparedLength));
-  const double serial = serialValue(serialNumber);
+  const double serial = leadingNumber(serialNumber);
   if (hasNoIdentification(ModuleType(serialNumber), serial)) return 0;
 
-  mailbox.address({.number = 0, .direction = direction(serialNumber, serial), .serialNumber = serialNumber},
-                  true);
+  mailbox.address({.number = 0,
+                   .direction = direction(serialNumber, serial),
+                   .serialNumber = serialNumber,
+                   .padded = true});
   const Exchange exchange = mailbox.run(Purpose::version);
   if (!exchange.trigger.isZero()) return controllerBusy;
   if (const Byte result = resultOf(exchange.reply); result != 0) return result;
