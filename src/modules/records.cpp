@@ -12,7 +12,7 @@ namespace {
 
 using link::Stop;
 
-constexpr RecordRow noRecord{0, all, 0, {}, Check::none};
+constexpr RecordRow noRecord{.serials = all, .check = Check::none};
 constexpr Series ordinary{.serials = all};
 constexpr Byte longRecord = 112;
 

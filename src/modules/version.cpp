@@ -61,7 +61,7 @@ Byte RXModuleVersie(const Mailbox& mailbox, std::string_view serialNumber, Ident
   const Bytes block = mailbox.get(pieceSize);
   if (!identity.known && !takeName(block, identity)) return 0;
   identity.cpuType = byteAt(block, 12);
-  identity.firmware = firmwareText(slice(block, 13, 2));
+  identity.firmware = firmwareText(slice(block, 13));
   return 0;
 }
 

@@ -8,7 +8,7 @@
 
 namespace velk::modules {
 
-/// The two bytes of a firmware version as text: two digits each, without a separator.
+/// The two bytes at the start of a firmware version as text: two digits each, without a separator.
 std::string firmwareText(std::string_view version);
 
 /// Reads a module's identification block into `identity`. Ends with the result byte or throws `Stop`.
