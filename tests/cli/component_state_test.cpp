@@ -70,9 +70,8 @@ TEST_F(ComponentStateTest, RemediesForWhatIsMissing) {
 }
 
 TEST_F(ComponentStateTest, RemediesElsewhere) {
-  ComponentState narrowSystem{
-      .registrations = {{narrow, Scope::everybody, ""}, {narrow, Scope::user, ""}},
-      .program = folder / "alone" / "velk.exe"};
+  ComponentState narrowSystem{.registrations = {{narrow, Scope::everybody, ""}, {narrow, Scope::user, ""}},
+                              .program = folder / "alone" / "velk.exe"};
   EXPECT_EQ(commands(narrowSystem),
             (Lines{"regsvr32 " + good32.string(), "regsvr32 /n /i:user " + good32.string()}));
   narrowSystem.program = "/nowhere/at all/velk.exe";
