@@ -8,8 +8,8 @@
 //     byte result = serial.OpenCom(3);
 //     if (result != 0) Console.WriteLine((VelkCom.Result)result);
 //
-// A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw COMException, whose
-// ErrorCode is 0x800A0000 plus the error's number.
+// A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw an exception whose
+// HResult is 0x800A0000 plus the error's number; since .NET Core it is the InnerException of the one that is caught.
 #pragma warning disable 618, 1573, 1591 // dispatch interfaces are meant; names say the rest
 using System.Runtime.InteropServices;
 
@@ -139,7 +139,7 @@ namespace VelkCom
         /// greeting, and logs in where it asks for that. Connecting and greeting may take 1.5 s together.</summary>
         /// <param name="PortNumber">TCP port; for ports above 32767 the port minus 65536.</param>
         /// <param name="PassWord">cut or padded with zero bytes to four; blank or left out: four zero bytes. Comes
-        /// back as used.</param>
+        /// back as it was used.</param>
         /// <param name="RSAddress">bus address of the controller, 2 to 99; any other value means 2.</param>
         /// <returns>0; 252 no connection or no such greeting; 58 the socket is in use (<c>CloseTCP</c> first); else
         /// the interface's answer to the login. <c>TCP</c> is set also after a refused login.</returns>
@@ -178,7 +178,7 @@ namespace VelkCom
 
         /// <summary>Reads <c>AtlBytes</c> bytes (1 to 16, 0 means 16; 144 means 16 from the high bank) at page
         /// <c>DPHxram</c>, offset <c>DPLxram</c>. <c>Richting</c> "V" selects the external memory, any other text the
-        /// block area. Returns as <c>TranCeiv</c>.</summary>
+        /// block area. Returns what <c>TranCeiv</c> does.</summary>
         [DispId(16)]
         string ReadCom(byte AtlBytes, byte DPHxram, byte DPLxram, string Richting,
             [Optional, DefaultParameterValue((byte)0)] byte AtlPogingen);
@@ -235,8 +235,8 @@ namespace VelkCom
         /// <param name="ReadOrWrite">"R" reads; "W", "RW" and "" write.</param>
         /// <param name="Mode">two-letter mode; on reading set to the one stored.</param>
         /// <param name="Parameters">the items, one character each.</param>
-        /// <param name="Aantal">number of items, 255 for all from <c>Offset</c> on; on reading set to the number
-        /// meant. 0: the mode only.</param>
+        /// <param name="Aantal">number of items, 255 for all from <c>Offset</c> on, 0 for the mode only; on reading
+        /// set to the number meant.</param>
         /// <param name="Offset">number of the first item.</param>
         /// <returns>0; 99 part of a mode's code with items; 101 bad <c>ReadOrWrite</c>; 102 <c>Aantal</c>, 103
         /// <c>Offset</c> too large; 104 wrong length, 105 wrong value in <c>Parameters</c>; 111 bad mode, on reading:
@@ -279,15 +279,16 @@ namespace VelkCom
 
         /// <summary>Reads or writes the link of a source to a destination: two bytes at page <c>SourceAdr</c>, offset
         /// 31 + 2 times <c>SourceSubAdr</c>, and its flank bits in the byte at offset 254.</summary>
-        /// <param name="SourceAdr">0 to 124, but for 1, 2 and 100; <c>SourceSubAdr</c> 0 to 3.</param>
+        /// <param name="SourceAdr">0 to 124, but for 1, 2 and 100.</param>
+        /// <param name="SourceSubAdr">0 to 3.</param>
         /// <param name="DestAdr">output 1 to 127, group 129 to 255, or input; 0 removes an output link. On reading
         /// set.</param>
         /// <param name="INofOut">"O" output or group, "I" input; on reading set. An input link reads back as address
         /// 0.</param>
-        /// <param name="Parameters1">on reading set to the high nibble, <c>Parameters2</c> to the low nibble of the
-        /// second byte.</param>
-        /// <param name="HighFlank">act on rising, <c>LowFlank</c> on falling edges; output links only; on reading
-        /// set.</param>
+        /// <param name="Parameters1">on reading set to the high nibble of the second byte.</param>
+        /// <param name="Parameters2">on reading set to its low nibble.</param>
+        /// <param name="HighFlank">act on rising edges; output links only; on reading set.</param>
+        /// <param name="LowFlank">act on falling edges, likewise.</param>
         /// <returns>0; 101 bad <c>ReadOrWrite</c>; 112 bad <c>SourceAdr</c>, or a link to itself; 115 bad
         /// <c>SourceSubAdr</c>; 116 bad <c>INofOut</c>; 100 a value that does not fit a byte; else the status of the
         /// failed transaction.</returns>
@@ -298,7 +299,7 @@ namespace VelkCom
             [Optional, DefaultParameterValue(true)] ref bool LowFlank);
 
         /// <summary>Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then
-        /// reads each back.</summary>
+        /// reads them back.</summary>
         /// <param name="Taal">"N" Dutch, "E" English, "F" French, "D" German, "B" or "P" Portuguese, "S"
         /// Spanish.</param>
         /// <returns>0; 105 no such language; 201 a text reads back differently; else the status of the failed
@@ -315,7 +316,7 @@ namespace VelkCom
         /// <param name="Data">the records, 4 bytes each; on writing one that contains a byte 1 is left as it
         /// is.</param>
         /// <param name="Delay1">5 to 200, so a write has to give it.</param>
-        /// <param name="Delay2">0 for none or 5 to 200; both at most 255.</param>
+        /// <param name="Delay2">0 for none or 5 to 200; both together at most 255.</param>
         /// <param name="Simulation">on reading 255 or 0; on writing anything but 0 sets the flag.</param>
         /// <returns>0; 104 wrong length; 105 bad delay; 112 bad <c>MaxAdr</c>; 113 bad <c>PresetNr</c>; else the
         /// status of the failed transaction.</returns>
@@ -340,12 +341,12 @@ namespace VelkCom
         /// <param name="ReadOrWrite">"R" reads, anything else writes.</param>
         /// <param name="Data">the records. On a write their first two bytes are turned into BCD and the end mark is
         /// appended in the caller's own text.</param>
-        /// <returns>0; 105 bad weekday or hour; 100 a value that has no BCD; else the status of the failed
+        /// <returns>0; 105 bad weekday or hour; 100 a value without BCD; else the status of the failed
         /// transaction.</returns>
         [DispId(53)]
         byte Simulation(string ReadOrWrite, byte Weekday, byte Uur, ref string Data);
 
-        /// <summary>Reads or writes switch-time block <c>BlokNummer</c> (0 to 127), at page <c>BlokNummer</c> + 128
+        /// <summary>Reads or writes switch-time block <c>BlokNummer</c> (0 to 127), page <c>BlokNummer</c> + 128,
         /// from offset 200 on.</summary>
         /// <param name="ReadOrWrite">"R" reads, anything else writes.</param>
         /// <param name="Dagen">day selection, bit 0 Monday to bit 6 Sunday.</param>
@@ -372,16 +373,15 @@ namespace VelkCom
         /// fails, 106) leaves the former value; one that fails later leaves what it has read so far.</param>
         /// <param name="Offset">number of the first piece; grows by 1 for a known model and by 1 for each
         /// piece.</param>
-        /// <param name="ModType">model name; on entry one that is known already is kept instead of the one that the
-        /// module reports.</param>
+        /// <param name="ModType">model name; a known one on entry is kept, whatever the module reports.</param>
         /// <param name="CPUtype">CPU type.</param>
         /// <param name="FWVersie">firmware version, four digits; "1.0" with 090250 to 090270.</param>
         /// <returns>0; 99 an error before any other code, or no piece answered; 100 no or a strange reply; 103
         /// <c>Offset</c> too large, 104 wrong length, 105, 111, 112 a value in <c>Data</c> out of range; 106
         /// <c>SerieNr</c> is not six characters; 107 the controller did not take the request; 127, 128, 255 the
         /// module's own code; else the status of the failed transaction. A run-time error behind the first piece (an
-        /// unplugged adapter) ends with the code of the piece before it, which is 0: <c>Offset</c> tells how far the
-        /// record went.</returns>
+        /// unplugged adapter) ends with the code of the piece before it, which is 0: <c>Offset</c> tells how far it
+        /// went.</returns>
         [DispId(61)]
         byte Module(string ReadOrWrite, string SerieNr, ref string Data,
             [Optional, DefaultParameterValue((byte)0)] ref byte Offset,
@@ -421,9 +421,9 @@ namespace VelkCom
         [DispId(67)]
         string ConvertSim(ref string Data);
 
-        /// <summary>Reads or writes sample <c>SampleNr</c> (0 to 239; up to 253 is let through to end with 99, as no
-        /// request can name it, behind the blocks of a write) in bank <c>BankAofB</c> (0 or 1) of a module, through
-        /// the long-record buffer.</summary>
+        /// <summary>Reads or writes sample <c>SampleNr</c> (0 to 239) in bank <c>BankAofB</c> (0 or 1) of a module,
+        /// through the long-record buffer. Numbers up to 253 are let through; as no request can name them, they end
+        /// with 99, behind the blocks of a write.</summary>
         /// <param name="Data">up to 128 bytes; empty after a failed read.</param>
         /// <returns>0; 99 an error before any other code; 102, 104 bad <c>SampleNr</c> or length; 106 <c>SerieNr</c>
         /// is not six characters; else the status of a transaction, the trigger or the module's reply code.</returns>

@@ -133,9 +133,10 @@ type
     // Connects to the Ethernet interface at a host name or address, recognises its kind by the greeting, and logs in
     // where it asks for that. Connecting and greeting may take 1.5 s together. PortNumber: TCP port; for ports above
     // 32767 the port minus 65536. PassWord: cut or padded with zero bytes to four; blank or left out: four zero
-    // bytes. Comes back as used. RSAddress: bus address of the controller, 2 to 99; any other value means 2. Returns
-    // 0; 252 no connection or no such greeting; 58 the socket is in use (CloseTCP first); else the interface's answer
-    // to the login. TCP is set also after a refused login. Defaults elsewhere: PassWord ''; RSAddress 2.
+    // bytes. Comes back as it was used. RSAddress: bus address of the controller, 2 to 99; any other value means 2.
+    // Returns 0; 252 no connection or no such greeting; 58 the socket is in use (CloseTCP first); else the
+    // interface's answer to the login. TCP is set also after a refused login. Defaults
+    // elsewhere: PassWord ''; RSAddress 2.
     function OpenTCP(IpAddress: WideString; PortNumber: Smallint; var PassWord: WideString; RSAddress: Byte): Byte;
         dispid 12;
 
@@ -160,7 +161,7 @@ type
         Instructie: Byte): WideString; dispid 15;
 
     // Reads AtlBytes bytes (1 to 16, 0 means 16; 144 means 16 from the high bank) at page DPHxram, offset DPLxram.
-    // Richting "V" selects the external memory, any other text the block area. Returns as TranCeiv. Defaults
+    // Richting "V" selects the external memory, any other text the block area. Returns what TranCeiv does. Defaults
     // elsewhere: AtlPogingen 0.
     function ReadCom(AtlBytes: Byte; DPHxram: Byte; DPLxram: Byte; Richting: WideString; AtlPogingen: Byte):
         WideString; dispid 16;
@@ -204,8 +205,8 @@ type
     // Reads or writes the mode and the parameter items of output Address (1 to 99), which lie in the page with the
     // output's number: the mode at offset 1, the items by mode (docs/outputs.md). ReadOrWrite: "R" reads; "W", "RW"
     // and "" write. Mode: two-letter mode; on reading set to the one stored. Parameters: the items, one character
-    // each. Aantal: number of items, 255 for all from Offset on; on reading set to the number meant. 0: the mode
-    // only. Offset: number of the first item. Returns 0; 99 part of a mode's code with items; 101 bad ReadOrWrite;
+    // each. Aantal: number of items, 255 for all from Offset on, 0 for the mode only; on reading set to the number
+    // meant. Offset: number of the first item. Returns 0; 99 part of a mode's code with items; 101 bad ReadOrWrite;
     // 102 Aantal, 103 Offset too large; 104 wrong length, 105 wrong value in Parameters; 111 bad mode, on reading:
     // the number stored is none of 1 to 21, as in an output that is not in use (Mode is then empty); 112 bad Address;
     // else the status of the failed transaction. Defaults elsewhere: Parameters ''; Aantal 255; Offset 0.
@@ -234,19 +235,19 @@ type
         40;
 
     // Reads or writes the link of a source to a destination: two bytes at page SourceAdr, offset 31 + 2 times
-    // SourceSubAdr, and its flank bits in the byte at offset 254. SourceAdr: 0 to 124, but for 1, 2 and 100;
-    // SourceSubAdr 0 to 3. DestAdr: output 1 to 127, group 129 to 255, or input; 0 removes an output link. On reading
-    // set. INofOut: "O" output or group, "I" input; on reading set. An input link reads back as address 0.
-    // Parameters1: on reading set to the high nibble, Parameters2 to the low nibble of the second byte. HighFlank:
-    // act on rising, LowFlank on falling edges; output links only; on reading set. Returns 0; 101 bad ReadOrWrite;
-    // 112 bad SourceAdr, or a link to itself; 115 bad SourceSubAdr; 116 bad INofOut; 100 a value that does not fit a
-    // byte; else the status of the failed transaction. Defaults
+    // SourceSubAdr, and its flank bits in the byte at offset 254. SourceAdr: 0 to 124, but for 1, 2 and 100.
+    // SourceSubAdr: 0 to 3. DestAdr: output 1 to 127, group 129 to 255, or input; 0 removes an output link. On
+    // reading set. INofOut: "O" output or group, "I" input; on reading set. An input link reads back as address 0.
+    // Parameters1: on reading set to the high nibble of the second byte. Parameters2: on reading set to its low
+    // nibble. HighFlank: act on rising edges; output links only; on reading set. LowFlank: act on falling edges,
+    // likewise. Returns 0; 101 bad ReadOrWrite; 112 bad SourceAdr, or a link to itself; 115 bad SourceSubAdr; 116 bad
+    // INofOut; 100 a value that does not fit a byte; else the status of the failed transaction. Defaults
     // elsewhere: Parameters2 0; HighFlank true; LowFlank true.
     function Ctl_Soft(ReadOrWrite: WideString; SourceAdr: Byte; SourceSubAdr: Byte; var DestAdr: Byte;
         var INofOut: WideString; var Parameters1: Byte; var Parameters2: Byte; var HighFlank: WordBool;
         var LowFlank: WordBool): Byte; dispid 41;
 
-    // Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then reads each back.
+    // Writes all 29 display texts of a language (16 bytes at offset 40 of the pages 6 to 34), then reads them back.
     // Taal: "N" Dutch, "E" English, "F" French, "D" German, "B" or "P" Portuguese, "S" Spanish. Returns 0; 105 no
     // such language; 201 a text reads back differently; else the status of the failed transaction. What was written
     // before a failure stays.
@@ -256,9 +257,9 @@ type
     // four-byte records 3 to MaxAdr (block area at DPHPreset, DPLPreset), two delays and the simulation flag (page
     // 102 + (PresetNr - 1) / 4). ReadOrWrite: "R" reads, anything else writes. Tekst: exactly 16 characters. MaxAdr:
     // number of the last record, 3 to 99. Data: the records, 4 bytes each; on writing one that contains a byte 1 is
-    // left as it is. Delay1: 5 to 200, so a write has to give it. Delay2: 0 for none or 5 to 200; both at most 255.
-    // Simulation: on reading 255 or 0; on writing anything but 0 sets the flag. Returns 0; 104 wrong length; 105 bad
-    // delay; 112 bad MaxAdr; 113 bad PresetNr; else the status of the failed transaction. Defaults
+    // left as it is. Delay1: 5 to 200, so a write has to give it. Delay2: 0 for none or 5 to 200; both together at
+    // most 255. Simulation: on reading 255 or 0; on writing anything but 0 sets the flag. Returns 0; 104 wrong
+    // length; 105 bad delay; 112 bad MaxAdr; 113 bad PresetNr; else the status of the failed transaction. Defaults
     // elsewhere: Delay1 0; Delay2 0; Simulation 0.
     function Preset(ReadOrWrite: WideString; PresetNr: Byte; var Tekst: WideString; MaxAdr: Byte;
         var Data: WideString; var Delay1: Byte; var Delay2: Byte; var Simulation: Byte): Byte; dispid 50;
@@ -272,11 +273,11 @@ type
     // Reads or writes the recorded events of a weekday (0 Monday to 6 Sunday) and hour (0 to 23): five-byte records
     // closed by 255, in the high bank of the block area, page Weekday * 36 + the hour in BCD. ReadOrWrite: "R" reads,
     // anything else writes. Data: the records. On a write their first two bytes are turned into BCD and the end mark
-    // is appended in the caller's own text. Returns 0; 105 bad weekday or hour; 100 a value that has no BCD; else the
+    // is appended in the caller's own text. Returns 0; 105 bad weekday or hour; 100 a value without BCD; else the
     // status of the failed transaction.
     function Simulation(ReadOrWrite: WideString; Weekday: Byte; Uur: Byte; var Data: WideString): Byte; dispid 53;
 
-    // Reads or writes switch-time block BlokNummer (0 to 127), at page BlokNummer + 128 from offset 200 on.
+    // Reads or writes switch-time block BlokNummer (0 to 127), page BlokNummer + 128, from offset 200 on.
     // ReadOrWrite: "R" reads, anything else writes. Dagen: day selection, bit 0 Monday to bit 6 Sunday. Uur: hour,
     // taken modulo 24. Minuten: minute, modulo 60. All three 0 clear the block. Data: two bytes (101 to 124, 1 to 4),
     // or entries of three bytes whose first is 3 or more; empty for a block without action, whose day selection is
@@ -293,14 +294,14 @@ type
     // pieces of at most 16 bytes. Lengths and checks by module type: docs/modules.md. ReadOrWrite: "R" reads,
     // anything else writes. Data: the record. A read that is refused before it gets to the record (an identification
     // that fails, 106) leaves the former value; one that fails later leaves what it has read so far. Offset: number
-    // of the first piece; grows by 1 for a known model and by 1 for each piece. ModType: model name; on entry one
-    // that is known already is kept instead of the one that the module reports. CPUtype: CPU type. FWVersie: firmware
-    // version, four digits; "1.0" with 090250 to 090270. Returns 0; 99 an error before any other code, or no piece
-    // answered; 100 no or a strange reply; 103 Offset too large, 104 wrong length, 105, 111, 112 a value in Data out
-    // of range; 106 SerieNr is not six characters; 107 the controller did not take the request; 127, 128, 255 the
-    // module's own code; else the status of the failed transaction. A run-time error behind the first piece (an
-    // unplugged adapter) ends with the code of the piece before it, which is 0: Offset tells how far the record went.
-    // Defaults elsewhere: Offset 0; ModType ''; CPUtype 0; FWVersie ''.
+    // of the first piece; grows by 1 for a known model and by 1 for each piece. ModType: model name; a known one on
+    // entry is kept, whatever the module reports. CPUtype: CPU type. FWVersie: firmware version, four digits; "1.0"
+    // with 090250 to 090270. Returns 0; 99 an error before any other code, or no piece answered; 100 no or a strange
+    // reply; 103 Offset too large, 104 wrong length, 105, 111, 112 a value in Data out of range; 106 SerieNr is not
+    // six characters; 107 the controller did not take the request; 127, 128, 255 the module's own code; else the
+    // status of the failed transaction. A run-time error behind the first piece (an unplugged adapter) ends with the
+    // code of the piece before it, which is 0: Offset tells how far it went. Defaults
+    // elsewhere: Offset 0; ModType ''; CPUtype 0; FWVersie ''.
     function Module(ReadOrWrite: WideString; SerieNr: WideString; var Data: WideString; var Offset: Byte;
         var ModType: WideString; var CPUtype: Byte; var FWVersie: WideString): Byte; dispid 61;
 
@@ -326,11 +327,11 @@ type
     // Run-time error 13 for a byte that is not BCD.
     function ConvertSim(var Data: WideString): WideString; dispid 67;
 
-    // Reads or writes sample SampleNr (0 to 239; up to 253 is let through to end with 99, as no request can name it,
-    // behind the blocks of a write) in bank BankAofB (0 or 1) of a module, through the long-record buffer. Data: up
-    // to 128 bytes; empty after a failed read. Returns 0; 99 an error before any other code; 102, 104 bad SampleNr or
-    // length; 106 SerieNr is not six characters; else the status of a transaction, the trigger or the module's reply
-    // code.
+    // Reads or writes sample SampleNr (0 to 239) in bank BankAofB (0 or 1) of a module, through the long-record
+    // buffer. Numbers up to 253 are let through; as no request can name them, they end with 99, behind the blocks of
+    // a write. Data: up to 128 bytes; empty after a failed read. Returns 0; 99 an error before any other code; 102,
+    // 104 bad SampleNr or length; 106 SerieNr is not six characters; else the status of a transaction, the trigger or
+    // the module's reply code.
     function Sample(ReadOrWrite: WideString; SerieNr: WideString; SampleNr: Byte; BankAofB: Byte;
         var Data: WideString): Byte; dispid 68;
 

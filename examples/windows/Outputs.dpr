@@ -37,9 +37,9 @@ var
   Password: WideString;
 begin
   Serial := CoSerial.Create;
-  Password := ParamStr(3);
+  Password := WideString(ParamStr(3));
   // The port is a signed 16-bit number.
-  Result := Serial.OpenTCP(ParamStr(1), Smallint(StrToInt(ParamStr(2))), Password, 2);
+  Result := Serial.OpenTCP(WideString(ParamStr(1)), Smallint(StrToInt(ParamStr(2))), Password, 2);
   if Result = ResultSuccess then Result := ListOutputs(Serial);
   Serial.CloseTCP;
   if Result <> ResultSuccess then WriteLn('Outputs: result ', Result);

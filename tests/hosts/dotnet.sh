@@ -4,7 +4,7 @@ project=$(cd "$here/../.." && pwd)
 dotnet=$project/build/dotnet
 compilers=$(echo "$dotnet"/sdk/*/Roslyn/bincore)
 references=$(echo "$dotnet"/packs/*/*/ref/*)
-declaration=VelkCom.cs # of the component's interface
+declaration=Z:$project/bindings/VelkCom.cs
 made=$work/dotnet
 rm -rf "$made"
 mkdir -p "$made"
@@ -66,6 +66,7 @@ compile vbc EarlyBoundBasic -r:"Z:$made/Shared.dll" -nosdkpath -define:_MYTYPE=\
   -vbruntime:"Z:$references/Microsoft.VisualBasic.Core.dll" EarlyBound.vb
 # The compiler of the .NET Framework knows no later version of the language.
 compile csc SetClock -langversion:5 ../../../examples/windows/SetClock.cs
+compile csc Outputs -langversion:5 "$declaration" ../../../examples/windows/Outputs.cs
 
 grep -v '^late: ' "$here/dotnet/session.txt" >"$made/session.txt"
 host EarlyBound "$made/session.txt" "main MTA" "first STA" "second STA"
@@ -73,3 +74,4 @@ host LateBound "$here/dotnet/session.txt" "main MTA" "first STA" "second STA"
 host EarlyBoundBasic "$made/session.txt" "main STA" "first STA" "second STA"
 check "SetClock sets the clock" sets_clock
 check "  and tells when no controller answers" finds_none
+check "Outputs.cs lists the outputs" lists_outputs execute Outputs.dll

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "client.h"
-#include "component/windows/identifiers.h"
+#include "com/identifiers.h"
 
 namespace hosts {
 namespace {

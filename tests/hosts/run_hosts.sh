@@ -223,11 +223,18 @@ example() { # example PORT EXPECTED
   cat "$work/Presets.log"
 }
 
+lists_outputs() { # lists_outputs COMMAND...: what the early-bound examples print of the outputs that are in use
+  "$@" 127.0.0.1 "$port_q" pass | tr -d '
+' >"$work/outputs.txt"
+  grep -qx 'output 5: T1, 12 items' "$work/outputs.txt" && [ "$(wc -l <"$work/outputs.txt")" -eq 20 ]
+}
+
 pascal() { # while the presets are as they come with the controller
   [ -d "$build/bin/pascal" ] || { echo "$build/bin has no pascal: tools/pascal makes it" && return; }
   lights=' 1  All lights off    delays 20, 0| 2  Evening           delays 10, 40|'
   example "$port_q" "${lights}30  Film              delays 5, 0|61  Holiday           delays 60, 120|0|"
   example 1 'The link does not open: result 252|1|'
+  check "Outputs.dpr lists the outputs" lists_outputs wine_run "$build/bin/pascal/Outputs.exe"
   for link in "tcp $port_q pass Q" "com 6 fast"; do
     # shellcheck disable=SC2086 # arguments
     checks "$work/pascal_host.log" "pascal_host $link" "$build/bin/pascal/pascal_host.exe" $link
@@ -252,8 +259,8 @@ start_controller
 start_silent_peer
 test_program platform_tests
 test_program marshalling
-test_program typed_client
 pascal
+test_program typed_client
 script values.vbs
 for suite in configuration.vbs jscript.js; do
   script "$suite" tcp "$port_q" pass Q
