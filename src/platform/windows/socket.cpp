@@ -16,6 +16,9 @@ constexpr int sendPatience = 2000;  // ms
 
 constexpr std::size_t bufferSize = 8192;
 
+/// More than waits in the system when nobody has fetched anything; a peer that never stops gets no further.
+constexpr std::size_t mostTaken = 1U << 20U;
+
 /// Once in the life of the process; the system cleans up at its end.
 void startWinsock() {
   static const int result = [] {
@@ -81,14 +84,16 @@ void WindowsSocket::takeReading() {
 }
 
 /// Fetches what waits in the system. Asking for the count first is cheaper than a reading that finds nothing;
-/// that the peer has hung up is left for the next wait to notice.
+/// it may be that of the first piece alone. That the peer has hung up is left for the next wait to notice.
 void WindowsSocket::takeWaiting() {
   u_long count = 0;
-  if (ioctlsocket(socket_.get(), FIONREAD, &count) != 0 || count == 0) return;
-  const std::size_t before = received_.size();
-  received_.resize(before + count);
-  const int n = ::recv(socket_.get(), received_.data() + before, static_cast<int>(count), 0);
-  received_.resize(before + (n > 0 ? static_cast<std::size_t>(n) : 0));
+  while (received_.size() < mostTaken && ioctlsocket(socket_.get(), FIONREAD, &count) == 0 && count != 0) {
+    const std::size_t before = received_.size();
+    received_.resize(before + count);
+    const int n = ::recv(socket_.get(), received_.data() + before, static_cast<int>(count), 0);
+    received_.resize(before + (n > 0 ? static_cast<std::size_t>(n) : 0));
+    if (n <= 0) return;
+  }
 }
 
 void WindowsSocket::send(std::string_view bytes) {

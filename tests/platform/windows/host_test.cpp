@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string_view>
 #include <thread>
 
@@ -135,6 +136,45 @@ TEST(WindowsHost, NothingToWaitForEndsAWaitAtOnce) {
     }
     host.socket().close();
   }
+}
+
+constexpr std::string_view stale = "answers to earlier requests";
+std::size_t unread = 0;
+
+/// May tell of the first piece alone of what waits.
+int WSAAPI countFirstPiece(SOCKET socket, long command, u_long* count) {
+  const auto ask = static_cast<DWORD>(command);
+  DWORD size = 0;
+  do {
+    if (WSAIoctl(socket, ask, nullptr, 0, count, sizeof *count, &size, nullptr, nullptr) != 0) return -1;
+  } while (*count < unread);
+  *count = std::min(*count, 5UL);
+  unread -= *count;
+  return 0;
+}
+
+TEST(WindowsHost, NothingStaleIsLeftBehind) {
+  const PatchedImport counting = VELK_PATCH("ws2_32.dll", ioctlsocket, countFirstPiece);
+  ASSERT_TRUE(counting.isThere());
+  WSADATA winsock;
+  ASSERT_EQ(WSAStartup(MAKEWORD(2, 2), &winsock), 0);
+  Host& host = threadHost();
+  const SOCKET listener = ::socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{.sin_family = AF_INET, .sin_addr{.S_un{.S_addr = htonl(INADDR_LOOPBACK)}}};
+  int size = sizeof address;
+  bind(listener, reinterpret_cast<const sockaddr*>(&address), size);
+  ASSERT_EQ(listen(listener, 1), 0);
+  ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
+  host.socket().connect("127.0.0.1", ntohs(address.sin_port));
+  host.block(Source::socket, 20s, Messages::held);
+  const SOCKET peer = accept(listener, nullptr, nullptr);
+  unread = stale.size();
+  ASSERT_EQ(send(peer, stale.data(), stale.size(), 0), stale.size());
+  EXPECT_EQ(host.socket().receive(), stale);
+  EXPECT_EQ(host.socket().receive(), "");
+  host.socket().close();
+  closesocket(peer);
+  closesocket(listener);
 }
 
 HANDLE WINAPI noThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD) {
