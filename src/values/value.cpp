@@ -1,5 +1,8 @@
 #include "values/value.h"
 
+#include <type_traits>
+#include <utility>
+
 #include "values/numbers.h"
 #include "values/runtime_error.h"
 
@@ -34,11 +37,23 @@ std::string textOf(Number number) {
   return plainText(number);
 }
 
+template <class Integer, class Held>
+Integer integerOf(const Held& held) {
+  if constexpr (std::is_same_v<Held, bool>) {
+    // A truth value fills the whole integer: true is 255 as a byte and -1 as a signed integer.
+    return static_cast<Integer>(held ? -1 : 0);
+  } else if constexpr (std::is_integral_v<Held>) {
+    // What hosts mostly pass: rounding would take as long as the rest of a simple call.
+    if (!std::in_range<Integer>(held)) throw RuntimeError(RuntimeError::overflow);
+    return static_cast<Integer>(held);
+  } else {
+    return roundTo<Integer>(numberOf(held));
+  }
+}
+
 template <class Integer>
 Integer toInteger(const Value& value) {
-  // A truth value fills the whole integer: true is 255 as a byte and -1 as a signed integer.
-  if (const auto* truth = std::get_if<bool>(&value)) return static_cast<Integer>(*truth ? -1 : 0);
-  return roundTo<Integer>(toNumber(value));
+  return std::visit([](const auto& held) { return integerOf<Integer>(held); }, value);
 }
 
 bool toBoolean(const Value& value) {
