@@ -19,10 +19,12 @@ constexpr char lowered(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// Of a name's length, its first, middle and last letter.
 constexpr std::size_t bucketOf(std::string_view name) {
-  std::uint32_t hash = 2166136261U;
-  for (const char c : name) hash = (hash ^ byteValue(lowered(c))) * 16777619U;
-  return (hash ^ (hash >> 16)) % bucketCount;
+  if (name.empty()) return 0;
+  const auto letter = [name](std::size_t at) { return std::size_t{byteValue(lowered(name[at]))}; };
+  const std::size_t last = name.size() - 1;
+  return (letter(0) + 5 * letter(last / 2) + 11 * letter(last) + 37 * last) % bucketCount;
 }
 
 constexpr Buckets byId = [] {
