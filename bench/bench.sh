@@ -72,6 +72,21 @@ wine_wait() { # what the process uses during three waits of two seconds, as a pa
   awk "BEGIN { printf \"{\\\"wait.wine\\\": %.9f}\\n\", ($after - $before) / 6e9 }"
 }
 
+requests() { # requests CLIENT COUNT: what the client's thread asks of Wine's server for so many reads and its start
+  wineserver -k 2>/dev/null # only a server that starts with the client tells
+  WINEDEBUG=+server pinned wine "$windows/bin/velk_bench.exe" count "$1" "$port" "$2" 2>&1 |
+    awk '/^[0-9a-f]+: [a-z_]+\( / { count[$1]++ } /: send_socket\( / { own = $1 } END { print +count[own]; exit !own }'
+}
+
+wine_requests() { # what each client's read asks
+  figures=
+  for client in velk drain bare; do
+    few=$(requests $client 100) && many=$(requests $client 600) || return 1
+    figures="$figures, \"server.$client\": $(awk "BEGIN { printf \"%.3f\", ($many - $few) / 500 }")"
+  done
+  echo "{${figures#, }}"
+}
+
 wine_script() { (cd "$here" && pinned wine cscript.exe //nologo calls.vbs | tr -d "\r"); }
 
 register_idle() { # the object that does nothing, so that a script can create it
@@ -93,6 +108,7 @@ run_wine() {
     measure "wine-script-$start" wine_script
     measure "wine-wait-$start" wine_wait
   done
+  measure wine-requests wine_requests
 }
 
 keep_other_core_busy

@@ -45,4 +45,15 @@ void BareWinsockClient::transact() {
   require(recv(socket_, buffer.data(), buffer.size(), 0) == expected, "bare client: wrong reply");
 }
 
+u_long BareWinsockClient::waiting() const {
+  u_long count = 0;
+  require(ioctlsocket(socket_, FIONREAD, &count) == 0, "bare client: ioctlsocket");
+  return count;
+}
+
+void DrainingWinsockClient::transact() {
+  require(waiting() == 0, "bare client: a stale answer");
+  BareWinsockClient::transact();
+}
+
 }  // namespace velk::bench

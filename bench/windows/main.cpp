@@ -1,12 +1,17 @@
-// Usage: velk_bench.exe tcp PORT     a read against the bare Winsock client
-//        velk_bench.exe calls        calls through the dispatch interface of VelkCom.dll beside this program
-//        velk_bench.exe wait PORT    says "waiting", waits three times two seconds for a reply that never
-//                                    comes, says "waited" and stays for a while
+// Usage: velk_bench.exe tcp PORT                   a read against the bare Winsock clients
+//        velk_bench.exe count CLIENT PORT COUNT    COUNT reads by velk, bare or drain, for tools that count
+//                                                  what they cost
+//        velk_bench.exe calls                      calls through the dispatch interface of VelkCom.dll beside
+//                                                  this program
+//        velk_bench.exe wait PORT                  says "waiting", waits three times two seconds for a reply
+//                                                  that never comes, says "waited" and stays for a while
 #include <windows.h>
 
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "frames.h"
 #include "velk_client.h"
@@ -26,9 +31,19 @@ constexpr DWORD lookTime = 1000;  // ms
 void measureTcp(std::uint16_t port) {
   VelkClient velk(port);
   BareWinsockClient bare(port);
+  DrainingWinsockClient drain(port);
   Figures figures;
-  race(figures, "wine", {{"velk", velk}, {"bare", bare}}, tcpLength);
+  race(figures, "wine", {{"velk", velk}, {"bare", bare}, {"drain", drain}}, tcpLength);
   print(figures);
+}
+
+void count(const std::string& name, std::uint16_t port, int transactions) {
+  std::unique_ptr<Client> client;
+  if (name == "velk") client = std::make_unique<VelkClient>(port);
+  if (name == "bare") client = std::make_unique<BareWinsockClient>(port);
+  if (name == "drain") client = std::make_unique<DrainingWinsockClient>(port);
+  if (client == nullptr) throw std::runtime_error("velk, bare or drain");
+  for (int i = 0; i < transactions; ++i) client->transact();
 }
 
 void wait(std::uint16_t port) {
@@ -42,10 +57,18 @@ void wait(std::uint16_t port) {
   Sleep(lookTime);
 }
 
-void run(const std::string& section, int port) {
-  if (section == "tcp") return measureTcp(static_cast<std::uint16_t>(port));
-  if (section == "wait") return wait(static_cast<std::uint16_t>(port));
-  if (section != "calls") throw std::runtime_error("tcp PORT, calls or wait PORT");
+std::uint16_t portOf(const std::string& word) {
+  return static_cast<std::uint16_t>(std::atoi(word.c_str()));
+}
+
+void run(const std::vector<std::string>& words) {
+  const std::string section = words.empty() ? "" : words[0];
+  if (section == "tcp" && words.size() == 2) return measureTcp(portOf(words[1]));
+  if (section == "wait" && words.size() == 2) return wait(portOf(words[1]));
+  if (section == "count" && words.size() == 4) {
+    return count(words[1], portOf(words[2]), std::atoi(words[3].c_str()));
+  }
+  if (section != "calls") throw std::runtime_error("tcp PORT, count CLIENT PORT COUNT, calls or wait PORT");
   Figures figures;
   measureCalls(figures);
   print(figures);
@@ -56,7 +79,7 @@ void run(const std::string& section, int port) {
 
 int main(int argc, char** argv) {
   try {
-    velk::bench::run(argc > 1 ? argv[1] : "", argc > 2 ? std::atoi(argv[2]) : 0);
+    velk::bench::run({argv + 1, argv + argc});
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "velk_bench: " << error.what() << '\n';
