@@ -224,8 +224,7 @@ example() { # example PORT EXPECTED
 }
 
 lists_outputs() { # lists_outputs COMMAND...: what the early-bound examples print of the outputs that are in use
-  "$@" 127.0.0.1 "$port_q" pass | tr -d '
-' >"$work/outputs.txt"
+  "$@" 127.0.0.1 "$port_q" pass | tr -d '\r' >"$work/outputs.txt"
   grep -qx 'output 5: T1, 12 items' "$work/outputs.txt" && tail -n 1 "$work/outputs.txt" | grep -q '^output 21: T5, '
 }
 
