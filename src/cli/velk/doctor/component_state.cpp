@@ -51,18 +51,8 @@ const Registration* effective(const ComponentState& state, int bits) {
 }
 
 std::string quoted(const fs::path& path) {
-  const std::string text = path.string();
+  const std::string text = textOf(path);
   return text.find(' ') == std::string::npos ? text : '"' + text + '"';
-}
-
-/// The library of a bitness that came with this program, which lies in one of two folders side by side.
-fs::path libraryFor(const ComponentState& state, int bits) {
-  constexpr const char* name = "VelkCom.dll";
-  const fs::path folder = state.program.parent_path();
-  for (const fs::path& path : {folder / name, folder.parent_path() / (bits == wide ? "x64" : "x86") / name}) {
-    if (bitsOf(path) == bits) return path;
-  }
-  return name;
 }
 
 Remedy remedy(const ComponentState& state, int bits, Scope scope) {
@@ -85,6 +75,21 @@ std::vector<Scope> missingFor(const ComponentState& state, int bits) {
 }
 
 }  // namespace
+
+/// It lies beside the program, or in the other one of two folders side by side.
+std::filesystem::path libraryFor(const ComponentState& state, int bits) {
+  constexpr const char* name = "VelkCom.dll";
+  const fs::path folder = state.program.parent_path();
+  for (const fs::path& path : {folder / name, folder.parent_path() / (bits == wide ? "x64" : "x86") / name}) {
+    if (bitsOf(path) == bits) return path;
+  }
+  return name;
+}
+
+std::string textOf(const std::filesystem::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
 
 std::string_view faultOf(const Registration& registration) {
   std::error_code ignored;

@@ -33,6 +33,16 @@ struct ComponentState {
 /// Looks at the registry and creates the component once. Windows only.
 ComponentState inspectComponent();
 
+/// What inspectComponent looks at: the places, and what creating comes to.
+std::vector<Registration> findRegistrations();
+std::uint32_t tryToCreate();
+
+/// The library of a bitness that came with this program; its name alone when there is none.
+std::filesystem::path libraryFor(const ComponentState& state, int bits);
+
+/// A path as UTF-8.
+std::string textOf(const std::filesystem::path& path);
+
 /// What is wrong with a registered library; empty for nothing.
 std::string_view faultOf(const Registration& registration);
 

@@ -29,7 +29,7 @@ std::string verdictOn(const Registration& registration) {
 void print(const ComponentState& state) {
   Table table({"Programs", "For", "State", "File"});
   for (const Registration& row : state.registrations) {
-    table.add({programsOf(row.bits), nameOf(row.scope), verdictOn(row), row.library.string()});
+    table.add({programsOf(row.bits), nameOf(row.scope), verdictOn(row), textOf(row.library)});
   }
   table.print(std::cout);
   std::cout << "\nVelkCom.Serial in this " << programBits
@@ -52,7 +52,7 @@ Json jsonOf(const ComponentState& state) {
     json["registrations"].push_back({{"bits", row.bits},
                                      {"for", nameOf(row.scope)},
                                      {"state", verdictOn(row)},
-                                     {"file", row.library.string()}});
+                                     {"file", textOf(row.library)}});
   }
   for (const Remedy& row : remediesFor(state)) {
     json["remedies"].push_back({{"bits", row.bits}, {"for", nameOf(row.scope)}, {"command", row.command}});

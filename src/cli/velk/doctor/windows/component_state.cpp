@@ -82,24 +82,30 @@ HRESULT createAndRead() {
   return result;
 }
 
-std::uint32_t tryIt() {
+}  // namespace
+
+std::uint32_t tryToCreate() {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   const HRESULT result = createAndRead();
   CoUninitialize();
   return SUCCEEDED(result) ? 0 : static_cast<std::uint32_t>(result);
 }
 
-}  // namespace
+std::vector<Registration> findRegistrations() {
+  const bool hasOneView = narrowFolder().empty();  // a 32-bit system, which calls it by both names
+  std::vector<Registration> found;
+  for (const Place& place : places) {
+    if (place.bits == wide && hasOneView) continue;
+    found.push_back({.bits = place.bits, .scope = place.scope, .library = libraryAt(place)});
+  }
+  return found;
+}
 
 ComponentState inspectComponent() {
-  ComponentState state{
-      .registrations = {}, .program = thisProgram(), .narrowFolder = narrowFolder(), .result = tryIt()};
-  for (const Place& place : places) {
-    // A 32-bit system has one view, and calls it by both names.
-    if (place.bits == wide && state.narrowFolder.empty()) continue;
-    state.registrations.push_back({.bits = place.bits, .scope = place.scope, .library = libraryAt(place)});
-  }
-  return state;
+  return {.registrations = findRegistrations(),
+          .program = thisProgram(),
+          .narrowFolder = narrowFolder(),
+          .result = tryToCreate()};
 }
 
 }  // namespace velk::cli
