@@ -118,6 +118,7 @@ std::vector<CommandNames> CommandLine::commands() const {
     CommandNames& names = list.emplace_back();
     names.name = command->get_name();
     for (const CLI::Option* const option : command->get_options()) {
+      if (option->get_group().empty()) continue;  // not for people
       const auto& options = option->get_lnames();
       names.options.insert(names.options.end(), options.begin(), options.end());
     }
