@@ -24,6 +24,8 @@ set_target_properties(velk_cli_velk PROPERTIES UNITY_BUILD_MODE GROUP)
 foreach(program velk sim)
   set_property(SOURCE src/cli/${program}/main.cpp APPEND PROPERTY COMPILE_DEFINITIONS VELK_VERSION="${PROJECT_VERSION}")
 endforeach()
+set_property(SOURCE src/cli/velk/doctor/windows/self_check.cpp src/cli/velk/doctor/windows/hosts.cpp
+             APPEND PROPERTY COMPILE_DEFINITIONS VELK_VERSION="${PROJECT_VERSION}")
 add_executable(velk src/cli/velk/main.cpp)
 target_link_libraries(velk PRIVATE velk_cli_velk)
 add_executable(velk-sim src/cli/sim/main.cpp)

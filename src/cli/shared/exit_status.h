@@ -6,7 +6,8 @@ namespace velk::cli {
 enum ExitStatus : int {
   success = 0,
   badResult = 1,      ///< a result other than 0; `diff`: there are differences and nothing else;
-                      ///< `restore`: declined; `doctor`: the component cannot be created
+                      ///< `restore`: declined; `doctor`: the component cannot be created, or a check
+                      ///< failed
   wrongUsage = 2,     ///< the command line cannot be carried out
   runtimeError = 3,   ///< the method raised a run-time error
   noLink = 4,         ///< the link, or an interface of the simulator, cannot be opened; `diff`: it failed

@@ -24,7 +24,7 @@ constexpr const char* notes =
     "  0  done\n"
     "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
     "     restore: declined;\n"
-    "     doctor: the component cannot be created\n"
+    "     doctor: the component cannot be created, or a check failed\n"
     "  2  the command line is wrong\n"
     "  3  a run-time error of the link\n"
     "  4  the link could not be opened; diff: it failed\n"

@@ -4,6 +4,7 @@
 
 #include "cli/shared/exit_status.h"
 #include "cli/shared/json.h"
+#include "cli/velk/doctor/self_check.h"
 
 namespace velk::cli {
 
@@ -12,6 +13,14 @@ int reportComponent(bool json) {
       "The component is for Windows; here programs use the library, and \"velk status\" looks at a link.";
   std::cout << (json ? Json{{"note", note}}.dump() : note) << '\n';
   return success;
+}
+
+int checkComponent(const SelfCheckOptions& options) {
+  return reportComponent(options.json);
+}
+
+int useWithoutRegistration(const std::string& /*manifest*/, const std::string& /*folder*/) {
+  return reportComponent(false);
 }
 
 }  // namespace velk::cli

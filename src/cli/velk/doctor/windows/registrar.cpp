@@ -56,29 +56,29 @@ bool isSame(const fs::path& a, const fs::path& b) {
   return CompareStringOrdinal(a.c_str(), -1, b.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
-fs::path libraryAt(int bits, Audience audience) {
+fs::path libraryAt(int bits, Scope scope) {
   for (const Registration& place : findRegistrations()) {
-    if (place.bits == bits && place.audience == audience) return place.library;
+    if (place.bits == bits && place.scope == scope) return place.library;
   }
   return {};
 }
 
-std::string nameOf(int bits, Audience audience) {
-  return std::to_string(bits) + (audience == Audience::user ? "-bit for this user" : "-bit for everybody");
+std::string nameOf(int bits, Scope scope) {
+  return std::to_string(bits) + (scope == Scope::user ? "-bit for this user" : "-bit for everybody");
 }
 
 /// What failed; empty if nothing did.
-std::string runRegsvr(const Side& side, Audience audience, bool undo) {
+std::string runRegsvr(const Side& side, Scope scope, bool undo) {
   constexpr std::chrono::seconds patience(30);
-  if (!side.library.has_parent_path()) return "no VelkCom.dll " + nameOf(side.bits, audience) + " came along";
+  if (!side.library.has_parent_path()) return "no VelkCom.dll " + nameOf(side.bits, scope) + " came along";
   std::vector<std::wstring> words{L"/s"};
   if (undo) words.emplace_back(L"/u");
-  if (audience == Audience::user) words.insert(words.end(), {L"/n", L"/i:user"});
+  if (scope == Scope::user) words.insert(words.end(), {L"/n", L"/i:user"});
   words.push_back(side.library.native());
   Child regsvr(side.programs / "regsvr32.exe", words);
   const bool ended = regsvr.wait(patience, undo ? WhenInterrupted::goOn : WhenInterrupted::stop);
   if (ended && regsvr.exitCode() == 0) return {};
-  return "regsvr32 " + nameOf(side.bits, audience) +
+  return "regsvr32 " + nameOf(side.bits, scope) +
          (ended ? " ends with " + std::to_string(regsvr.exitCode()) : std::string(" does not end"));
 }
 
@@ -147,12 +147,12 @@ void Registrar::readJournal() {
   DWORD size = 0;
   ReadFile(journal_.get(), text.data(), static_cast<DWORD>(text.size()), &size, nullptr);
   std::istringstream in(std::string(text.data(), size));
-  std::string audience;
+  std::string scope;
   std::string library;
-  for (int bits = 0; in >> bits >> audience && std::getline(in >> std::ws, library);) {
+  for (int bits = 0; in >> bits >> scope && std::getline(in >> std::ws, library);) {
     const bool known =
         std::any_of(sides_.begin(), sides_.end(), [&](const Side& side) { return side.bits == bits; });
-    const Audience whom = audience == "user" ? Audience::user : Audience::everybody;
+    const Scope whom = scope == "user" ? Scope::user : Scope::everybody;
     if (known) entries_.push_back({bits, whom, wideOf(library)});
   }
 }
@@ -160,7 +160,7 @@ void Registrar::readJournal() {
 void Registrar::writeJournal() {
   std::string text;
   for (const Registration& entry : entries_) {
-    text += std::to_string(entry.bits) + (entry.audience == Audience::user ? " user " : " everybody ") +
+    text += std::to_string(entry.bits) + (entry.scope == Scope::user ? " user " : " everybody ") +
             textOf(entry.library) + '\n';
   }
   DWORD written = 0;
@@ -175,21 +175,21 @@ const Side& Registrar::sideOf(int bits) const {
   return *std::find_if(sides_.begin(), sides_.end(), [&](const Side& side) { return side.bits == bits; });
 }
 
-std::string Registrar::add(const Side& side, Audience audience) {
-  entries_.push_back({side.bits, audience, side.library});
+std::string Registrar::add(const Side& side, Scope scope) {
+  entries_.push_back({side.bits, scope, side.library});
   writeJournal();
-  return runRegsvr(side, audience, false);
+  return runRegsvr(side, scope, false);
 }
 
 /// The library that the journal names is not loaded: others may write there than those whose rights this
 /// program has. That of this program takes back what another one has registered as well.
 std::string Registrar::takeBack(const Registration& entry) const {
-  const fs::path present = libraryAt(entry.bits, entry.audience);
+  const fs::path present = libraryAt(entry.bits, entry.scope);
   // Somebody has registered another one since.
   if (!present.empty() && !isSame(present, entry.library)) return {};
-  const std::string fault = runRegsvr(sideOf(entry.bits), entry.audience, true);
-  if (libraryAt(entry.bits, entry.audience).empty()) return {};
-  return fault + ", " + nameOf(entry.bits, entry.audience) + " is still registered";
+  const std::string fault = runRegsvr(sideOf(entry.bits), entry.scope, true);
+  if (libraryAt(entry.bits, entry.scope).empty()) return {};
+  return fault + ", " + nameOf(entry.bits, entry.scope) + " is still registered";
 }
 
 std::string Registrar::takeBack() {
