@@ -34,7 +34,7 @@ int examine(const DoctorOptions& options) {
 
 void addDoctor(const CommandLine& velk, Job& job) {
   addCommand<DoctorOptions>(
-      velk, run, "doctor", "Windows: tell how the component is registered, or try it, and what to mend",
+      velk, job, "doctor", "Windows: tell how the component is registered, or try it, and what to mend",
       "  velk doctor\n  velk doctor --json\n  velk doctor --check > report.txt\n"
       "  velk doctor --check --serial COM5,COM6\n"
       "\nEnds with 0 when a program of this bitness can create the component, or no check has failed,\n"

@@ -39,7 +39,7 @@ class Registrar {
   [[nodiscard]] bool isPending() const { return !entries_.empty(); }
 
   /// Why this failed; empty if it did not. Nothing may be registered anywhere before.
-  std::string add(const Side& side, Audience audience);
+  std::string add(const Side& side, Scope scope);
 
   /// Takes back all that was registered here and is still there. What failed; empty for nothing.
   std::string takeBack();
