@@ -177,6 +177,8 @@ check "one port is none" ends_with 2 --check --serial COM5
 
 check "a check that is killed" break_off KILL 137
 check "  leaves its registration" is_registered
+script=$(echo "$WINEPREFIX"/drive_c/users/*/AppData/Local/VelkCom/check/check.vbs)
+check "  and its script, in lines of Windows" [ "$(grep -vc "$(printf '\r')\$" "$script")" = 0 ]
 check "the next one, which Ctrl-C ends" break_off INT 130
 check "  has taken it back" grep -q '^passed    earlier check: ' "$work/broken.txt"
 check "  and leaves nothing behind" left_nothing

@@ -105,7 +105,7 @@ bool isAnythingRegistered() {
   const std::array keys{"CLSID\\" + braced(identity::classId), "Interface\\" + braced(identity::interfaceId),
                         "TypeLib\\" + braced(identity::libraryId), std::string(identity::progId),
                         std::string(identity::versionedProgId)};
-  for (HKEY const hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+  for (HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     for (const REGSAM view : {KEY_WOW64_64KEY, KEY_WOW64_32KEY}) {
       if (std::any_of(keys.begin(), keys.end(),
                       [&](const auto& key) { return hasClassKey(hive, key, view); })) {
