@@ -1,21 +1,13 @@
 #pragma once
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "platform/addresses.h"
 #include "platform/posix/fd.h"
 
 namespace velk::platform {
-
-/// An address to connect to.
-struct SocketAddress {
-  sockaddr_storage storage{};
-  socklen_t size{};
-};
 
 /// Looks up a host name without blocking: addresses given as digits are there at once, names are asked for on
 /// a thread of their own that outlives the lookup if it has to.

@@ -27,7 +27,7 @@ constexpr std::chrono::milliseconds shortWait(100);
 }  // namespace
 
 void PosixSocket::connect(const std::string& host, std::uint16_t port) {
-  if (state_ != State::closed) throw RuntimeError(RuntimeError::socketNotClosed);
+  requireClosed();
   lookup_.emplace(host, port);
   deviceOpened();
   state_ = State::resolving;
@@ -98,19 +98,13 @@ void PosixSocket::advance() {
   }
 }
 
-void PosixSocket::requireConnected() const {
-  if (state_ != State::connected) throw RuntimeError(RuntimeError::badSocketState);
-}
-
 /// Tries the addresses one after another: a name may have one that the interface does not listen on.
 void PosixSocket::connectNext() {
   state_ = State::connecting;
   while (const auto address = lookup_->next()) {
     fd_ = Fd(::socket(address->storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!fd_) continue;
-    const int result =
-        ::connect(fd_.get(), reinterpret_cast<const sockaddr*>(&address->storage), address->size);
-    if (result == 0 || errno == EINPROGRESS) return;
+    if (::connect(fd_.get(), address->get(), address->size) == 0 || errno == EINPROGRESS) return;
   }
   die();
 }

@@ -5,12 +5,12 @@
 
 #include "platform/posix/fd.h"
 #include "platform/posix/resolver.h"
-#include "platform/socket.h"
+#include "platform/tcp_socket.h"
 
 namespace velk::platform {
 
 /// A TCP socket that never blocks but in `Host::block`.
-class PosixSocket final : public Socket {
+class PosixSocket final : public TcpSocket {
  public:
   PosixSocket() = default;
   ~PosixSocket() override { close(); }
@@ -19,9 +19,7 @@ class PosixSocket final : public Socket {
 
   void connect(const std::string& host, std::uint16_t port) override;
   void close() override;
-  [[nodiscard]] bool isOpen() const override { return state_ != State::closed; }
   [[nodiscard]] bool hasData() const override { return arrived_ > 0; }
-  [[nodiscard]] bool isDead() const override { return state_ == State::closed || state_ == State::dead; }
   std::string_view receive() override;
   void send(std::string_view bytes) override;
 
@@ -29,9 +27,6 @@ class PosixSocket final : public Socket {
   void wait(std::chrono::nanoseconds longest);
 
  private:
-  enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
-
-  void requireConnected() const;
   void advance();
   void setReceiveTime(std::chrono::nanoseconds longest);
   void take(int flags);
@@ -39,7 +34,6 @@ class PosixSocket final : public Socket {
   void connected();
   void die();
 
-  State state_ = State::closed;
   std::optional<Lookup> lookup_;  ///< while there may be an address to try
   Fd fd_;
   std::chrono::nanoseconds receiveTime_{};  ///< how long a receiving call blocks

@@ -1,9 +1,6 @@
 #include "platform/windows/resolver.h"
 
-#include <ws2tcpip.h>
-
 #include <atomic>
-#include <cstring>
 #include <functional>
 
 #include "values/runtime_error.h"
@@ -14,23 +11,8 @@ struct Lookup::Shared {
   std::string host;
   std::uint16_t port = 0;
   Handle done;  ///< an event; none when the answer was there at once
-  std::vector<SocketAddress> addresses;
+  std::deque<SocketAddress> addresses;
   std::atomic<bool> finished{false};
-
-  /// Asks for the addresses; `flags` as for getaddrinfo.
-  void resolve(int flags) {
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_STREAM;
-    hints.ai_flags = flags;
-    addrinfo* list = nullptr;
-    if (getaddrinfo(host.c_str(), std::to_string(port).c_str(), &hints, &list) != 0) return;
-    for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next) {
-      SocketAddress address{.storage = {}, .size = static_cast<int>(entry->ai_addrlen)};
-      std::memcpy(&address.storage, entry->ai_addr, entry->ai_addrlen);
-      addresses.push_back(address);
-    }
-    freeaddrinfo(list);
-  }
 
   void finish() {
     finished = true;
@@ -64,7 +46,7 @@ DWORD WINAPI answer(void* context) {
 void Lookup::Shared::askInBackground(const std::shared_ptr<Shared>& shared) {
   auto question = std::make_unique<Question>();
   question->ask = [shared] {
-    shared->resolve(0);
+    shared->addresses = addressesOf(shared->host, shared->port, 0);
     shared->finish();
   };
   GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&answer),
@@ -80,10 +62,8 @@ void Lookup::Shared::askInBackground(const std::shared_ptr<Shared>& shared) {
 Lookup::Lookup(const std::string& host, std::uint16_t port) : shared_(std::make_shared<Shared>()) {
   shared_->host = host;
   shared_->port = port;
-  // An empty host, which the system would take for this computer, or one with a zero byte inside is no name
-  // to ask for.
-  const bool askable = !host.empty() && host.find('\0') == std::string::npos;
-  if (askable) shared_->resolve(AI_NUMERICHOST);
+  const bool askable = isAskable(host);
+  if (askable) shared_->addresses = addressesOf(host, port, AI_NUMERICHOST);
   if (!shared_->addresses.empty() || !askable) {
     shared_->finish();
   } else {
@@ -101,8 +81,15 @@ bool Lookup::finished() const {
   return shared_->finished;
 }
 
-std::vector<SocketAddress> Lookup::addresses() const {
-  return shared_->addresses;
+std::optional<SocketAddress> Lookup::next() {
+  if (!hasNext()) return std::nullopt;
+  std::optional address(shared_->addresses.front());
+  shared_->addresses.pop_front();
+  return address;
+}
+
+bool Lookup::hasNext() const {
+  return !shared_->addresses.empty();
 }
 
 }  // namespace velk::platform

@@ -2,18 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
+#include "platform/addresses.h"
 #include "platform/windows/handle.h"
 
 namespace velk::platform {
-
-/// An address to connect to.
-struct SocketAddress {
-  SOCKADDR_STORAGE storage{};
-  int size = 0;
-};
 
 /// Looks up a host name without blocking: addresses given as digits are there at once, names are asked for on
 /// a thread of their own that outlives the lookup if it has to.
@@ -27,8 +22,11 @@ class Lookup {
 
   [[nodiscard]] bool finished() const;
 
-  /// The addresses found, in the order of preference; empty when the name is unknown.
-  [[nodiscard]] std::vector<SocketAddress> addresses() const;
+  /// The next of the addresses found, in the order of preference; none for an unknown name.
+  std::optional<SocketAddress> next();
+
+  /// Whether there is another one.
+  [[nodiscard]] bool hasNext() const;
 
  private:
   struct Shared;

@@ -45,7 +45,7 @@ bool becomesWritable(SOCKET socket) {
 }  // namespace
 
 void WindowsSocket::connect(const std::string& host, std::uint16_t port) {
-  if (state_ != State::closed) throw RuntimeError(RuntimeError::socketNotClosed);
+  requireClosed();
   startWinsock();
   lookup_.emplace(host, port);
   deviceOpened();
@@ -57,7 +57,6 @@ void WindowsSocket::close() {
   if (state_ == State::closed) return;
   die();
   lookup_.reset();
-  candidates_.clear();
   arrived_ = false;
   state_ = State::closed;
   deviceClosed();
@@ -132,9 +131,6 @@ HANDLE WindowsSocket::event() const {
 
 void WindowsSocket::advance() {
   if (state_ == State::resolving && lookup_->finished()) {
-    candidates_ = lookup_->addresses();
-    std::reverse(candidates_.begin(), candidates_.end());
-    lookup_.reset();
     connectNext();
   } else if (state_ == State::connecting) {
     WSANETWORKEVENTS events{};
@@ -151,17 +147,11 @@ void WindowsSocket::advance() {
   }
 }
 
-void WindowsSocket::requireConnected() const {
-  if (state_ != State::connected) throw RuntimeError(RuntimeError::badSocketState);
-}
-
 /// Tries the addresses one after another: a name may have one that the interface does not listen on.
 void WindowsSocket::connectNext() {
   state_ = State::connecting;
-  while (!candidates_.empty()) {
-    const SocketAddress address = candidates_.back();
-    candidates_.pop_back();
-    if (startConnecting(address)) return;
+  while (const auto address = lookup_->next()) {
+    if (startConnecting(*address)) return;
   }
   die();
 }
@@ -171,15 +161,15 @@ bool WindowsSocket::startConnecting(const SocketAddress& address) {
   socket_.reset(WSASocketW(address.storage.ss_family, SOCK_STREAM, 0, nullptr, 0,
                            WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));
   if (!socket_) return false;
-  if (!candidates_.empty()) askOnce(socket_.get());
+  if (lookup_->hasNext()) askOnce(socket_.get());
   connectEvent_ = makeEvent();
   WSAEventSelect(socket_.get(), connectEvent_.get(), FD_CONNECT);
-  const auto* name = reinterpret_cast<const sockaddr*>(&address.storage);
-  return ::connect(socket_.get(), name, address.size) == 0 || WSAGetLastError() == WSAEWOULDBLOCK;
+  return ::connect(socket_.get(), address.get(), address.size) == 0 || WSAGetLastError() == WSAEWOULDBLOCK;
 }
 
 void WindowsSocket::connected() {
   state_ = State::connected;
+  lookup_.reset();
   WSAEventSelect(socket_.get(), nullptr, 0);
   const BOOL on = TRUE;
   setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);

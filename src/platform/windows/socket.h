@@ -1,9 +1,8 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
-#include "platform/socket.h"
+#include "platform/tcp_socket.h"
 #include "platform/windows/overlapped_io.h"
 #include "platform/windows/resolver.h"
 
@@ -30,7 +29,7 @@ class UniqueSocket {
 };
 
 /// A TCP socket that never blocks but in `Host::block`.
-class WindowsSocket final : public Socket {
+class WindowsSocket final : public TcpSocket {
  public:
   WindowsSocket() = default;
   ~WindowsSocket() override { close(); }
@@ -39,9 +38,7 @@ class WindowsSocket final : public Socket {
 
   void connect(const std::string& host, std::uint16_t port) override;
   void close() override;
-  [[nodiscard]] bool isOpen() const override { return state_ != State::closed; }
   [[nodiscard]] bool hasData() const override { return arrived_; }
-  [[nodiscard]] bool isDead() const override { return state_ == State::closed || state_ == State::dead; }
   std::string_view receive() override;
   void send(std::string_view bytes) override;
 
@@ -56,9 +53,6 @@ class WindowsSocket final : public Socket {
   void advance();
 
  private:
-  enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
-
-  void requireConnected() const;
   void takeReading();
   void takeWaiting();
   void connectNext();
@@ -66,9 +60,7 @@ class WindowsSocket final : public Socket {
   void connected();
   void die();
 
-  State state_ = State::closed;
-  std::optional<Lookup> lookup_;
-  std::vector<SocketAddress> candidates_;  ///< addresses not tried yet, the next one last
+  std::optional<Lookup> lookup_;  ///< while there may be an address to try
   UniqueSocket socket_;
   Handle connectEvent_;
   bool arrived_ = false;  ///< the reading has bytes that have not been given out

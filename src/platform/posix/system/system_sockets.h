@@ -1,0 +1,5 @@
+#pragma once
+
+#include <netdb.h>
+#include <netinet/in.h>
+#include <sys/socket.h>

@@ -1,0 +1,5 @@
+#pragma once
+
+#include "platform/windows/handle.h"
+// The base types come first.
+#include <ws2tcpip.h>
