@@ -9,7 +9,7 @@
 //     if (result != 0) Console.WriteLine((VelkCom.Result)result);
 //
 // A string carries bytes: one character each, 0 to 255. Methods that raise a run-time error throw an exception whose
-// HResult is 0x800A0000 plus the error's number; since .NET Core it is the InnerException of the one that is caught.
+// HResult is 0x800A0000 plus the error's number; on .NET Core up to 3.1 it is the InnerException of the one caught.
 #pragma warning disable 618, 1573, 1591 // dispatch interfaces are meant; names say the rest
 using System.Runtime.InteropServices;
 
