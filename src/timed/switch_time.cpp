@@ -29,7 +29,8 @@ Address placeIn(const SwitchTimeAccess& access, std::size_t offset) {
 }
 
 Bytes header(const SwitchTimeAccess& access, int days) {
-  return {character(days), character(toBcd(access.minute % 60)), character(toBcd(access.hour % hoursOfDay))};
+  return {character(days), character(toBcd(access.minute % 60)),
+          character(toBcd(static_cast<Byte>(access.hour % hoursOfDay)))};
 }
 
 void writeAction(const Memory& memory, const SwitchTimeAccess& access) {
