@@ -1,6 +1,7 @@
 // Delphi and Free Pascal, early bound: lists the outputs that are in use, with the declarations of VelkCom_TLB.pas.
 //   Outputs HOST PORT PASSWORD
-// Build: dcc32 -U..\bindings Outputs.dpr, or fpc -Mdelphi -Fu..\bindings Outputs.dpr
+// Build: dcc32 -U..\bindings -NSSystem;System.Win;Winapi Outputs.dpr (before XE2 without -NS),
+// or fpc -Mdelphi -Fu..\bindings Outputs.dpr
 program Outputs;
 
 {$APPTYPE CONSOLE}

@@ -1,6 +1,7 @@
 // C++, early bound: saves an output to a file, or writes it back, with the class that velkcom.h declares.
 //   early_bound HOST PORT PASSWORD save|restore OUTPUT FILE
-// Build: x86_64-w64-mingw32-g++-posix -static early_bound.cpp -lole32 -loleaut32 -luuid
+// Build: x86_64-w64-mingw32-g++-posix -static early_bound.cpp -lole32 -loleaut32 -luuid, or with Visual C++ (not tried)
+// cl /EHsc early_bound.cpp ole32.lib oleaut32.lib uuid.lib
 // velkcom.h lies in the folder "bindings" beside the examples, or here.
 
 #include <cstdlib>
