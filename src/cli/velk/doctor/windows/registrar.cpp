@@ -82,12 +82,13 @@ std::string runRegsvr(const Side& side, Scope scope, bool undo) {
          (ended ? " ends with " + std::to_string(regsvr.exitCode()) : std::string(" does not end"));
 }
 
+/// A key that this user may not read is there.
 bool hasClassKey(HKEY hive, const std::string& name, REGSAM view) {
   const std::wstring path = L"Software\\Classes\\" + wideOf(name);
   HKEY key = nullptr;
-  if (RegOpenKeyExW(hive, path.c_str(), 0, KEY_READ | view, &key) != ERROR_SUCCESS) return false;
-  RegCloseKey(key);
-  return true;
+  const LSTATUS status = RegOpenKeyExW(hive, path.c_str(), 0, KEY_READ | view, &key);
+  if (status == ERROR_SUCCESS) RegCloseKey(key);
+  return status == ERROR_SUCCESS || status == ERROR_ACCESS_DENIED;
 }
 
 }  // namespace
@@ -157,6 +158,7 @@ void Registrar::readJournal() {
   }
 }
 
+/// What is longer goes at the end: at no time is the journal without what is registered by now.
 void Registrar::writeJournal() {
   std::string text;
   for (const Registration& entry : entries_) {
@@ -165,9 +167,9 @@ void Registrar::writeJournal() {
   }
   DWORD written = 0;
   const bool done =
-      SetFilePointerEx(journal_.get(), {}, nullptr, FILE_BEGIN) != 0 && SetEndOfFile(journal_.get()) != 0 &&
+      SetFilePointerEx(journal_.get(), {}, nullptr, FILE_BEGIN) != 0 &&
       WriteFile(journal_.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != 0 &&
-      FlushFileBuffers(journal_.get()) != 0;
+      SetEndOfFile(journal_.get()) != 0 && FlushFileBuffers(journal_.get()) != 0;
   if (!done) throw Failure(badFile, textOf(folder_) + ": the journal cannot be written");
 }
 
@@ -188,8 +190,10 @@ std::string Registrar::takeBack(const Registration& entry) const {
   // Somebody has registered another one since.
   if (!present.empty() && !isSame(present, entry.library)) return {};
   const std::string fault = runRegsvr(sideOf(entry.bits), entry.scope, true);
-  if (libraryAt(entry.bits, entry.scope).empty()) return {};
-  return fault + ", " + nameOf(entry.bits, entry.scope) + " is still registered";
+  const bool isGone = libraryAt(entry.bits, entry.scope).empty();
+  if (isGone && (fault.empty() || !isAnythingRegistered())) return {};
+  return fault + ", " + nameOf(entry.bits, entry.scope) +
+         (isGone ? " has left something" : " is still registered");
 }
 
 std::string Registrar::takeBack() {
