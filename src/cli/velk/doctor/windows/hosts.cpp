@@ -8,6 +8,7 @@
 #include "cli/shared/failure.h"
 #include "cli/shared/windows/wide.h"
 #include "cli/velk/doctor/windows/host_script.h"
+#include "cli/velk/doctor/windows/system_facts.h"
 
 namespace velk::cli {
 namespace {
@@ -38,8 +39,10 @@ std::string clientManifest(int bits) {
          identity("VelkCom", VELK_VERSION ".0") + "</dependentAssembly></dependency></assembly>";
 }
 
-/// Newer systems may be without it.
-bool hasVbScript() {
+/// Newer systems may be without it; what they have in the registry then is not known.
+bool hasVbScript(const Side& side) {
+  std::error_code ignored;
+  if (!fs::exists(side.programs / "vbscript.dll", ignored)) return false;
   CLSID id;
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   const HRESULT result = CLSIDFromProgID(L"VBScript", &id);
@@ -66,7 +69,7 @@ Finding outcomeOf(Child& host, const std::string& lastLine, seconds longest) {
 }
 
 Words served(Words interfaces) {
-  interfaces.insert(interfaces.end(), {L"--password", wideOf(simulatorPassword), L"--for", L"900"});
+  interfaces.insert(interfaces.end(), {L"--password", wideOf(simulatorPassword), L"--for", L"3600"});
   return interfaces;
 }
 
@@ -96,10 +99,13 @@ fs::path writeHostScript(const fs::path& folder) {
 }
 
 Finding checkScriptHost(const Side& side, const fs::path& script, const HostLink& link) {
-  constexpr seconds patience(120);
+  constexpr seconds patience(300);  // adapters may keep each byte of a line for 16 ms, and its echo too
   if (!side.lack.empty()) return leftOut(side.lack);
-  if (!hasVbScript()) return leftOut("VBScript, an optional feature of Windows, is not there");
-  Words words{L"//nologo", script.native()};
+  if (!hasVbScript(side)) return leftOut("VBScript, an optional feature of Windows, is not there");
+  Words words{L"//nologo"};
+  // Where files of scripts open in an editor, the host does not know their language. Wine's knows no such switch.
+  if (!isWine()) words.emplace_back(L"//E:VBScript");
+  words.push_back(script.native());
   words.insert(words.end(), link.words.begin(), link.words.end());
   Child host(side.programs / "cscript.exe", words);
   return outcomeOf(host, "compared: ", patience);
