@@ -67,8 +67,8 @@ while True:
   until_says "$work/lines.txt" ready
 }
 
-until_says() { # until_says FILE TEXT: a minute at most
-  for _ in $(seq 600); do
+until_says() { # until_says FILE TEXT: five minutes at most
+  for _ in $(seq 3000); do
     ! grep -q "$2" "$1" 2>/dev/null || return 0
     sleep 0.1
   done
@@ -132,11 +132,14 @@ has_expected_rows() { rows "$work/report.txt" | diff - "$work/expected.txt"; }
 break_off() { # break_off SIGNAL STATUS: while the component is registered by the check
   wine "$folder/velk.exe" doctor --check >"$work/broken.txt" 2>&1 </dev/null &
   child=$!
-  until_says "$work/broken.txt" 'passed *registration for everybody' && is_registered
+  until_says "$work/broken.txt" 'passed *registration for everybody'
+  kill -STOP $child # it would come to its end
+  is_registered
   registered=$?
   ends_with 5 --check # one check at a time
   busy=$?
   kill "-$1" $child
+  kill -CONT $child
   wait $child
   [ $? -eq "$2" ] && [ $registered -eq 0 ] && [ $busy -eq 0 ] && grep -q '^velk: another check is under way' "$work/said.txt"
 }
