@@ -177,6 +177,7 @@ check "  tells where the program lies" grep -q '^velk .*house of Jürg\\x64\\vel
 check "  and on what system" grep -qE '^Windows +[0-9.]+.*, of Wine [0-9.]+' "$work/report.txt"
 check "  leaves nothing behind" left_nothing
 check "one port is none" ends_with 2 --check --serial COM5
+check "  nor is it twice" ends_with 2 --check --serial COM5,com5
 
 check "a check that is killed" break_off KILL 137
 check "  leaves its registration" is_registered

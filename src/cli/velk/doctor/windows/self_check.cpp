@@ -35,8 +35,11 @@ struct PortPair {
 
 std::optional<PortPair> portsOf(const std::vector<std::string>& names) {
   if (names.empty()) return std::nullopt;
-  if (names.size() != 2) throw std::invalid_argument("--serial takes two ports: COM5,COM6");
-  return PortPair{names[0], names[1], portNumber(names[0]), portNumber(names[1])};
+  constexpr const char* rule = "--serial takes two ports: COM5,COM6";
+  if (names.size() != 2) throw std::invalid_argument(rule);
+  PortPair ports{names[0], names[1], portNumber(names[0]), portNumber(names[1])};
+  if (ports.number == ports.otherNumber) throw std::invalid_argument(rule);
+  return ports;
 }
 
 bool isRegistered(const std::function<bool(const Registration&)>& isMeant) {
