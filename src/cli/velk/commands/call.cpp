@@ -56,7 +56,7 @@ int carryOutCall(const CallOptions& options) {
 }  // namespace
 
 void addCall(const CommandLine& velk, Job& job) {
-  addCommand<CallOptions>(velk, job, "call", "MethodCall a method, or read a property", "", carryOutCall)
+  addCommand<CallOptions>(velk, job, "call", "Call a method, or read a property", "", carryOutCall)
       .footer(notes);
 }
 
