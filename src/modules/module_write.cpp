@@ -1,6 +1,6 @@
 #include "modules/module_write.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "modules/conversion.h"
 #include "modules/records.h"

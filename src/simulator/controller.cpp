@@ -1,7 +1,5 @@
 #include "simulator/controller.h"
 
-#include <algorithm>
-
 namespace velk::simulator {
 namespace {
 

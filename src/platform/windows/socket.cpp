@@ -3,8 +3,6 @@
 #include <mstcpip.h>
 #include <ws2tcpip.h>
 
-#include <algorithm>
-
 #include "platform/devices.h"
 #include "values/runtime_error.h"
 

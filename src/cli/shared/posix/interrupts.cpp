@@ -1,6 +1,5 @@
 #include "cli/shared/interrupts.h"
 
-#include <array>
 #include <atomic>
 #include <csignal>
 

@@ -1,6 +1,5 @@
 #include "cli/velk/backup/check.h"
 
-#include <algorithm>
 #include <set>
 #include <stdexcept>
 

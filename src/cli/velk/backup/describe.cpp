@@ -1,6 +1,5 @@
 #include "cli/velk/backup/describe.h"
 
-#include <algorithm>
 #include <array>
 
 #include "cli/velk/backup/memory_reader.h"

@@ -6,6 +6,7 @@
 
 #include "cli/velk/backup/lines.h"
 #include "cli/velk/things/details.h"
+#include "component/serial.h"
 
 namespace velk::cli {
 

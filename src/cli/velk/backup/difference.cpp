@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/shared/failure.h"
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/things/words.h"

@@ -1,3 +1,6 @@
+#include <string>
+#include <vector>
+
 #include "cli/velk/commands/command.h"
 #include "cli/velk/things/event.h"
 #include "cli/velk/things/module.h"

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "cli/shared/failure.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/connection/transfer.h"

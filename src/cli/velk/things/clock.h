@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/shared/json.h"
-#include "cli/velk/things/details.h"
+#include "component/serial.h"
 
 namespace velk::cli {
 

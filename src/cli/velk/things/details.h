@@ -3,9 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "cli/shared/failure.h"
-#include "component/serial.h"
-
 namespace velk::cli {
 
 /// One detail of a thing, as people read it.

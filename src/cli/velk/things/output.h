@@ -6,6 +6,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "component/serial.h"
 #include "parameters/items.h"
 
 namespace velk::cli {

@@ -5,6 +5,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "component/serial.h"
 
 namespace velk::cli {
 

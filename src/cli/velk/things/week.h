@@ -6,6 +6,7 @@
 #include "cli/velk/things/event.h"
 #include "cli/velk/things/soft_link.h"
 #include "cli/velk/things/switch_time.h"
+#include "component/serial.h"
 
 /// The week as a picture.
 namespace velk::cli {
