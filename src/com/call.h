@@ -38,8 +38,8 @@ class HostCall {
   /// Finds the argument for each parameter and brings it into the parameter's type.
   HRESULT take();
 
-  /// Runs the method and gives back what it changed, also where it fails with a run-time error. `result`, where
-  /// the host wants one, is written when all went well.
+  /// Runs the method and gives back what it changed, also where it fails with a run-time error. `result`,
+  /// where the host wants one, is written when all went well.
   HRESULT run(Serial& serial, VARIANT* result);
 
   /// The value of a parameter.

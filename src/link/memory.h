@@ -14,8 +14,8 @@ struct Stop {
   Result result;
 };
 
-/// The controller's memory behind the link: reads and writes that throw `Stop` with the
-/// status of a transaction that fails. An empty reply is run-time error 5.
+/// The controller's memory behind the link: reads and writes that throw `Stop` with the status of a
+/// transaction that fails. An empty reply is run-time error 5.
 class Memory {
  public:
   explicit Memory(Link link) : link_(link) {}

@@ -62,6 +62,7 @@ constexpr std::array rows{
 static_assert(std::ranges::is_sorted(rows, {}, &RecordRow::type),
               "so that a type is found, or missed, at a glance");
 
+/// No two overlap.
 constexpr std::array series{
     Series{.serials = {705000, 709999}, .pieceWrite = true},
     Series{.serials = {830200, 839999}, .readFlag = true, .betweenPieces = Seconds(2)},

@@ -49,10 +49,10 @@ struct RecordRow {
 /// What a series of serial numbers does otherwise than others, whatever its type.
 struct Series {
   SerialRange serials;
-  bool readFlag = false;    ///< takes the flag as known models do
-  bool longRead = false;    ///< its record is read through the long-record buffer
-  bool pieceWrite = false;  ///< its record is written in pieces, though its type has `longWrite`
-  Seconds betweenPieces{0.1};
+  bool readFlag = false;       ///< takes the flag as known models do
+  bool longRead = false;       ///< its record is read through the long-record buffer
+  bool pieceWrite = false;     ///< its record is written in pieces, though its type has `longWrite`
+  Seconds betweenPieces{0.1};  ///< of a write: some store a piece slowly
 };
 
 /// The row for a module at an `Offset`; for a type without records one that reads and checks nothing.

@@ -23,7 +23,11 @@ struct ByteRun {
 };
 
 /// What `Offset` may be.
-enum class OffsetRule : Byte { upToBound, even, any };
+enum class OffsetRule : Byte {
+  upToBound,
+  even,  ///< and at most 293, which a byte cannot exceed: only evenness decides
+  any,
+};
 
 /// How `Aantal` is checked.
 enum class CountRule : Byte {

@@ -20,7 +20,7 @@ Address at(int page, int offset, Area area = Area::external) {
 constexpr std::size_t textLength = 16;
 
 struct HouseOutput {
-  Byte address;
+  Byte number;
   Byte mode;
   std::string_view name;
   std::array<Byte, 11> parameters;  ///< page offsets 16 to 26
@@ -51,7 +51,7 @@ constexpr std::array outputs{
     HouseOutput{21, 21, "Attic", {0x01, 21, 0x15, 10, 11, 12, 13}, 0x80},
 };
 
-/// What marks an output of mode 4 as a roller: its own address in a table that grows downwards.
+/// What marks an output of mode 4 as a roller: its own number in a table that grows downwards.
 constexpr std::array<Byte, 1> rollers{7};
 
 struct HouseLink {
@@ -94,12 +94,12 @@ Address presetRecord(int number, int record) {
 
 void putOutputs(Store& store) {
   for (const HouseOutput& output : outputs) {
-    store[at(output.address, 1)] = output.mode;
+    store[at(output.number, 1)] = output.mode;
     for (std::size_t i = 0; i < output.parameters.size(); ++i) {
-      store[at(output.address, 16).next(i)] = output.parameters.at(i);
+      store[at(output.number, 16).next(i)] = output.parameters.at(i);
     }
-    store[at(output.address, 56)] = output.further;
-    store.write(at(output.address, 64), padded(output.name, textLength));
+    store[at(output.number, 56)] = output.further;
+    store.write(at(output.number, 64), padded(output.name, textLength));
   }
   for (const Byte roller : rollers) store[at(0x10, 255 - roller)] = roller;
 }
