@@ -209,11 +209,13 @@ static_assert(readsBack<groups> && readsBack<push> && readsBack<dimmer> && reads
               readsBack<multiLevel>);
 
 bool offsetFits(const Layout& layout, Byte offset) {
+  const int position = offset;
+  constexpr int lastPosition = 293;  // more than a byte can hold: only evenness decides
   switch (layout.offsets) {
     case OffsetRule::upToBound:
       return offset <= layout.bound;
     case OffsetRule::even:
-      return offset % 2 == 0;
+      return position % 2 == 0 && position <= lastPosition;
     case OffsetRule::any:
       break;
   }
