@@ -12,7 +12,9 @@ struct OwnedVariant : VARIANT {
   explicit OwnedVariant(VARIANT variant = {}) : VARIANT{variant} {}
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(const OwnedVariant&) = delete;
-  ~OwnedVariant() { VariantClear(this); }
+  ~OwnedVariant() {
+    if (vt != VT_EMPTY) VariantClear(this);  // the system's call takes as long as a simple method
+  }
 
   /// Leaves the value to the caller.
   VARIANT release() { return std::exchange(static_cast<VARIANT&>(*this), VARIANT{}); }
