@@ -141,19 +141,34 @@ void* valueOf(VARIANT& variant) {
   return &variant.byref;
 }
 
-/// The types of values, in the order of their cases, and where a variant keeps each.
-constexpr std::array<VARTYPE, std::variant_size_v<Value>> valueTypes{VT_EMPTY, VT_BOOL, VT_UI1, VT_I2,
-                                                                     VT_I4,    VT_R8,   VT_BSTR};
 struct Cases {
   VARIANT& v;
 
-  void operator()(std::monostate /*unused*/) const {}
-  void operator()(bool truth) const { v.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE; }
-  void operator()(Byte number) const { v.bVal = number; }
-  void operator()(std::int16_t number) const { v.iVal = number; }
-  void operator()(std::int32_t number) const { v.lVal = number; }
-  void operator()(double number) const { v.dblVal = number; }
-  void operator()(const std::string& text) const { v.bstrVal = newText(text); }
+  void operator()(std::monostate /*unused*/) const { v.vt = VT_EMPTY; }
+  void operator()(bool truth) const {
+    v.vt = VT_BOOL;
+    v.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
+  }
+  void operator()(Byte number) const {
+    v.vt = VT_UI1;
+    v.bVal = number;
+  }
+  void operator()(std::int16_t number) const {
+    v.vt = VT_I2;
+    v.iVal = number;
+  }
+  void operator()(std::int32_t number) const {
+    v.vt = VT_I4;
+    v.lVal = number;
+  }
+  void operator()(double number) const {
+    v.vt = VT_R8;
+    v.dblVal = number;
+  }
+  void operator()(const std::string& text) const {
+    v.bstrVal = newText(text);
+    v.vt = VT_BSTR;
+  }
 };
 
 /// Moves the value of a variant into a variable of its type.
@@ -199,7 +214,6 @@ HRESULT makeResult(const Value& value, VARTYPE type, VARIANT& result) {
 VARIANT variantOf(const Value& value) {
   VARIANT variant{};
   std::visit(Cases{variant}, value);
-  variant.vt = valueTypes.at(value.index());
   return variant;
 }
 

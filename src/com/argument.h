@@ -39,8 +39,10 @@ class Argument {
   /// Whether the host left the argument out between others.
   [[nodiscard]] bool omitted() const;
 
-  /// Whether it is a reference, through which a result can be given back.
-  [[nodiscard]] bool isReference() const { return passing_ != Passing::value; }
+  /// Whether results can be given back.
+  [[nodiscard]] bool isReference() const {
+    return passing_ == Passing::variable || passing_ == Passing::variant;
+  }
 
   /// The caller's variable; the same one may be passed for several parameters.
   [[nodiscard]] const void* variable() const { return passing_ == Passing::variant ? variant_ : data_; }
