@@ -47,7 +47,7 @@ serve() { # serve KIND: a server on the same core; its port goes to $port
   rm -f "$work/port" # it may hold the last server's for a moment
   taskset -c $core "$bench" serve "$1" >"$work/port" &
   children="$children $!"
-  wait_for "$work/port" '[0-9]'
+  wait_for "$work/port" '[0-9]' || exit 2
   port=$(cat "$work/port")
 }
 

@@ -25,7 +25,7 @@ trap end EXIT
 serve() { # serve KIND: starts a server; its port goes to $port
   "$bench" serve "$1" >"$work/$1.port" &
   servers="$servers $!"
-  wait_for "$work/$1.port" '[0-9]'
+  wait_for "$work/$1.port" '[0-9]' || exit 2
   port=$(cat "$work/$1.port")
 }
 

@@ -7,28 +7,15 @@
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/noon.sh"
+. "$here/../support/programs.sh"
+. "$here/../support/checks.sh"
 build=$(cd "${1:?usage: run_doctor.sh BUILD_DIR}" && pwd) || exit 2
 work=$build/doctor
 folder="$work/house of Jürg/x64" # a blank and a letter that is not ASCII
 export LC_ALL=C.UTF-8 WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 longest=600 # seconds that a check may take, which needs some twenty
-passed=0
-failed=0
 lines=
-
-check() { # check NAME COMMAND...: the command has to succeed
-  name=$1
-  shift
-  if "$@" >"$work/check.log" 2>&1; then
-    passed=$((passed + 1))
-    echo "ok $name"
-  else
-    failed=$((failed + 1))
-    echo "FAILED $name"
-    head -n 40 "$work/check.log"
-  fi
-}
 
 end() {
   [ -z "$lines" ] || kill "$lines"
@@ -64,16 +51,7 @@ other = {ends[0][0]: ends[1][0], ends[1][0]: ends[0][0]}
 while True:
     for end in select.select(list(other), [], [])[0]: os.write(other[end], os.read(end, 4096))' "$WINEPREFIX" >"$work/lines.txt" &
   lines=$!
-  until_says "$work/lines.txt" ready
-}
-
-until_says() { # until_says FILE TEXT: five minutes at most
-  for _ in $(seq 3000); do
-    ! grep -q "$2" "$1" 2>/dev/null || return 0
-    sleep 0.1
-  done
-  echo "$0: $1 says no '$2'" >&2
-  return 1
+  wait_for "$work/lines.txt" ready
 }
 
 classes() { # classes FILE: what is registered for everybody and for this user
@@ -132,7 +110,7 @@ has_expected_rows() { rows "$work/report.txt" | diff - "$work/expected.txt"; }
 break_off() { # break_off SIGNAL STATUS: while the component is registered by the check
   wine "$folder/velk.exe" doctor --check >"$work/broken.txt" 2>&1 </dev/null &
   child=$!
-  until_says "$work/broken.txt" 'passed *registration for everybody'
+  wait_for "$work/broken.txt" 'passed *registration for everybody'
   kill -STOP $child # it would come to its end
   is_registered
   registered=$?
@@ -201,5 +179,4 @@ lacks = [check["check"] for check in report["checks"] if check["detail"].startsw
 assert lacks == [f"64-bit VBScript for everybody, TCP kind {kind}" for kind in "QS"], report' "$work/said.txt"
 check "  leaves nothing behind" left_nothing
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+close

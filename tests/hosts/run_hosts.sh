@@ -10,6 +10,7 @@ set -u
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/noon.sh"
 . "$here/../support/programs.sh"
+. "$here/../support/checks.sh"
 build=$(cd "${1:?usage: run_hosts.sh BUILD_DIR}" && pwd) || exit 2
 sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
 case $build in
@@ -23,25 +24,6 @@ export WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml
 unset DISPLAY WAYLAND_DISPLAY
 longest=600 # seconds that any one host may take, which needs some ten
 children=
-passed=0
-failed=0
-
-report() { # report 0|1 NAME: prints the line of a check and counts it
-  if [ "$1" -eq 0 ]; then
-    passed=$((passed + 1))
-    printf 'ok %s\n' "$2"
-  else
-    failed=$((failed + 1))
-    printf 'FAILED %s\n' "$2"
-  fi
-}
-
-check() { # check NAME COMMAND...: the command has to succeed
-  name=$1
-  shift
-  "$@" >/dev/null 2>&1
-  report $? "$name"
-}
 
 wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null; }
 
@@ -117,7 +99,7 @@ s = socket.create_server(("127.0.0.1", 0))
 print(s.getsockname()[1], flush=True)
 time.sleep(7200)' >"$work/silent.log" &
   children="$children $!"
-  wait_for "$work/silent.log" '[0-9]'
+  wait_for "$work/silent.log" '[0-9]' || exit 2
 }
 
 # --- Registration
@@ -202,12 +184,6 @@ test_program() { # test_program NAME: runs a program of tests
   count_lines "$work/$1.checks"
   grep -q '  PASSED  ' "$work/$1.log"
   report $? "$1 ran to its end"
-}
-
-close() { # the closing line
-  echo "$passed passed, $failed failed"
-  [ "$failed" -eq 0 ]
-  exit
 }
 
 presets() { # presets PORT EXPECTED: what the example in Pascal prints, and the status that it ends with

@@ -8,6 +8,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 . "$here/../support/noon.sh"
 . "$here/../support/programs.sh"
+. "$here/../support/checks.sh"
 setup=$(realpath "${1:?usage: windows.sh SETUP ZIP}")
 zip=$(realpath "${2:?usage: windows.sh SETUP ZIP}")
 sim=${VELK_SIM:-$root/build/linux/bin/velk-sim}
@@ -20,8 +21,6 @@ export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 drive=$WINEPREFIX/drive_c
 longest=600 # seconds that any one program may take
-passed=0
-failed=0
 simulator=
 clean_up() { [ -z "$simulator" ] || kill "$simulator" 2>/dev/null; }
 trap clean_up EXIT
@@ -29,18 +28,6 @@ trap 'exit 130' INT TERM
 
 wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null | tr -d '\r'; }
 
-check() { # check NAME COMMAND...
-  local name=$1
-  shift
-  if "$@" >"$work/check.log" 2>&1; then
-    passed=$((passed + 1))
-    echo "ok $name"
-  else
-    failed=$((failed + 1))
-    echo "FAILED $name"
-    head -n 20 "$work/check.log" | sed 's/^/    /'
-  fi
-}
 not() { ! "$@"; }
 
 # --- What an installation may leave behind
@@ -217,5 +204,4 @@ for_one_user
 side_by_side
 without_registration
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+close
