@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <stdexcept>
 #include <string>
+
+#include "values/digits.h"
 
 namespace velk::simulator {
 namespace {
@@ -44,13 +45,6 @@ constexpr std::array kinds{
   throw std::invalid_argument("fault \"" + std::string(text) + "\": " + why);
 }
 
-std::optional<unsigned> number(std::string_view digits) {
-  unsigned value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
-  return value;
-}
-
 const FaultKind& kindNamed(std::string_view name, std::string_view text) {
   const auto* const found =
       std::find_if(kinds.begin(), kinds.end(), [&](const FaultKind& kind) { return kind.name == name; });
@@ -65,7 +59,7 @@ int argumentOf(const FaultKind& kind, std::optional<std::string_view> given, std
     return kind.fallback;
   }
   if (kind.argument.empty()) fail(text, "\"" + std::string(kind.name) + "\" takes no number");
-  const auto value = number(*given);
+  const auto value = wholeNumber<unsigned>(*given);
   if (!value || *value > static_cast<unsigned>(kind.highest)) {
     fail(text, std::string(kind.argument) + " must be a number from 0 to " + std::to_string(kind.highest));
   }
@@ -78,11 +72,11 @@ using Requests = std::pair<unsigned, unsigned>;
 std::optional<Requests> requestsOf(std::string_view which) {
   if (which == "*") return Requests(1, noEnd);
   const auto dash = which.find('-');
-  const auto first = number(which.substr(0, dash));
+  const auto first = wholeNumber<unsigned>(which.substr(0, dash));
   if (!first) return std::nullopt;
   if (dash == std::string_view::npos) return Requests(*first, *first);
   if (dash + 1 == which.size()) return Requests(*first, noEnd);
-  const auto last = number(which.substr(dash + 1));
+  const auto last = wholeNumber<unsigned>(which.substr(dash + 1));
   if (!last || *last < *first) return std::nullopt;
   return Requests(*first, *last);
 }

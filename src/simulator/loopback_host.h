@@ -16,7 +16,6 @@ namespace velk::simulator {
 class LoopbackHost final : public platform::Host {
  public:
   using Milliseconds = std::chrono::milliseconds;
-  using MakePeer = std::function<std::unique_ptr<Peer>()>;
 
   LoopbackHost();
   ~LoopbackHost() override;

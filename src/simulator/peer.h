@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +34,9 @@ class Peer {
   /// Bytes come after the line was silent for `frameGap`: a request that stopped half-way is given up.
   virtual void quiet() {}
 };
+
+/// Makes the interface of one connection.
+using MakePeer = std::function<std::unique_ptr<Peer>()>;
 
 /// The longest pause inside a request. Shorter than a host waits for a reply, so that its next attempt finds
 /// the interface ready.

@@ -4,28 +4,20 @@
 #include "values/hex.h"
 
 namespace velk::simulator {
-namespace {
-
-std::string hexList(std::string_view data) {
-  return capitalHex(data, " ");
-}
-
-}  // namespace
-
 std::string describe(const link::Request& request) {
   const link::Address at = addressAt(link::areaOf(request.command), request.high, request.low);
   std::string text = (request.command & link::write) != 0 ? "write " : "read  ";
   text += std::to_string(link::dataCount(request.command));
   text.append(" ").append(nameOf(at.area)) +=
       " " + capitalHex(Bytes{character(request.high), character(request.low)});
-  if (!request.data.empty()) text += " " + hexList(request.data);
+  if (!request.data.empty()) text += " " + capitalHex(request.data, " ");
   const std::string name = memory::nameOf(at);
   return name.empty() ? text : text + "  " + name;
 }
 
 std::string describe(const Reply& reply) {
   if (reply.status != carriedOut) return "status " + std::to_string(reply.status);
-  return reply.data.empty() ? "ok" : hexList(reply.data);
+  return reply.data.empty() ? "ok" : capitalHex(reply.data, " ");
 }
 
 }  // namespace velk::simulator

@@ -119,7 +119,7 @@ SessionOptions sessionOptions(const Options& options) {
 }
 
 template <class Session>
-Server::MakePeer makerOf(Controller& controller, const SessionOptions& options) {
+simulator::MakePeer makerOf(Controller& controller, const SessionOptions& options) {
   return [&controller, options] { return std::make_unique<Session>(controller, options); };
 }
 
@@ -128,7 +128,7 @@ void announce(std::string interface, std::string_view place) {
 }
 
 void listen(Server& server, const std::string& interface, const std::string& address,
-            const std::vector<std::uint16_t>& ports, const Server::MakePeer& makePeer) {
+            const std::vector<std::uint16_t>& ports, const simulator::MakePeer& makePeer) {
   const bool isIpv6 = address.find(':') != std::string::npos;
   const std::string host = isIpv6 ? '[' + address + ']' : address;
   for (const std::uint16_t port : ports) {
@@ -137,7 +137,7 @@ void listen(Server& server, const std::string& interface, const std::string& add
 }
 
 void serveSerial(Server& server, const std::string& interface, const std::vector<std::string>& devices,
-                 int baud, const Server::MakePeer& makePeer) {
+                 int baud, const simulator::MakePeer& makePeer) {
   for (const std::string& device : devices) {
     if (device.empty()) {
       announce(interface, server.servePseudoLine(makePeer));

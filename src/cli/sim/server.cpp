@@ -19,7 +19,7 @@ Server::~Server() {
   ending.clear();
 }
 
-std::uint16_t Server::listen(const std::string& address, std::uint16_t port, MakePeer makePeer) {
+std::uint16_t Server::listen(const std::string& address, std::uint16_t port, simulator::MakePeer makePeer) {
   auto listener = std::make_shared<Listener>(address, port);
   const std::uint16_t bound = listener->port();
   run([this, listener, makePeer = std::move(makePeer)](const std::stop_token& stop) {
@@ -28,7 +28,7 @@ std::uint16_t Server::listen(const std::string& address, std::uint16_t port, Mak
   return bound;
 }
 
-std::string Server::servePseudoLine(const MakePeer& makePeer) {
+std::string Server::servePseudoLine(const simulator::MakePeer& makePeer) {
   NamedLine line = openPseudoLine();
   const std::shared_ptr<Stream> stream = std::move(line.stream);
   const std::shared_ptr<simulator::Peer> peer = makePeer();
@@ -36,7 +36,7 @@ std::string Server::servePseudoLine(const MakePeer& makePeer) {
   return line.name;
 }
 
-void Server::serveDevice(const std::string& device, int baud, const MakePeer& makePeer) {
+void Server::serveDevice(const std::string& device, int baud, const simulator::MakePeer& makePeer) {
   // A port belongs to the thread that opens it, so the outcome comes from there: a sentence when it failed.
   const auto opened = std::make_shared<std::promise<std::string>>();
   auto outcome = opened->get_future();
@@ -71,7 +71,8 @@ void Server::run(std::function<void(const std::stop_token&)> work) {
   workers_.push_back({.done = std::move(done), .thread = std::jthread(std::move(body))});
 }
 
-void Server::acceptClients(Listener& listener, const MakePeer& makePeer, const std::stop_token& stop) {
+void Server::acceptClients(Listener& listener, const simulator::MakePeer& makePeer,
+                           const std::stop_token& stop) {
   while (!stop.stop_requested()) {
     const std::shared_ptr<Stream> client = listener.accept(stopInterval);
     if (!client) continue;

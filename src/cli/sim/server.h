@@ -18,21 +18,19 @@ namespace velk::cli {
 /// is destroyed.
 class Server {
  public:
-  using MakePeer = std::function<std::unique_ptr<simulator::Peer>()>;
-
   Server() = default;
   ~Server();
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
   /// Takes connections; returns the port. Throws std::runtime_error with a sentence.
-  std::uint16_t listen(const std::string& address, std::uint16_t port, MakePeer makePeer);
+  std::uint16_t listen(const std::string& address, std::uint16_t port, simulator::MakePeer makePeer);
 
   /// Serves a pseudo terminal; returns the name of its other end. Throws std::runtime_error with a sentence.
-  std::string servePseudoLine(const MakePeer& makePeer);
+  std::string servePseudoLine(const simulator::MakePeer& makePeer);
 
   /// Serves a serial device. Throws std::runtime_error with a sentence.
-  void serveDevice(const std::string& device, int baud, const MakePeer& makePeer);
+  void serveDevice(const std::string& device, int baud, const simulator::MakePeer& makePeer);
 
  private:
   struct Worker {
@@ -42,7 +40,7 @@ class Server {
 
   /// Starts a thread, and forgets those that have ended.
   void run(std::function<void(const std::stop_token&)> work);
-  void acceptClients(Listener& listener, const MakePeer& makePeer, const std::stop_token& stop);
+  void acceptClients(Listener& listener, const simulator::MakePeer& makePeer, const std::stop_token& stop);
 
   std::mutex mutex_;
   std::list<Worker> workers_;  ///< guarded
