@@ -11,8 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int ownBits = sizeof(void*) == 8 ? wide : narrow;
-
 struct Cause {
   std::uint32_t result;
   std::string_view sentence;
@@ -75,6 +73,14 @@ std::vector<Scope> missingFor(const ComponentState& state, int bits) {
 }
 
 }  // namespace
+
+std::string nameOf(int bits) {
+  return std::to_string(bits) + "-bit";
+}
+
+std::string nameOf(Scope scope) {
+  return scope == Scope::user ? "this user" : "everybody";
+}
 
 /// It lies beside the program, or in the other one of two folders side by side.
 std::filesystem::path libraryFor(const ComponentState& state, int bits) {

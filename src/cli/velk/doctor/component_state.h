@@ -15,6 +15,13 @@ enum class Scope : Byte { everybody, user };
 
 constexpr int narrow = 32;
 constexpr int wide = 64;
+constexpr int ownBits = sizeof(void*) == 8 ? wide : narrow;
+
+/// "64-bit".
+std::string nameOf(int bits);
+
+/// "this user" or "everybody".
+std::string nameOf(Scope scope);
 
 /// A place in the registry where programs find the component; the user's own comes before everybody's.
 struct Registration {

@@ -10,16 +10,6 @@
 namespace velk::cli {
 namespace {
 
-constexpr int programBits = sizeof(void*) * 8;
-
-std::string nameOf(Scope scope) {
-  return scope == Scope::user ? "this user" : "everybody";
-}
-
-std::string programsOf(int bits) {
-  return std::to_string(bits) + "-bit";
-}
-
 std::string verdictOn(const Registration& registration) {
   if (registration.library.empty()) return "not registered";
   const std::string_view fault = faultOf(registration);
@@ -29,21 +19,21 @@ std::string verdictOn(const Registration& registration) {
 void print(const ComponentState& state) {
   Table table({"Programs", "For", "State", "File"});
   for (const Registration& row : state.registrations) {
-    table.add({programsOf(row.bits), nameOf(row.scope), verdictOn(row), textOf(row.library)});
+    table.add({nameOf(row.bits), nameOf(row.scope), verdictOn(row), textOf(row.library)});
   }
   table.print(std::cout);
-  std::cout << "\nVelkCom.Serial in this " << programBits
-            << "-bit program: " << (state.result == 0 ? "created, and it answers" : failureOf(state)) << '\n';
+  std::cout << "\nVelkCom.Serial in this " << nameOf(ownBits)
+            << " program: " << (state.result == 0 ? "created, and it answers" : failureOf(state)) << '\n';
   const auto remedies = remediesFor(state);
   if (remedies.empty()) return;
   std::cout << "\nTo register it, for everybody as an administrator:\n";
   Table lines({"Programs", "For", "Type"});
-  for (const Remedy& row : remedies) lines.add({programsOf(row.bits), nameOf(row.scope), row.command});
+  for (const Remedy& row : remedies) lines.add({nameOf(row.bits), nameOf(row.scope), row.command});
   lines.print(std::cout);
 }
 
 Json jsonOf(const ComponentState& state) {
-  Json json{{"program_bits", programBits},
+  Json json{{"program_bits", ownBits},
             {"created", state.result == 0},
             {"failure", state.result == 0 ? Json() : Json(failureOf(state))},
             {"registrations", Json::array()},

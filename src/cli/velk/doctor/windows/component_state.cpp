@@ -6,14 +6,11 @@
 
 #include <array>
 
+#include "cli/shared/windows/wide.h"
 #include "component/identity.h"
 
 namespace velk::cli {
 namespace {
-
-std::wstring wideText(std::string_view ascii) {
-  return {ascii.begin(), ascii.end()};
-}
 
 /// The registry as programs of one bitness see it, for everybody or for this user.
 struct Place {
@@ -31,8 +28,7 @@ const std::array places{
 };
 
 std::filesystem::path libraryAt(const Place& place) {
-  const std::wstring name =
-      L"Software\\Classes\\CLSID\\{" + wideText(identity::classId) + L"}\\InprocServer32";
+  const std::wstring name = L"Software\\Classes\\CLSID\\{" + wideOf(identity::classId) + L"}\\InprocServer32";
   HKEY key = nullptr;
   if (RegOpenKeyExW(place.hive, name.c_str(), 0, KEY_READ | place.view, &key) != ERROR_SUCCESS) return {};
   std::array<wchar_t, 1024> text{};
@@ -59,7 +55,7 @@ std::filesystem::path thisProgram() {
 HRESULT createAndRead() {
   constexpr std::array<wchar_t, 9> property{L"SoortETH"};
   CLSID id;
-  HRESULT result = CLSIDFromProgID(wideText(identity::progId).c_str(), &id);
+  HRESULT result = CLSIDFromProgID(wideOf(identity::progId).c_str(), &id);
   IDispatch* object = nullptr;
   if (SUCCEEDED(result)) {
     result =

@@ -1,10 +1,11 @@
+#include "cli/velk/doctor/windows/lines.h"
+
 #include <windows.h>
 
 #include <array>
 #include <stdexcept>
 
 #include "cli/velk/doctor/windows/system_facts.h"
-#include "cli/velk/doctor/windows/timings.h"
 #include "link/wait.h"
 #include "platform/windows/comm_state.h"
 

@@ -18,12 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int bitsOfThis = sizeof(void*) * 8;
-
 /// A 32-bit program finds the 64-bit ones of its system under a name that only it sees.
 fs::path programsOfSystem(const ComponentState& state, int bits) {
   if (bits == narrow && !state.narrowFolder.empty()) return state.narrowFolder;
-  if (bits != bitsOfThis) return state.narrowFolder.parent_path() / "Sysnative";
+  if (bits != ownBits) return state.narrowFolder.parent_path() / "Sysnative";
   std::array<wchar_t, MAX_PATH> text{};
   GetSystemDirectoryW(text.data(), static_cast<UINT>(text.size()));
   return text.data();
@@ -33,11 +31,11 @@ Side sideOf(const ComponentState& state, int bits) {
   std::error_code ignored;
   Side side{.bits = bits, .programs = programsOfSystem(state, bits), .library = libraryFor(state, bits)};
   const fs::path besideIt = side.library.parent_path() / state.program.filename();
-  side.velk = bits == bitsOfThis ? state.program : besideIt;
+  side.velk = bits == ownBits ? state.program : besideIt;
   if (!fs::exists(side.programs / "cscript.exe", ignored)) {
-    side.lack = "this system has no " + std::to_string(bits) + "-bit script host";
+    side.lack = "this system has no " + nameOf(bits) + " script host";
   } else if (!side.library.has_parent_path()) {
-    side.lack = "no " + std::to_string(bits) + "-bit VelkCom.dll came with this program";
+    side.lack = "no " + nameOf(bits) + " VelkCom.dll came with this program";
   }
   return side;
 }
@@ -63,14 +61,15 @@ fs::path libraryAt(int bits, Scope scope) {
   return {};
 }
 
-std::string nameOf(int bits, Scope scope) {
-  return std::to_string(bits) + (scope == Scope::user ? "-bit for this user" : "-bit for everybody");
+std::string programsFor(int bits, Scope scope) {
+  return nameOf(bits) + " for " + nameOf(scope);
 }
 
 /// What failed; empty if nothing did.
 std::string runRegsvr(const Side& side, Scope scope, bool undo) {
   constexpr std::chrono::seconds patience(30);
-  if (!side.library.has_parent_path()) return "no VelkCom.dll " + nameOf(side.bits, scope) + " came along";
+  if (!side.library.has_parent_path())
+    return "no VelkCom.dll " + programsFor(side.bits, scope) + " came along";
   std::vector<std::wstring> words{L"/s"};
   if (undo) words.emplace_back(L"/u");
   if (scope == Scope::user) words.insert(words.end(), {L"/n", L"/i:user"});
@@ -78,7 +77,7 @@ std::string runRegsvr(const Side& side, Scope scope, bool undo) {
   Child regsvr(side.programs / "regsvr32.exe", words);
   const bool ended = regsvr.wait(patience, undo ? WhenInterrupted::goOn : WhenInterrupted::stop);
   if (ended && regsvr.exitCode() == 0) return {};
-  return "regsvr32 " + nameOf(side.bits, scope) +
+  return "regsvr32 " + programsFor(side.bits, scope) +
          (ended ? " ends with " + std::to_string(regsvr.exitCode()) : std::string(" does not end"));
 }
 
@@ -192,7 +191,7 @@ std::string Registrar::takeBack(const Registration& entry) const {
   const std::string fault = runRegsvr(sideOf(entry.bits), entry.scope, true);
   const bool isGone = libraryAt(entry.bits, entry.scope).empty();
   if (isGone && (fault.empty() || !isAnythingRegistered())) return {};
-  return fault + ", " + nameOf(entry.bits, entry.scope) +
+  return fault + ", " + programsFor(entry.bits, entry.scope) +
          (isGone ? " has left something" : " is still registered");
 }
 

@@ -11,6 +11,7 @@
 #include "cli/shared/windows/wide.h"
 #include "cli/velk/doctor/windows/check_report.h"
 #include "cli/velk/doctor/windows/hosts.h"
+#include "cli/velk/doctor/windows/lines.h"
 #include "cli/velk/doctor/windows/system_facts.h"
 #include "cli/velk/doctor/windows/timings.h"
 
@@ -18,11 +19,7 @@ namespace velk::cli {
 namespace {
 
 std::string forWhom(Scope scope) {
-  return scope == Scope::user ? "for this user" : "for everybody";
-}
-
-std::string bitsText(int bits) {
-  return std::to_string(bits) + "-bit";
+  return "for " + nameOf(scope);
 }
 
 /// The serial ports of a check.
@@ -103,7 +100,7 @@ class SelfCheck {
     report_.fact("velk", VELK_VERSION " " + textOf(state_.program));
     for (const auto& [name, text] : systemFacts()) report_.fact(name, text);
     for (const Registration& place : state_.registrations) {
-      const std::string name = bitsText(place.bits) + ' ' + forWhom(place.scope);
+      const std::string name = nameOf(place.bits) + ' ' + forWhom(place.scope);
       report_.fact(name, place.library.empty() ? "not registered" : textOf(place.library));
     }
   }
@@ -122,7 +119,7 @@ class SelfCheck {
 
   void checkHosts() {
     for (const Side& side : sides_) {
-      tryOut(bitsText(side.bits) + " program without registration",
+      tryOut(nameOf(side.bits) + " program without registration",
              "its manifest names VelkCom, which it creates",
              [&] { return checkWithoutRegistration(side, registrar_.folder()); });
     }
@@ -173,7 +170,7 @@ class SelfCheck {
 
   void checkScripts(const std::string& who, const HostLink& link) {
     for (const Side& side : sides_) {
-      tryOut(bitsText(side.bits) + " VBScript " + who + ", " + link.name, "calls methods of every family",
+      tryOut(nameOf(side.bits) + " VBScript " + who + ", " + link.name, "calls methods of every family",
              [&] { return checkScriptHost(side, script_, link); });
     }
   }

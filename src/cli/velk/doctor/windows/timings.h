@@ -14,10 +14,4 @@ Finding checkWaits();
 /// Reads over a port of kind Q, beside a client that does nothing but send and receive the same bytes.
 Finding checkTcpReads(std::uint16_t port, const std::string& password);
 
-/// The settings with which the component opens a serial port, as the driver reads them back.
-Finding checkLineSettings(int port);
-
-/// A line break from one port to the other as the component sends it.
-Finding checkBreak(int port, int otherPort);
-
 }  // namespace velk::cli
