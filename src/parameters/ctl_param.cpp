@@ -11,7 +11,6 @@ namespace velk::parameters {
 using link::Stop;
 
 void Ctl_Param(const link::Memory& memory, std::string_view readOrWrite, const OutputAccess& access) {
-  constexpr Byte lastOutput = 99;
   if (access.output < 1 || access.output > lastOutput) throw Stop{badAddress};
   if (link::isRead(readOrWrite)) {
     readOutput(memory, access);

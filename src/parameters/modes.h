@@ -9,6 +9,9 @@
 /// Output modes: two-letter codes for people and hosts, numbers 1 to 21 in the controller.
 namespace velk::parameters {
 
+/// Outputs count from 1.
+constexpr Byte lastOutput = 99;
+
 constexpr Byte lastMode = 21;
 
 /// The number that two-way dimmers ("DI") and rollers ("RO") share in the controller.

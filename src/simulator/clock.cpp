@@ -36,9 +36,8 @@ void put(Store& store, ClockByte field, unsigned value) {
 
 void addDays(Store& store, days count) {
   using namespace std::chrono;
-  constexpr unsigned weekdays = 7;
   put(store, weekday,
-      (get(store, weekday) + weekdays - 1 + static_cast<unsigned>(count.count())) % weekdays + 1);
+      (get(store, weekday) + daysOfWeek - 1 + static_cast<unsigned>(count.count())) % daysOfWeek + 1);
   const year_month_day date{std::chrono::year(century + static_cast<int>(get(store, ClockByte::year))),
                             std::chrono::month(get(store, ClockByte::month)),
                             std::chrono::day(get(store, ClockByte::day))};

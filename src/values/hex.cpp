@@ -1,5 +1,7 @@
 #include "values/hex.h"
 
+#include <stdexcept>
+
 #include "values/digits.h"
 
 namespace velk {
@@ -33,6 +35,17 @@ std::string capitalHex(std::string_view bytes, std::string_view gap) {
 
 std::optional<Byte> byteOfHex(std::string_view digits) {
   return digits.size() == 2 ? wholeNumber<Byte>(digits, 16) : std::nullopt;
+}
+
+Bytes bytesOfHex(std::string_view digits) {
+  Bytes bytes;
+  for (std::size_t i = 0; i < digits.size(); i += 2) {
+    const std::string_view pair = digits.substr(i, 2);
+    const auto byte = byteOfHex(pair);
+    if (!byte) throw std::invalid_argument("\"" + std::string(pair) + "\" is no pair of hexadecimal digits");
+    bytes += character(*byte);
+  }
+  return bytes;
 }
 
 }  // namespace velk

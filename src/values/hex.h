@@ -22,4 +22,7 @@ std::string capitalHex(std::string_view bytes, std::string_view gap = {});
 /// The byte of two digits, with small or capital letters; none for any other text.
 std::optional<Byte> byteOfHex(std::string_view digits);
 
+/// The bytes of pairs of them. Throws std::invalid_argument with a sentence.
+Bytes bytesOfHex(std::string_view digits);
+
 }  // namespace velk

@@ -47,6 +47,8 @@ constexpr Byte toBcd(Byte number) {
   return checkedByte(number / 10 * 16 + number % 10);
 }
 
+constexpr int daysOfWeek = 7;
+
 /// The hours of a day, and the numbers that they run through in packed BCD: 0x00 to 0x23.
 constexpr int hoursOfDay = 24;
 constexpr int bcdHoursOfDay = toBcd(hoursOfDay - 1) + 1;

@@ -7,7 +7,6 @@
 #include "cli/shared/files.h"
 #include "cli/velk/backup/check.h"
 #include "cli/velk/backup/checksum.h"
-#include "cli/velk/things/words.h"
 #include "values/hex.h"
 
 namespace velk::cli {

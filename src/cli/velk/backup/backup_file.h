@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/velk/backup/lines.h"
-#include "cli/velk/things/module.h"
+#include "cli/velk/backup/saved_module.h"
 #include "simulator/store.h"
 
 namespace velk::cli {

@@ -4,8 +4,6 @@
 #include <stdexcept>
 
 #include "cli/velk/backup/event_list.h"
-#include "cli/velk/things/output.h"
-#include "cli/velk/things/words.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
 #include "timed/simulation.h"
@@ -57,7 +55,7 @@ void checkComplete(const Lines& lines) {
   for (const Address line : fixed) {
     if (!lines.contains(line)) fail(line, "is missing");
   }
-  for (int day = 0; day < weekdays; ++day) {
+  for (int day = 0; day < daysOfWeek; ++day) {
     for (int hour = 0; hour < hoursOfDay; ++hour) {
       checkEvents(lines, timed::eventList(static_cast<Byte>(day), static_cast<Byte>(hour)), expected);
     }
@@ -68,7 +66,7 @@ void checkComplete(const Lines& lines) {
 }
 
 void checkModes(const Lines& lines) {
-  for (int output = 1; output <= lastOutput; ++output) {
+  for (int output = 1; output <= parameters::lastOutput; ++output) {
     const Byte mode = byteOf(
         lines, {.area = Area::external, .page = static_cast<Byte>(output), .offset = parameters::modeOffset});
     if (mode > parameters::lastMode) {

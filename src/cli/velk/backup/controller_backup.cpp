@@ -3,6 +3,7 @@
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/progress.h"
+#include "cli/velk/things/module.h"
 
 namespace velk::cli {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/velk/backup/difference.h"
+#include "component/serial.h"
 
 namespace velk::cli {
 

@@ -5,7 +5,7 @@
 #include "cli/shared/failure.h"
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/connection/expect_done.h"
-#include "cli/velk/things/words.h"
+#include "cli/velk/things/module.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/loopback_host.h"

@@ -5,6 +5,7 @@
 
 #include "cli/shared/failure.h"
 #include "cli/velk/connection/expect_done.h"
+#include "cli/velk/things/module.h"
 #include "modules/restoration.h"
 #include "values/result.h"
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/velk/backup/backup_file.h"
+#include "component/serial.h"
 
 /// Modules on their way back: `Module` does not write everything as it reads it.
 namespace velk::cli {

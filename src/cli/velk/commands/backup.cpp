@@ -8,6 +8,7 @@
 #include "cli/velk/backup/restorable_module.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
+#include "cli/velk/things/module.h"
 
 namespace velk::cli {
 namespace {

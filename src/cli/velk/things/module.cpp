@@ -7,16 +7,10 @@
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
 #include "modules/restoration.h"
-#include "values/hex.h"
 #include "values/result.h"
 
 namespace velk::cli {
 namespace {
-
-std::string obstacleOf(const Module& module) {
-  return modules::restorationOf({.serialNumber = module.serial, .known = module.known}, module.record)
-      .obstacle;
-}
 
 /// Whether a reply may have come too late, so that it would be taken for one about the next module: no
 /// answer, a trigger that stayed set, or a piece left out.
@@ -39,10 +33,6 @@ void forgetModel(Serial& serial) {
   serial.Module("W", "990000", "");
 }
 
-std::string titleOf(const Module& module) {
-  return "module " + module.serial;
-}
-
 Module readModule(Serial& serial, const std::string& number) {
   Module module{.serial = number, .model = {}, .firmware = {}, .record = {}, .obstacle = {}};
   if (modules::isOwnModule(number)) forgetModel(serial);
@@ -55,30 +45,6 @@ Module readModule(Serial& serial, const std::string& number) {
   expectDone(result, "reading module " + number);
   module.model = label(model);
   module.obstacle = obstacleOf(module);
-  return module;
-}
-
-Json jsonOf(const Module& module) {
-  return {{"serial", module.serial},
-          {"model", module.model},
-          {"cpu", module.cpuType},
-          {"firmware", module.firmware},
-          {"record", hex(module.record)},
-          {"known", module.known},
-          {"restorable", module.obstacle.empty()}};
-}
-
-Module moduleOfJson(const Json& json) {
-  Module module{.serial = json.at("serial").get<std::string>(),
-                .model = json.at("model").get<std::string>(),
-                .cpuType = json.at("cpu").get<Byte>(),
-                .firmware = json.at("firmware").get<std::string>(),
-                .record = bytesOfHex(json.at("record").get<std::string>()),
-                .obstacle = {}};
-  // Older files do not tell. A known model has a name, or the firmware of the series that does not tell it.
-  module.known = json.value("known", !module.model.empty() || module.firmware == "1.0");
-  module.obstacle = obstacleOf(module);
-  if (module.obstacle.empty() && !json.value("restorable", true)) module.obstacle = "its backup says so";
   return module;
 }
 

@@ -8,10 +8,11 @@
 #include "cli/velk/things/details.h"
 #include "component/serial.h"
 #include "parameters/items.h"
+#include "parameters/modes.h"
 
 namespace velk::cli {
 
-constexpr Byte lastOutput = 99;
+using parameters::lastOutput;
 
 /// An output: mode and parameter items.
 struct Output {

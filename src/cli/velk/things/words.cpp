@@ -1,10 +1,8 @@
 #include "cli/velk/things/words.h"
 
 #include <array>
-#include <stdexcept>
 
 #include "cli/shared/escapes.h"
-#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -67,17 +65,6 @@ std::string numbers(std::string_view bytes) {
 
 std::string named(const std::string& text, const std::string& name) {
   return name.empty() ? text : text + " " + name;
-}
-
-Bytes bytesOfHex(std::string_view digits) {
-  Bytes bytes;
-  for (std::size_t i = 0; i < digits.size(); i += 2) {
-    const std::string_view pair = digits.substr(i, 2);
-    const auto byte = byteOfHex(pair);
-    if (!byte) throw std::invalid_argument("\"" + std::string(pair) + "\" is no pair of hexadecimal digits");
-    bytes += character(*byte);
-  }
-  return bytes;
 }
 
 }  // namespace velk::cli

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "values/bytes.h"
+#include "values/numbers.h"
 
 /// Values of the controller as people read them.
 namespace velk::cli {
@@ -17,7 +18,7 @@ std::string timeOfDay(int hour, int minute);
 /// "07:30:05".
 std::string timeOfDay(int hour, int minute, int second);
 
-constexpr int weekdays = 7;
+constexpr int weekdays = daysOfWeek;
 
 /// The name of a weekday, 0 for Monday; "day N" outside 0 to 6.
 std::string weekday(int day);
@@ -30,8 +31,5 @@ std::string numbers(std::string_view bytes);
 
 /// "Hall ceiling" behind "output 5", if it has a name.
 std::string named(const std::string& text, const std::string& name);
-
-/// The bytes of pairs of hexadecimal digits. Throws std::invalid_argument with a sentence.
-Bytes bytesOfHex(std::string_view digits);
 
 }  // namespace velk::cli
