@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 #include "support/target.h"
 
 namespace velk::fuzz {

@@ -1,11 +1,11 @@
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
+#include "cli/house/checksum.h"
 #include "cli/tool.h"
-#include "cli/velk/backup/checksum.h"
 
 namespace velk::cli {
 namespace {

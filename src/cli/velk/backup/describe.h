@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/velk/backup/lines.h"
+#include "cli/house/lines.h"
 #include "cli/velk/things/details.h"
 #include "component/serial.h"
 

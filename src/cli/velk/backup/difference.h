@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 
 namespace velk::cli {
 

@@ -1,6 +1,6 @@
 #include "cli/velk/backup/memory_reader.h"
 
-#include "cli/velk/backup/event_list.h"
+#include "cli/house/event_list.h"
 #include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/words.h"
 #include "timed/simulation.h"

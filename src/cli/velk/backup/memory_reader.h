@@ -2,8 +2,8 @@
 
 #include <functional>
 
+#include "cli/house/backup_file.h"
 #include "cli/shared/interrupts.h"
-#include "cli/velk/backup/backup_file.h"
 #include "component/serial.h"
 
 namespace velk::cli {

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "cli/house/backup_file.h"
 #include "cli/shared/files.h"
-#include "cli/velk/backup/backup_file.h"
 
 namespace velk::cli {
 

@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 #include "component/serial.h"
 
 /// Modules on their way back: `Module` does not write everything as it reads it.

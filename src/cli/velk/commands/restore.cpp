@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "cli/house/check.h"
+#include "cli/house/event_list.h"
 #include "cli/shared/terminal.h"
-#include "cli/velk/backup/check.h"
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/describe.h"
-#include "cli/velk/backup/event_list.h"
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"

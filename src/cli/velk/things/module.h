@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/velk/backup/saved_module.h"
+#include "cli/house/saved_module.h"
 #include "cli/velk/things/details.h"
 #include "component/serial.h"
 

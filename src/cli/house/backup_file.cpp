@@ -1,12 +1,12 @@
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 
 #include <iostream>
 #include <sstream>
 
+#include "cli/house/check.h"
+#include "cli/house/checksum.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/files.h"
-#include "cli/velk/backup/check.h"
-#include "cli/velk/backup/checksum.h"
 #include "values/hex.h"
 
 namespace velk::cli {

@@ -1,4 +1,4 @@
-#include "cli/velk/backup/event_list.h"
+#include "cli/house/event_list.h"
 
 #include <algorithm>
 

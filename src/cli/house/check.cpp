@@ -1,9 +1,9 @@
-#include "cli/velk/backup/check.h"
+#include "cli/house/check.h"
 
 #include <set>
 #include <stdexcept>
 
-#include "cli/velk/backup/event_list.h"
+#include "cli/house/event_list.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
 #include "timed/simulation.h"

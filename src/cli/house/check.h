@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/velk/backup/backup_file.h"
+#include "cli/house/backup_file.h"
 
 /// What has to hold of the lines of a backup before they are believed. Each throws std::invalid_argument with
 /// a sentence that names the first place where it does not.

@@ -1,4 +1,4 @@
-#include "cli/velk/backup/checksum.h"
+#include "cli/house/checksum.h"
 
 #include <array>
 

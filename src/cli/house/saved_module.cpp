@@ -1,4 +1,4 @@
-#include "cli/velk/backup/saved_module.h"
+#include "cli/house/saved_module.h"
 
 #include "modules/restoration.h"
 #include "values/hex.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/velk/backup/lines.h"
-#include "cli/velk/backup/saved_module.h"
+#include "cli/house/lines.h"
+#include "cli/house/saved_module.h"
 #include "simulator/store.h"
 
 namespace velk::cli {

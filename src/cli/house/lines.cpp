@@ -1,4 +1,4 @@
-#include "cli/velk/backup/lines.h"
+#include "cli/house/lines.h"
 
 #include "values/hex.h"
 
