@@ -8,14 +8,10 @@
 namespace velk::simulator {
 namespace {
 
-constexpr Address triggerPlace{.page = 0, .offset = 0};
 constexpr Address headerPlace{.page = 0, .offset = 0x0A};
-constexpr Address numberPlace{.page = 0, .offset = 0x0B};
 constexpr Address dataPlace{.page = 0, .offset = 0x10};
 constexpr Address longBuffer{.area = Area::highBlock, .page = 26, .offset = 0};
-constexpr Byte triggered = 255;
 constexpr Byte marker = 222;
-constexpr std::size_t headerSize = 5;
 constexpr Byte firstSample = 16;
 
 /// Direction bytes that mean the same; the count of bytes grows along the row.
@@ -167,7 +163,7 @@ void MailboxDevice::beforeRead(Store& store, const Transfer& transfer) {
 }
 
 void MailboxDevice::start(Store& store) {
-  const Bytes header = store.read(numberPlace, headerSize);
+  const Bytes header = store.read(requestPlace, requestSize);
   const bool isWellFormed = store[headerPlace] == marker || header == lastHeader_;
   lastHeader_ = header;
   module_ = find(decode(header, nullptr).serial);

@@ -10,6 +10,12 @@
 
 namespace velk::simulator {
 
+/// Where a host leaves a request, `decode`'s five bytes, and the byte that it sets to 255 when it is there.
+constexpr Address requestPlace{.page = 0, .offset = 0x0B};
+constexpr std::size_t requestSize = 5;
+constexpr Address triggerPlace{.page = 0, .offset = 0};
+constexpr Byte triggered = 255;
+
 /// What a request asks of a module, decoded from number and direction byte.
 enum class Action : Byte {
   unknown,
@@ -57,6 +63,8 @@ class MailboxDevice final : public Device {
   MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace);
 
   [[nodiscard]] bool covers(Address at) const override;
+  [[nodiscard]] const std::vector<SimulatedModule>& modules() const { return modules_; }
+
   void beforeRead(Store& store, const Transfer& transfer) override;
   void afterWrite(Store& store, const Transfer& transfer) override;
 

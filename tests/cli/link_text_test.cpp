@@ -17,11 +17,12 @@ TEST(LinkText, MeansWhatTheOptionsSay) {
        "serial:/dev/x?fast&baud=32767&address=2"},
       {"serial:COM3?baud=1", "COM3  2 1", "serial:COM3?baud=1&address=2"},
       {"simulate:", "simulated   2 9600", "simulate:"},
+      {"backup:a?b", "a?b  2 9600", "backup:a?b"},
   };
   for (const auto& [text, meaning, name] : rows) {
     const LinkOptions link = parseLink(text);
-    EXPECT_EQ((link.simulate ? "simulated " : "") + link.tcp + link.serial + " " + link.password + " " +
-                  std::to_string(link.busAddress) + " " + std::to_string(link.baud) +
+    EXPECT_EQ((link.simulate ? "simulated " : "") + link.tcp + link.serial + link.backup + " " +
+                  link.password + " " + std::to_string(link.busAddress) + " " + std::to_string(link.baud) +
                   (link.fast ? " fast" : ""),
               meaning);
     EXPECT_EQ(nameOf(link), name);

@@ -5,9 +5,12 @@
 
 #include "cli/house/check.h"
 #include "cli/house/checksum.h"
+#include "cli/house/event_list.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/files.h"
+#include "timed/simulation.h"
 #include "values/hex.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {
@@ -15,6 +18,7 @@ namespace {
 constexpr const char* format = "velk-backup";
 constexpr int unverifiedVersion = 1;
 constexpr int version = 2;
+constexpr std::size_t pageSize = 256;
 
 /// No configuration lies in the fourth.
 constexpr std::array areas{Area::external, Area::block, Area::highBlock};
@@ -45,6 +49,17 @@ std::vector<Module> modulesOf(const Json& json) {
   std::vector<Module> modules;
   for (const Json& module : json.elements()) modules.push_back(moduleOfJson(module));
   return modules;
+}
+
+/// The lines of a list of events up to its end; behind that is nothing.
+void addEvents(const simulator::Store& store, int hour, Lines& lines) {
+  Address line = timed::eventList(static_cast<Byte>(hour / hoursOfDay), static_cast<Byte>(hour % hoursOfDay));
+  Bytes list = store.read(line, pageSize);
+  if (const auto end = endOfEvents(list)) list.resize(*end + 1);
+  for (std::size_t at = 0; at < list.size(); at += lineSize) {
+    line.offset = static_cast<Byte>(at);
+    lines[line] = padded(slice(list, at, lineSize), lineSize, '\0');
+  }
 }
 
 /// The end of a file whose text before it is this one.
@@ -143,6 +158,15 @@ simulator::Store storeOf(const Lines& lines) {
   simulator::Store store;
   for (const auto& [at, bytes] : lines) store.write(at, bytes);
   return store;
+}
+
+Lines linesOf(const simulator::Store& store) {
+  Lines lines;
+  for (const Address line : fixedLines([](ThingKind /*kind*/) { return true; })) {
+    lines[line] = onlyConfiguration(line, store.read(line, lineSize));
+  }
+  for (int hour = 0; hour < daysOfWeek * hoursOfDay; ++hour) addEvents(store, hour, lines);
+  return lines;
 }
 
 }  // namespace velk::cli

@@ -47,7 +47,8 @@ Backup loadBackup(const std::string& path);
 /// The byte at an address; 0 where its line is not there.
 Byte byteOf(const Lines& lines, Address at);
 
-/// The lines as a controller's memory.
+/// The lines as a controller's memory, and the configuration of one as the lines of a complete backup.
 simulator::Store storeOf(const Lines& lines);
+Lines linesOf(const simulator::Store& store);
 
 }  // namespace velk::cli

@@ -23,6 +23,14 @@ std::string keyOf(Address at) {
   return std::string(nameOf(at.area)) + " " + digitsOf(at);
 }
 
+Bytes onlyConfiguration(Address at, Bytes bytes) {
+  for (char& c : bytes) {
+    if (!memory::thingAt(at)) c = '\0';
+    ++at.offset;
+  }
+  return bytes;
+}
+
 std::vector<Address> fixedLines(const Wanted& wanted) {
   constexpr int size = 256;
   std::vector<Address> lines;

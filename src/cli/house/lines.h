@@ -22,6 +22,9 @@ constexpr int lineSize = 16;
 std::string digitsOf(Address at);
 std::string keyOf(Address at);
 
+/// The bytes from an address on with zeros in place of those that are no configuration.
+Bytes onlyConfiguration(Address at, Bytes bytes);
+
 /// Which kinds of things are asked for.
 using Wanted = std::function<bool(ThingKind)>;
 

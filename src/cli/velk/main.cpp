@@ -3,6 +3,7 @@
 #include "cli/shared/guarded.h"
 #include "cli/shared/native_text.h"
 #include "cli/velk/commands/command.h"
+#include "cli/velk/connection/connection.h"
 #include "cli/velk/connection/retry.h"
 
 /// The controller's configuration, and the component's methods, from the command line.
@@ -18,8 +19,10 @@ constexpr const char* notes =
     "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
     "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
     "  VELK_LINK=simulate:\n"
+    "  VELK_LINK=backup:FILE\n"
     "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". An IPv6 address stands in brackets:\n"
-    "[::1]:8445. NO_COLOR switches colours off.\n"
+    "[::1]:8445. A backup file is a house at the desk: commands read and write what it holds, and refuse\n"
+    "what no file holds, the clock above all. NO_COLOR switches colours off.\n"
     "\nExit status:\n"
     "  0  done\n"
     "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
@@ -70,6 +73,6 @@ int main(int argc, char** argv) {
   return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
     const int status = velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
     velk::cli::tellRepeats();
-    return status;
+    return velk::cli::savingFailed() && status == velk::cli::success ? velk::cli::badFile : status;
   });
 }

@@ -13,14 +13,6 @@ std::string placeOf(Address at) {
   return "page " + std::to_string(at.page) + ", offset " + std::to_string(at.offset);
 }
 
-Bytes onlyConfiguration(Address at, Bytes bytes) {
-  for (char& c : bytes) {
-    if (!memory::thingAt(at)) c = '\0';
-    ++at.offset;
-  }
-  return bytes;
-}
-
 /// Fills the lines of one list of events, from the controller where they are not there yet.
 class EventList {
  public:

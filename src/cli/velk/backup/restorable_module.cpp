@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iostream>
 
+#include "cli/house/simulated_modules.h"
 #include "cli/shared/failure.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/things/module.h"
-#include "modules/restoration.h"
 #include "values/result.h"
 
 namespace velk::cli {
@@ -31,10 +31,7 @@ LeftOut leftOut(const Backup& backup, const Backup& now) {
 }
 
 void restoreModule(Serial& serial, const Module& module) {
-  Bytes data =
-      modules::restorationOf({.serialNumber = module.serial, .known = module.known}, module.record).data;
-  if (modules::isOwnModule(module.serial)) forgetModel(serial);
-  expectDone(serial.Module("W", module.serial, data), "writing " + titleOf(module));
+  expectDone(writeModule(serial, module), "writing " + titleOf(module));
   if (readModule(serial, module.serial).record != module.record) {
     expectDone(readsBackDifferent, "reading back " + titleOf(module));
   }

@@ -2,6 +2,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
@@ -44,7 +45,8 @@ struct Interface {
   std::string words;
 };
 
-Interface interfaceOf(const Serial& serial) {
+Interface interfaceOf(const Serial& serial, const LinkOptions& link) {
+  if (!link.backup.empty()) return {"backup", "none: a backup file"};
   if (!serial.TCP) {
     if (serial.NoEcho) return {"fast", "serial line in fast mode"};
     return {"echo", "serial line in echo mode"};
@@ -62,29 +64,34 @@ struct Firmware {
 };
 
 Firmware readFirmware(Serial& serial) {
-  constexpr std::size_t clockEnd = 13;
-  Bytes block;
-  expectRead([&] { return serial.Ctl_Init("R", block); }, "reading the initialisation block");
-  return {.settings = block.substr(0, 3),
-          .controller = block.substr(3, 2),
-          .kind = byteAt(block, 5),
-          .further = block.substr(clockEnd)};
+  constexpr Byte clockEnd = 13;
+  Bytes head;
+  Bytes further;
+  const auto read = [&](Bytes& part, Byte count, Byte offset) {
+    expectRead([&] { return serial.Ctl_Init("R", part, count, offset); }, "reading the initialisation block");
+  };
+  read(head, 6, 0);
+  read(further, 3, clockEnd);
+  return {.settings = head.substr(0, 3),
+          .controller = head.substr(3, 2),
+          .kind = byteAt(head, 5),
+          .further = further};
 }
 
 struct StatusReport {
   std::string link;
   Latency latency;
-  ClockReading clock;
+  std::optional<ClockReading> clock;  ///< none in a backup
   Firmware firmware;
   Interface medium;
 };
 
-StatusReport readStatus(Serial& serial, const std::string& link) {
-  return {.link = link,
+StatusReport readStatus(Serial& serial, const LinkOptions& link) {
+  return {.link = nameOf(link),
           .latency = measure(serial),
-          .clock = readClock(serial),
+          .clock = link.backup.empty() ? std::optional(readClock(serial)) : std::nullopt,
           .firmware = readFirmware(serial),
-          .medium = interfaceOf(serial)};
+          .medium = interfaceOf(serial, link)};
 }
 
 Json jsonOf(const Firmware& firmware) {
@@ -103,7 +110,7 @@ Json jsonOf(const StatusReport& status) {
           {"kind", status.medium.kind},
           {"interface", status.medium.words},
           {"round_trip_ms", jsonOf(status.latency)},
-          {"clock", jsonOf(status.clock)},
+          {"clock", status.clock ? jsonOf(*status.clock) : Json()},
           {"firmware", jsonOf(status.firmware)}};
 }
 
@@ -113,7 +120,9 @@ void print(const StatusReport& status) {
             << "interface   " << medium.words << '\n'
             << "round trip  min " << milliseconds(latency.least) << ", median "
             << milliseconds(latency.median) << ", p95 " << milliseconds(latency.p95) << '\n'
-            << "clock       " << textOf(clock.controller) << ", " << deviationOf(clock) << '\n'
+            << "clock       "
+            << (clock ? textOf(clock->controller) + ", " + deviationOf(*clock) : "none: no backup holds it")
+            << '\n'
             << "firmware    controller " << numbers(firmware.controller) << ", kind " << int{firmware.kind}
             << ", further " << numbers(firmware.further) << '\n'
             << "settings    " << numbers(firmware.settings) << '\n';
@@ -122,7 +131,7 @@ void print(const StatusReport& status) {
 int carryOutStatus(const LinkedOptions& options) {
   const LinkOptions link = options.link.required();
   const auto connection = open(link);
-  const StatusReport status = readStatus(connection->serial(), nameOf(link));
+  const StatusReport status = readStatus(connection->serial(), link);
   if (options.json) {
     std::cout << jsonOf(status) << '\n';
   } else {

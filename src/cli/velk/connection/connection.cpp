@@ -1,10 +1,12 @@
 #include "cli/velk/connection/connection.h"
 
 #include <algorithm>
+#include <iostream>
 #include <stdexcept>
 #include <utility>
 
 #include "cli/shared/serial_line.h"
+#include "cli/velk/connection/house_file.h"
 #include "simulator/clock.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
@@ -35,11 +37,21 @@ Endpoint parseEndpoint(const std::string& text) {
   return {.host = std::move(host), .port = *port};
 }
 
+bool unsaved = false;
+
 }  // namespace
+
+bool savingFailed() {
+  return unsaved;
+}
 
 Connection::Connection(const LinkOptions& options) {
   if (options.simulate) {
     openSimulator(options);
+    return;
+  }
+  if (!options.backup.empty()) {
+    openBackup(options);
     return;
   }
   serial_ = std::make_unique<Serial>();
@@ -47,7 +59,15 @@ Connection::Connection(const LinkOptions& options) {
   if (!options.serial.empty()) openSerial(options);
 }
 
-Connection::~Connection() = default;
+Connection::~Connection() {
+  if (!house_) return;
+  try {
+    house_->save(*serial_);
+  } catch (const std::exception& error) {
+    std::cerr << "velk: " << error.what() << '\n';
+    unsaved = true;
+  }
+}
 
 void Connection::openTcp(const LinkOptions& options) {
   const Endpoint endpoint = parseEndpoint(options.tcp);
@@ -73,6 +93,17 @@ void Connection::openSimulator(const LinkOptions& options) {
   host_->listen(name, port, [this, session] {
     return std::make_unique<simulator::EthernetQSession>(*controller_, session);
   });
+  serial_ = std::make_unique<Serial>(*host_);
+  result_ = serial_->OpenTCP(name, port, "", options.busAddress);
+}
+
+void Connection::openBackup(const LinkOptions& options) {
+  constexpr const char* name = "backup";
+  constexpr std::uint16_t port = 1;
+  house_ = std::make_unique<HouseFile>(options.backup);
+  host_ = std::make_unique<simulator::LoopbackHost>();
+  host_->transferTime = std::chrono::milliseconds(1);
+  host_->listen(name, port, [this, address = options.busAddress] { return house_->session(address); });
   serial_ = std::make_unique<Serial>(*host_);
   result_ = serial_->OpenTCP(name, port, "", options.busAddress);
 }

@@ -21,13 +21,19 @@ struct LinkOptions {
   std::int16_t baud = 9600;
   bool fast = false;
   bool simulate = false;
+  std::string backup;  ///< a backup file: the house in it
 };
 
-/// A `Serial` object and the link that it is open on.
+class HouseFile;
+
+/// Whether what was written to a backup file could not be saved, which was told.
+bool savingFailed();
+
+/// A `Serial` object and the link that it is open on. At the end a backup file that was written to is saved.
 class Connection {
  public:
   /// Opens the link, if one is asked for: `result` tells how that went, like the methods that open it. Throws
-  /// std::invalid_argument with a sentence.
+  /// std::invalid_argument with a sentence, `Failure` when a backup file cannot be read.
   explicit Connection(const LinkOptions& options);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -40,7 +46,9 @@ class Connection {
   void openTcp(const LinkOptions& options);
   void openSerial(const LinkOptions& options);
   void openSimulator(const LinkOptions& options);
+  void openBackup(const LinkOptions& options);
 
+  std::unique_ptr<HouseFile> house_;
   std::unique_ptr<simulator::Controller> controller_;
   std::unique_ptr<simulator::LoopbackHost> host_;
   std::unique_ptr<Serial> serial_;

@@ -23,7 +23,7 @@ int number(std::string_view name, std::string_view digits, int lowest, int highe
   return *value;
 }
 
-enum class Medium : Byte { tcp, serial, simulate };
+enum class Medium : Byte { tcp, serial, simulate, backup };
 
 struct Scheme {
   std::string_view prefix;
@@ -34,6 +34,7 @@ constexpr std::array schemes{
     Scheme{"tcp://", Medium::tcp},
     Scheme{"serial:", Medium::serial},
     Scheme{"simulate:", Medium::simulate},
+    Scheme{"backup:", Medium::backup},
 };
 
 struct Setting {
@@ -83,6 +84,7 @@ void setTarget(LinkOptions& link, Medium medium, std::string_view target) {
   link.simulate = medium == Medium::simulate;
   if (medium == Medium::tcp) link.tcp = target;
   if (medium == Medium::serial) link.serial = target;
+  if (medium == Medium::backup) link.backup = target;
 }
 
 }  // namespace
@@ -91,9 +93,12 @@ LinkOptions parseLink(const std::string& text) {
   const auto* const scheme = std::find_if(schemes.begin(), schemes.end(), [&](const Scheme& row) {
     return text.compare(0, row.prefix.size(), row.prefix) == 0;
   });
-  if (scheme == schemes.end()) fail("starts with tcp://, serial: or simulate:, unlike \"" + text + "\"");
+  if (scheme == schemes.end())
+    fail("starts with tcp://, serial:, simulate: or backup:, unlike \"" + text + "\"");
   const std::string_view rest = std::string_view(text).substr(scheme->prefix.size());
-  const auto question = std::min(rest.find('?'), rest.size());
+  // Nothing is to be set in a file, whose name may have a "?".
+  const bool isFile = scheme->medium == Medium::backup;
+  const auto question = isFile ? rest.size() : std::min(rest.find('?'), rest.size());
   LinkOptions link;
   setTarget(link, scheme->medium, rest.substr(0, question));
   applyAll(link, scheme->medium, rest.substr(std::min(question + 1, rest.size())));
@@ -102,6 +107,7 @@ LinkOptions parseLink(const std::string& text) {
 
 std::string nameOf(const LinkOptions& link) {
   if (link.simulate) return "simulate:";
+  if (!link.backup.empty()) return "backup:" + link.backup;
   const std::string address = "address=" + std::to_string(link.busAddress);
   if (!link.tcp.empty()) return "tcp://" + link.tcp + "?" + address;
   return "serial:" + link.serial + (link.fast ? "?fast&baud=" : "?baud=") + std::to_string(link.baud) + "&" +

@@ -11,6 +11,7 @@ namespace velk::cli {
 ///     tcp://HOST:PORT?password=TEXT&address=N
 ///     serial:DEVICE?fast&baud=N&address=N
 ///     simulate:
+///     backup:FILE
 ///
 /// What stands behind "?" may be left out. Texts have escapes ("\x26" is "&"). Throws std::invalid_argument
 /// with a sentence.

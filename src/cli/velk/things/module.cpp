@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "cli/house/simulated_modules.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
@@ -27,11 +28,6 @@ bool isKnown(const std::string& number, Byte pieces) {
 }
 
 }  // namespace
-
-void forgetModel(Serial& serial) {
-  // Modules of this type have no identification to ask for, and an empty record is refused: nothing is sent.
-  serial.Module("W", "990000", "");
-}
 
 Module readModule(Serial& serial, const std::string& number) {
   Module module{.serial = number, .model = {}, .firmware = {}, .record = {}, .obstacle = {}};
