@@ -1,8 +1,7 @@
 #include "simulator/house_modules.h"
 
+#include <algorithm>
 #include <memory>
-
-#include "simulator/mailbox.h"
 
 namespace velk::simulator {
 namespace {
@@ -67,10 +66,19 @@ const std::vector<ModuleRow>& rows() {
 
 }  // namespace
 
-void attachModules(Controller& controller, const Faults& faults, const Trace& trace) {
-  std::vector<SimulatedModule> modules;
-  for (const ModuleRow& row : rows()) modules.emplace_back(row);
-  controller.attach(std::make_unique<MailboxDevice>(std::move(modules), faults, trace));
+const MailboxDevice& attachModules(Controller& controller, const Faults& faults, const Trace& trace,
+                                   std::vector<SimulatedModule> others) {
+  std::vector<SimulatedModule> modules = std::move(others);
+  for (const ModuleRow& row : rows()) {
+    const bool isThere = std::any_of(modules.begin(), modules.end(), [&](const SimulatedModule& module) {
+      return module.serial() == row.serial;
+    });
+    if (!isThere) modules.emplace_back(row);
+  }
+  auto mailbox = std::make_unique<MailboxDevice>(std::move(modules), faults, trace);
+  const MailboxDevice& attached = *mailbox;
+  controller.attach(std::move(mailbox));
+  return attached;
 }
 
 }  // namespace velk::simulator

@@ -6,6 +6,8 @@
 
 #include "cli/house/checksum.h"
 #include "cli/tool.h"
+#include "simulator/house.h"
+#include "values/hex.h"
 
 namespace velk::cli {
 namespace {
@@ -70,6 +72,15 @@ TEST(BackupFileTest, IsWrittenAsItIsRead) {
   EXPECT_EQ(byteOf(backup.lines, {.area = Area::external, .page = 5, .offset = 31}), 1);
   EXPECT_EQ(textOf(backup), smallFile);
   EXPECT_EQ(textOf(parseBackup(wholeHouse())), wholeHouse());
+}
+
+TEST(BackupFileTest, TheSmallHouseIsTheOneThatTestsAndExamplesLeanOn) {
+  const Backup backup = parseBackup(contentOf(VELK_TESTS_DIR "/cli/house.json"));
+  EXPECT_EQ(backup.condition, Condition::unverified);
+  simulator::Store store = storeOf(backup.lines);
+  store.write({.page = 255, .offset = 247}, bytesOfHex("000030201001040324"));
+  EXPECT_TRUE(store == simulator::house());
+  EXPECT_EQ(linesOf(store), parseBackup(wholeHouse()).lines);
 }
 
 /// Lines of a file changed in every place, left out, doubled, and each one put in another's place: all lines

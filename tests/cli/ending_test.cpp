@@ -26,7 +26,7 @@ TEST(Ending, AnInterruptedRestorationGoesOn) {
   ASSERT_EQ(velk("backup --simulate " + folder / "a").status, 0);
   // The first write is request 4015. What follows takes some twenty seconds, so that the signal comes in
   // time.
-  House house("--trace --fault late=100@4016- --image " + folder.put("empty", emptyImage));
+  House house("--trace --fault late=100@4016- --house " + folder.put("empty", emptyHouse));
   Tool restore("exec velk " + house.with("restore --yes --only outputs,presets --json " + folder / "a"));
   ASSERT_TRUE(house.simulator.reaches("write"));
   EXPECT_EQ(restore.finish(SIGINT), 130);

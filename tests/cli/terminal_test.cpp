@@ -36,7 +36,7 @@ Ended onTerminal(const std::string& line, const std::string& answer = {}) {
 
 TEST(Terminal, ARestorationAsksBeforeItWrites) {
   const Folder folder;
-  const House house("--image " + folder.put("empty", emptyImage));
+  const House house("--house " + folder.put("empty", emptyHouse));
   ASSERT_EQ(velk("backup --simulate " + folder / "a").status, 0);
   const std::string restore = house.with("restore --only presets " + folder / "a");
   for (const char* const no : {"n\n", "\n", "yesterday\n"})

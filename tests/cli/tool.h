@@ -194,7 +194,9 @@ inline std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-/// A memory image of a controller in which nothing is configured.
-constexpr const char* emptyImage = "velk-memory 1\nend\n";
+/// A backup of a controller in which nothing is configured: lines that are missing in format 1 mean zeros.
+constexpr const char* emptyHouse =
+    R"({"format":"velk-backup","version":1,"begun":"","link":"","complete":true,)"
+    R"("memory":{"V":{},"H":{},"H+":{}},"modules":[]})";
 
 }  // namespace velk::cli

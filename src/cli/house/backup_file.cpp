@@ -1,5 +1,7 @@
 #include "cli/house/backup_file.h"
 
+#include <array>
+#include <ctime>
 #include <iostream>
 #include <sstream>
 
@@ -77,6 +79,12 @@ bool isIntact(std::string_view text) {
 
 }  // namespace
 
+std::string now() {
+  const std::time_t time = std::time(nullptr);
+  std::array<char, 32> text{};
+  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&time))};
+}
+
 std::string textOf(const Backup& backup) {
   Json json{{"format", format},
             {"version", version},
@@ -121,13 +129,13 @@ Backup parseBackup(std::string text) {
   return backup;
 }
 
-Backup loadBackup(const std::string& path) {
+Backup loadBackup(const std::string& path, std::string_view program) {
   const auto fail = [&](const std::string& why) { return Failure(badFile, path + ": " + why); };
   try {
     Backup backup = parseBackup(readFile(path));
     if (!backup.complete) throw fail("the backup is unfinished");
     if (backup.condition != Condition::intact) {
-      std::cerr << "velk: " << path << ": " << textOf(backup.condition) << '\n';
+      std::cerr << program << ": " << path << ": " << textOf(backup.condition) << '\n';
     }
     return backup;
   } catch (const std::invalid_argument& error) {

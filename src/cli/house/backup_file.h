@@ -33,6 +33,9 @@ struct Backup {
   Condition condition = Condition::intact;
 };
 
+/// The local time, as `begun` has it.
+std::string now();
+
 /// The text of a backup file, always of format 2.
 std::string textOf(const Backup& backup);
 
@@ -42,7 +45,7 @@ Backup parseBackup(std::string text);
 
 /// Reads a backup; tells on standard error when it is not intact. Throws `Failure` with `badFile`, for an
 /// unfinished one too.
-Backup loadBackup(const std::string& path);
+Backup loadBackup(const std::string& path, std::string_view program = "velk");
 
 /// The byte at an address; 0 where its line is not there.
 Byte byteOf(const Lines& lines, Address at);

@@ -33,6 +33,32 @@ simulator::SimulatedModule blankModule(const Module& module) {
                                      .record = {}});
 }
 
+/// A controller that has modules and nothing else.
+class Bus {
+ public:
+  explicit Bus(std::vector<simulator::SimulatedModule> modules) : serial_(host_) {
+    constexpr const char* name = "modules";
+    auto mailbox = std::make_unique<simulator::MailboxDevice>(std::move(modules), simulator::Faults{},
+                                                              simulator::Trace{});
+    mailbox_ = mailbox.get();
+    controller_.attach(std::move(mailbox));
+    host_.transferTime = std::chrono::milliseconds(1);
+    host_.listen(name, 1, [this] {
+      return std::make_unique<simulator::EthernetSSession>(controller_, simulator::SessionOptions{});
+    });
+    serial_.OpenTCP(name, 1);
+  }
+
+  [[nodiscard]] Serial& serial() { return serial_; }
+  [[nodiscard]] const std::vector<simulator::SimulatedModule>& modules() const { return mailbox_->modules(); }
+
+ private:
+  simulator::Controller controller_;
+  simulator::LoopbackHost host_;
+  Serial serial_;
+  simulator::MailboxDevice* mailbox_ = nullptr;
+};
+
 }  // namespace
 
 void forgetModel(Serial& serial) {
@@ -47,27 +73,28 @@ Byte writeModule(Serial& serial, const Module& module) {
   return serial.Module("W", module.serial, data);
 }
 
-// The records are written as a host writes them, so that the translation of records is undone in one place.
+// Records are written and read as a host does, so that their translation has one place.
 std::vector<simulator::SimulatedModule> simulatedModules(const std::vector<Module>& modules) {
-  constexpr const char* name = "modules";
   std::vector<simulator::SimulatedModule> blank;
-  for (const Module& module : modules) blank.push_back(blankModule(module));
-  auto mailbox =
-      std::make_unique<simulator::MailboxDevice>(std::move(blank), simulator::Faults{}, simulator::Trace{});
-  const auto& filled = mailbox->modules();
-  simulator::Controller controller;
-  controller.attach(std::move(mailbox));
-  simulator::LoopbackHost host;
-  host.transferTime = std::chrono::milliseconds(1);
-  host.listen(name, 1, [&controller] {
-    return std::make_unique<simulator::EthernetSSession>(controller, simulator::SessionOptions{});
-  });
-  Serial serial(host);
-  serial.OpenTCP(name, 1);
   for (const Module& module : modules) {
-    if (module.obstacle.empty()) writeModule(serial, module);
+    if (module.obstacle.empty()) blank.push_back(blankModule(module));
   }
-  return filled;
+  Bus bus(std::move(blank));
+  for (const Module& module : modules) {
+    if (module.obstacle.empty()) writeModule(bus.serial(), module);
+  }
+  return bus.modules();
+}
+
+std::vector<Module> savedModules(std::vector<Module> modules,
+                                 const std::vector<simulator::SimulatedModule>& simulated) {
+  Bus bus(simulated);
+  for (Module& module : modules) {
+    if (!module.obstacle.empty()) continue;
+    if (modules::isOwnModule(module.serial)) forgetModel(bus.serial());
+    bus.serial().Module("R", module.serial, module.record);
+  }
+  return modules;
 }
 
 }  // namespace velk::cli

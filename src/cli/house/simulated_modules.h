@@ -15,8 +15,12 @@ Byte writeModule(Serial& serial, const Module& module);
 /// not tell its model itself.
 void forgetModel(Serial& serial);
 
-/// The modules of a backup as the simulated bus has them: each reads as it was saved. Of one that cannot be
-/// written back (see `Module::obstacle`) nothing is known but what it is.
+/// The modules of a backup as the simulated bus has them: each reads as it was saved. Those that cannot be
+/// written back (see `Module::obstacle`) are left out.
 std::vector<simulator::SimulatedModule> simulatedModules(const std::vector<Module>& modules);
+
+/// The modules of a backup with the records that simulated ones have now, where they are among these.
+std::vector<Module> savedModules(std::vector<Module> modules,
+                                 const std::vector<simulator::SimulatedModule>& simulated);
 
 }  // namespace velk::cli

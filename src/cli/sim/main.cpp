@@ -2,8 +2,9 @@
 #include <limits>
 #include <mutex>
 #include <optional>
-#include <sstream>
 
+#include "cli/house/backup_file.h"
+#include "cli/house/simulated_modules.h"
 #include "cli/shared/command_line.h"
 #include "cli/shared/escapes.h"
 #include "cli/shared/failure.h"
@@ -19,7 +20,6 @@
 #include "simulator/ethernet_sessions.h"
 #include "simulator/house.h"
 #include "simulator/house_modules.h"
-#include "simulator/image.h"
 #include "simulator/serial_sessions.h"
 
 /// The simulated controller behind TCP ports and serial lines.
@@ -39,7 +39,7 @@ constexpr const char* examples =
     "\nExamples:\n"
     "  velk-sim --tcp 8445 --trace\n"
     "  velk-sim --tcp-q 0 --tcp-s 0 --echo --fast\n"
-    "  velk-sim --tcp 8445 --password 1234 --image house.txt --save house.txt\n"
+    "  velk-sim --tcp 8445 --password 1234 --house house.json --save house.json\n"
     "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
 
 /// Until a signal comes.
@@ -54,7 +54,7 @@ struct Options {
   std::vector<std::string> fast;
   int baud = 9600;
   int busAddress = 2;
-  std::string image;
+  std::string house;
   std::string save;
   bool trace = false;
   std::vector<std::string> faults;
@@ -91,9 +91,8 @@ void declare(const CommandLine& line, Options& options) {
   line.option("--fast", options.fast, "Serve fast mode likewise").typeName("[DEVICE]").valueOptional();
   line.option("--baud", options.baud, "Rate of serial devices in bit/s").showDefault();
   line.option("--address", options.busAddress, "Bus address of the controller").showDefault().range(0, 255);
-  line.option("--image", options.image, "Start from a memory image, else from a small house")
-      .typeName("FILE");
-  line.option("--save", options.save, "Save the memory image at the end").typeName("FILE");
+  line.option("--house", options.house, "Start from a backup file, else from a small house").typeName("FILE");
+  line.option("--save", options.save, "Save the house at the end, as a backup file").typeName("FILE");
   line.flag("--trace", options.trace, "Print each request and its reply");
   line.option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
       .typeName("KIND[=N]@WHICH")
@@ -157,20 +156,23 @@ void waitForTheEnd(double seconds) {
   while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 
-simulator::Store startOf(const std::string& image) {
-  if (image.empty()) return simulator::house();
-  std::istringstream in(readFile(image));
-  try {
-    return simulator::readImage(in);
-  } catch (const simulator::ImageError& error) {
-    throw Failure(badFile, image + ": " + error.what());
-  }
+/// What no file holds: the clock, which starts as that of the small house.
+void setClock(simulator::Store& store) {
+  constexpr std::size_t size = 9;
+  constexpr link::Address clock{.page = 255, .offset = 247};
+  store.write(clock, simulator::house().read(clock, size));
 }
 
-void save(OutputFile& file, const simulator::Store& store) {
-  std::ostringstream out;
-  simulator::writeImage(out, store);
-  file.write(out.str());
+/// The house to start with: that of a file, or a small one.
+Backup startOf(const std::string& file) {
+  if (!file.empty()) return loadBackup(file, "velk-sim");
+  return {.begun = {}, .link = {}, .lines = linesOf(simulator::house()), .modules = {}};
+}
+
+simulator::Store memoryOf(const Backup& house) {
+  simulator::Store store = storeOf(house.lines);
+  setClock(store);
+  return store;
 }
 
 /// Serves until the end. Throws `Failure` with `noLink` when an interface cannot be opened.
@@ -202,14 +204,22 @@ void run(Options& options) {
     options.portsQ.push_back(0);
   }
   const SessionOptions session = sessionOptions(options);
-  Controller controller(startOf(options.image));
-  std::optional<OutputFile> image;
-  if (!options.save.empty()) image.emplace(options.save);
+  Backup house = startOf(options.house);
+  Controller controller(memoryOf(house));
+  std::optional<OutputFile> file;
+  if (!options.save.empty()) file.emplace(options.save);
   controller.attach(
       std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
-  simulator::attachModules(controller, session.faults, session.trace);
+  const auto& modules =
+      simulator::attachModules(controller, session.faults, session.trace, simulatedModules(house.modules));
   serveAll(options, session, controller);
-  if (image) save(*image, controller.snapshot());
+  if (!file) return;
+  house.begun = now();
+  house.link = "simulate:";
+  house.complete = true;
+  house.lines = linesOf(controller.snapshot());
+  house.modules = savedModules(std::move(house.modules), modules.modules());
+  file->write(textOf(house));
 }
 
 int carryOut(int argc, char** argv) {

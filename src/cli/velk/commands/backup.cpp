@@ -1,6 +1,4 @@
-#include <array>
 #include <chrono>
-#include <ctime>
 
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/part_file.h"
@@ -28,12 +26,6 @@ struct BackupOptions : LinkedOptions {
     line.flag("--fresh", fresh, "Do not continue an unfinished backup");
   }
 };
-
-std::string now() {
-  const std::time_t time = std::time(nullptr);
-  std::array<char, 32> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", std::localtime(&time))};
-}
 
 /// An unfinished backup of the same controller, or a new one. The controller itself is asked: another link
 /// may lead to the same one, and the same device to another one, in the next house.
