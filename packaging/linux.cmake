@@ -71,7 +71,7 @@ install(FILES ${PROJECT_BINARY_DIR}/velk.bash DESTINATION ${CMAKE_INSTALL_DATADI
         RENAME velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES ${documents} README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY examples/linux DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(DIRECTORY examples/linux packaging/systemd DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME velkcom)

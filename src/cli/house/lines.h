@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 #include <vector>
@@ -17,6 +18,10 @@ using memory::ThingKind;
 
 /// How many bytes one transaction reads, from an offset that is a multiple of it.
 constexpr int lineSize = 16;
+
+/// The two bytes that the links of source 0 share with the mailbox for modules, which overwrites them.
+inline constexpr std::array sharedWithMailbox{Address{.page = 0, .offset = 31},
+                                              Address{.page = 0, .offset = 32}};
 
 /// A byte's page and offset as backups write them, in hexadecimal digits, and its whole name: "V 0510".
 std::string digitsOf(Address at);

@@ -12,6 +12,7 @@ enum ExitStatus : int {
   runtimeError = 3,   ///< the method raised a run-time error
   noLink = 4,         ///< the link, or an interface of the simulator, cannot be opened; `diff`: it failed
   badFile = 5,        ///< a file, or standard output, cannot be read or written
+  unchanged = 6,      ///< `backup --keep`: nothing was written, since nothing has changed
   interrupted = 130,  ///< Ctrl-C, or what else asks a program to end, came during a transfer
 };
 

@@ -55,7 +55,7 @@ int statusOf(std::string_view program, const std::function<int()>& carryOut) {
 int guarded(std::string_view program, const std::function<int()>& carryOut) {
   system::holdStandardStreams();
   const int status = statusOf(program, carryOut);
-  const bool isError = status != success && status != badResult;
+  const bool isError = status != success && status != badResult && status != unchanged;
   return outputFailed(program) && !isError ? badFile : status;
 }
 

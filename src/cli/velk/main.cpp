@@ -32,6 +32,7 @@ constexpr const char* notes =
     "  3  a run-time error of the link\n"
     "  4  the link could not be opened; diff: it failed\n"
     "  5  a file, or standard output, cannot be read or written\n"
+    "  6  backup --keep: nothing has changed, and nothing was written\n"
     "  130  Ctrl-C, or what else asks a program to end, came while it read or wrote\n"
     "\nExamples:\n"
     "  velk outputs --simulate\n"

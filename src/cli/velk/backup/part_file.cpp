@@ -7,9 +7,9 @@
 
 namespace velk::cli {
 
-PartFile::PartFile(const OutputFile& backup, bool afresh) {
+PartFile::PartFile(const OutputFile& backup, bool afresh, std::string path) {
   if (!backup.isFile()) return;
-  path_ = backup.path() + ".part";
+  path_ = path.empty() ? backup.path() + ".part" : std::move(path);
   if (!afresh) load();
   file_.emplace(path_, backup.path());
 }

@@ -15,7 +15,9 @@ class PartFile {
   /// Reads what is there, unless the backup begins afresh. What cannot be read or believed is put aside under
   /// another name, since it may be a night's work all the same, and that is told on standard error. Throws
   /// `Failure` when the file could not be written later.
-  PartFile(const OutputFile& backup, bool afresh);
+  ///
+  /// @param path of the part; without it the backup's name with ".part" behind it
+  PartFile(const OutputFile& backup, bool afresh, std::string path = {});
 
   /// The unfinished backup that was there.
   [[nodiscard]] const std::optional<Backup>& unfinished() const { return unfinished_; }

@@ -1,9 +1,11 @@
 #include <chrono>
+#include <optional>
 
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/part_file.h"
 #include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"
+#include "cli/velk/backup/series.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
 #include "cli/velk/things/module.h"
@@ -11,19 +13,31 @@
 namespace velk::cli {
 namespace {
 
+constexpr int mostKept = 100'000;
+
 struct BackupOptions : LinkedOptions {
   std::string file;
   std::vector<std::string> modules;
   bool fresh = false;
+  int keep = 0;
+  bool quiet = false;
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
-    line.option("FILE", file, "The file to write; \"-\" is standard output").required();
+    line.option("FILE", file, "The file to write; \"-\" is standard output. With --keep the folder")
+        .required();
     line.option("--modules", modules, "Serial numbers of modules to back up as well")
         .delimiter(',')
         .typeName("SERIAL,...")
         .oneValueEach();
     line.flag("--fresh", fresh, "Do not continue an unfinished backup");
+    line.option(
+            "--keep", keep,
+            "Write a dated file in the folder FILE if something has changed since the last one, and keep so "
+            "many of them")
+        .typeName("N")
+        .range(1, mostKept);
+    line.flag("--quiet", quiet, "Say nothing when all goes well");
   }
 };
 
@@ -53,7 +67,7 @@ void read(Serial& serial, const BackupOptions& options, Backup& backup, PartFile
   readMissing(
       serial, backup.lines, [](ThingKind /*kind*/) { return true; },
       [&](std::size_t done, std::size_t total) {
-        progress.show(done, total);
+        if (!options.quiet) progress.show(done, total);
         if (steady_clock::now() < next) return;
         part.save(backup);
         next = steady_clock::now() + interval;
@@ -78,13 +92,14 @@ void keep(PartFile& part, Backup& backup) {
   }
 }
 
-/// Reads and writes the file; what was read before a failure is kept in the part file.
-void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup, OutputFile& file,
-                PartFile& part) {
+/// Reads, and carries `use` out with the whole backup; what was read before a failure is kept in the part
+/// file.
+template <class Use>
+void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup, PartFile& part, Use use) {
   try {
     read(serial, options, backup, part);
     backup.complete = true;
-    file.write(textOf(backup));
+    use();
   } catch (const std::exception&) {
     keep(part, backup);
     throw;
@@ -92,29 +107,73 @@ void readOrKeep(Serial& serial, const BackupOptions& options, Backup& backup, Ou
   part.remove();
 }
 
+/// What a backup came to.
+struct Made {
+  std::string file;       ///< the one that holds it
+  bool changed = true;    ///< it was written
+  std::size_t lines = 0;  ///< that were read
+  double seconds = 0;
+  std::vector<std::string> removed = {};
+};
+
+void report(const Made& made, const BackupOptions& options) {
+  if (options.json) {
+    Json json{{"file", made.file}, {"lines", made.lines}, {"seconds", made.seconds}};
+    if (options.keep != 0) {
+      json["changed"] = made.changed;
+      json["removed"] = made.removed;
+    }
+    std::cout << json << '\n';
+  } else if (!options.quiet) {
+    std::cerr << "velk: " << made.file << ": "
+              << (made.changed ? std::to_string(made.lines) + " lines of 16 bytes in " +
+                                     std::to_string(static_cast<long>(made.seconds)) + " s"
+                               : "nothing has changed since")
+              << '\n';
+    for (const std::string& file : made.removed) std::cerr << "velk: " << file << ": removed\n";
+  }
+}
+
+/// The file of a series that holds this backup already; empty when none does.
+std::string sameInSeries(const Series& series, const Backup& backup) {
+  const std::string last = series.last();
+  if (last.empty()) return {};
+  try {
+    const Backup before = loadBackup(last);
+    return before.condition == Condition::intact && isSameHouse(before, backup) ? last : std::string();
+  } catch (const Failure& failure) {
+    std::cerr << "velk: " << failure.what() << '\n';
+    return {};
+  }
+}
+
 int carryOutBackup(const BackupOptions& options) {
   const LinkOptions link = options.link.required();
   if (options.json && options.file == standardStream) {
     throw std::invalid_argument("standard output cannot take the backup and --json");
   }
+  std::optional<Series> series;
+  if (options.keep != 0) series.emplace(options.file);
+  Made made{.file = series ? series->next() : options.file};
   // Whether the files can be written is found out before the first request, not after the last.
-  OutputFile file(options.file);
-  PartFile part(file, options.fresh);
+  OutputFile file(made.file);
+  PartFile part(file, options.fresh, series ? series->part() : std::string());
   const auto connection = open(link);
   watchInterrupts();
   Backup backup = begin(connection->serial(), part, nameOf(link));
   const std::size_t before = backup.lines.size();
   const auto start = std::chrono::steady_clock::now();
-  readOrKeep(connection->serial(), options, backup, file, part);
-  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  const std::size_t read = backup.lines.size() - before;
-  if (options.json) {
-    std::cout << Json{{"file", options.file}, {"lines", read}, {"seconds", seconds}} << '\n';
-  } else {
-    std::cerr << "velk: " << options.file << ": " << read << " lines of 16 bytes in "
-              << static_cast<long>(seconds) << " s\n";
-  }
-  return success;
+  readOrKeep(connection->serial(), options, backup, part, [&] {
+    const std::string same = series ? sameInSeries(*series, backup) : std::string();
+    made.changed = same.empty();
+    if (!made.changed) made.file = same;
+    if (made.changed) file.write(textOf(backup));
+  });
+  made.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  made.lines = backup.lines.size() - before;
+  if (series) made.removed = series->prune(static_cast<std::size_t>(options.keep), made.file);
+  report(made, options);
+  return made.changed ? success : unchanged;
 }
 
 }  // namespace
@@ -125,6 +184,7 @@ void addBackup(const CommandLine& velk, Job& job) {
       "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
       "  velk backup house.json --modules 090500,100100\n"
       "  velk backup - | gzip > house.json.gz\n"
+      "  velk backup --keep 30 --quiet backups\n"
       "\nA backup that breaks off leaves FILE.part; the same command continues it, also over\n"
       "another link to the same controller.\n",
       carryOutBackup);

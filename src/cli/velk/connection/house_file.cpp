@@ -1,7 +1,6 @@
 #include "cli/velk/connection/house_file.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <stdexcept>
 
@@ -52,9 +51,6 @@ class Session final : public simulator::Peer {
  private:
   std::unique_ptr<simulator::Peer> peer_;
 };
-
-/// The two bytes that the links of source 0 share with the mailbox.
-constexpr std::array shared{Address{.page = 0, .offset = 31}, Address{.page = 0, .offset = 32}};
 
 }  // namespace
 
@@ -108,7 +104,8 @@ class HouseFile::Keeper final : public simulator::Device {
   void requirePlace(Address at) const {
     if (isClock(at)) refuse("a backup holds no clock");
     if (!memory::thingAt(at)) refuse("a backup holds nothing at " + keyOf(at));
-    const bool isShared = std::find(shared.begin(), shared.end(), at) != shared.end();
+    const bool isShared =
+        std::find(sharedWithMailbox.begin(), sharedWithMailbox.end(), at) != sharedWithMailbox.end();
     if (memory::isReadOnly(at) && !isShared) {
       refuse("what the controller keeps for itself at " + keyOf(at) + " is not written");
     }
@@ -181,7 +178,7 @@ void HouseFile::save(Serial& serial) {
     }
   }
   Store store = controller_.snapshot();
-  for (const Address at : shared) {
+  for (const Address at : sharedWithMailbox) {
     if (mailboxUsed) store[at] = byteOf(backup_.lines, at);
   }
   backup_.lines = linesOf(store);

@@ -1,0 +1,110 @@
+#include "cli/velk/backup/series.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <filesystem>
+#include <system_error>
+
+#include "cli/shared/failure.h"
+
+namespace velk::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view pattern = "backup-########T######Z.json";  // "#" is a digit
+
+fs::path pathOf(const std::string& utf8) {
+  return {std::u8string(utf8.begin(), utf8.end())};
+}
+
+std::string textOf(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+bool isDated(std::string_view name) {
+  return std::equal(name.begin(), name.end(), pattern.begin(), pattern.end(), [](char c, char expected) {
+    return expected == '#' ? c >= '0' && c <= '9' : c == expected;
+  });
+}
+
+std::string nameAt(std::time_t time) {
+  std::array<char, 32> text{};
+  return {text.data(),
+          std::strftime(text.data(), text.size(), "backup-%Y%m%dT%H%M%SZ.json", std::gmtime(&time))};
+}
+
+Failure failureOf(const std::string& path, const std::error_code& error) {
+  return {badFile, path + ": " + error.message()};
+}
+
+Lines withoutMailbox(Lines lines) {
+  for (const Address at : sharedWithMailbox) {
+    const auto line = lines.find({at.area, at.page, static_cast<Byte>(at.offset / lineSize * lineSize)});
+    if (line != lines.end()) line->second[at.offset % lineSize] = '\0';
+  }
+  return lines;
+}
+
+std::string textOf(const std::vector<Module>& modules) {
+  std::string text;
+  for (const Module& module : modules) text += jsonOf(module).dump(1);
+  return text;
+}
+
+}  // namespace
+
+Series::Series(std::string folder) : folder_(std::move(folder)) {
+  std::error_code error;
+  if (fs::is_directory(pathOf(folder_), error)) return;
+  throw failureOf(folder_, error ? error : std::make_error_code(std::errc::not_a_directory));
+}
+
+std::string Series::next() const {
+  for (std::time_t time = std::time(nullptr);; ++time) {
+    const fs::path path = pathOf(folder_) / nameAt(time);
+    if (!fs::exists(path)) return textOf(path);
+  }
+}
+
+std::string Series::part() const {
+  return textOf(pathOf(folder_) / "backup.part");
+}
+
+std::string Series::last() const {
+  const auto all = files();
+  return all.empty() ? std::string() : all.back();
+}
+
+std::vector<std::string> Series::prune(std::size_t keep, const std::string& written) const {
+  auto all = files();
+  std::vector<std::string> old(all.begin(),
+                               all.end() - static_cast<std::ptrdiff_t>(std::min(keep, all.size())));
+  std::erase(old, written);
+  for (const std::string& file : old) {
+    std::error_code error;
+    fs::remove(pathOf(file), error);
+    if (error) throw failureOf(file, error);
+  }
+  return old;
+}
+
+std::vector<std::string> Series::files() const {
+  std::error_code error;
+  std::vector<std::string> found;
+  for (auto entry = fs::directory_iterator(pathOf(folder_), error); !error && entry != fs::end(entry);
+       entry.increment(error)) {
+    if (isDated(textOf(entry->path().filename()))) found.push_back(textOf(entry->path()));
+  }
+  if (error) throw failureOf(folder_, error);
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+bool isSameHouse(const Backup& a, const Backup& b) {
+  return withoutMailbox(a.lines) == withoutMailbox(b.lines) && textOf(a.modules) == textOf(b.modules);
+}
+
+}  // namespace velk::cli
