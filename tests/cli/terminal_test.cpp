@@ -48,6 +48,21 @@ TEST(Terminal, ARestorationAsksBeforeItWrites) {
   EXPECT_TRUE(house.velk("presets").shows("\n2       Evening "));
 }
 
+TEST(Terminal, ARestorationAsksWhetherItIsTheHouse) {
+  const Folder folder;
+  ASSERT_EQ(velk("backup --simulate " + folder / "a").status, 0);
+  const std::string link = " --link backup:" + folder / "a";
+  shell("velk backup --quiet" + link + " " + folder / "b; for n in $(seq 1 21); do velk call" + link +
+        " WriteCom 5 $n 64 V Other; done");
+  const std::string restore = "restore --yes --only infrared" + link + " " + folder / "b";
+  EXPECT_EQ(velk(restore).status, 2);
+  const std::string asks = "restore --only infrared" + link + " " + folder / "b";
+  const Ended no = onTerminal(asks, "n\n");
+  EXPECT_EQ(no.status, 1);
+  EXPECT_TRUE(no.shows("Restore it here all the same? [y/N] ")) << no.text;
+  EXPECT_EQ(onTerminal(asks, "y\n").status, 0);
+}
+
 TEST(Terminal, AFileChangedByHandIsAskedAboutBeforeTheLinkIsOpened) {
   const Folder folder;
   shell("velk backup --simulate - | sed 's/\"0500\": \"0005/\"0500\": \"0006/' >" + folder / "edited");

@@ -7,9 +7,10 @@
 
 namespace velk::cli {
 
-Backup readLike(Serial& serial, const Backup& backup, const Sections& sections) {
+Backup readLike(Serial& serial, const Backup& backup, const Sections& sections, Lines read) {
   watchInterrupts();
   Backup now;
+  now.lines = std::move(read);
   {
     Progress progress("reading");
     readMissing(

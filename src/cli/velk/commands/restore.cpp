@@ -6,6 +6,7 @@
 #include "cli/shared/terminal.h"
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/describe.h"
+#include "cli/velk/backup/identity.h"
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"
@@ -23,6 +24,7 @@ struct RestoreOptions : LinkedOptions {
   bool dryRun = false;
   bool yes = false;
   bool edited = false;
+  bool otherHouse = false;
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
@@ -34,6 +36,7 @@ struct RestoreOptions : LinkedOptions {
     line.flag("--dry-run", dryRun, "Show what would change and write nothing");
     line.flag("--yes", yes, "Do not ask");
     line.flag("--edited", edited, "Take a backup that was changed by hand, or is of format 1");
+    line.flag("--other-house", otherHouse, "Do not ask when the controller looks like another house");
   }
 };
 
@@ -208,6 +211,17 @@ bool isTrusted(const RestoreOptions& options, const Backup& backup) {
   return agreed("Go on with a file that was changed?");
 }
 
+/// Whether to go on when the controller looks like another house than the backup's.
+bool isExpected(const RestoreOptions& options, const std::string& strangeness) {
+  if (strangeness.empty()) return true;
+  std::cerr << "velk: " << options.file << ": this looks like another house: " << strangeness << '\n';
+  if (options.otherHouse || options.dryRun) return true;
+  if (options.yes || !inputIsTerminal()) {
+    throw Failure(wrongUsage, options.file + ": only --other-house restores it here");
+  }
+  return agreed("Restore it here all the same?");
+}
+
 /// A module's model and firmware are told, but cannot be written.
 bool isWritable(const Difference& difference) {
   const auto& changes = difference.changes;
@@ -225,7 +239,10 @@ int carryOutRestore(const RestoreOptions& options) {
   }
   if (!isTrusted(options, backup)) return badResult;
   const auto connection = open(link);
-  const Backup now = readLike(connection->serial(), backup, sections);
+  watchInterrupts();
+  Lines here = readIdentity(connection->serial(), backup.lines);
+  if (!isExpected(options, strangenessOf(backup.lines, here))) return badResult;
+  const Backup now = readLike(connection->serial(), backup, sections, std::move(here));
   const auto differences = compare(now, backup, sections);
   const LeftOut left = leftOut(backup, now);
   for (const auto& [title, reason] : left)
@@ -253,6 +270,8 @@ void addRestore(const CommandLine& velk, Job& job) {
       "  velk restore house.json --dry-run\n"
       "  velk restore --tcp 192.168.1.20:8445 house.json --only outputs,links\n"
       "  velk restore house.json --yes\n"
+      "\nA controller whose outputs have other names looks like another house, which is asked about; with\n"
+      "--yes only --other-house goes on.\n"
       "\nSections: settings outputs links texts presets switch-times simulation infrared modules.\n"
       "The clock is not restored; see \"velk clock set\".\n",
       carryOutRestore);
