@@ -57,39 +57,9 @@ Things differingThings(const Lines& from, const Lines& to, const Sections& secti
   return things;
 }
 
-std::string textIn(const Details& details, const std::string& name) {
-  const auto found =
-      std::find_if(details.begin(), details.end(), [&](const Detail& other) { return other.name == name; });
-  return found == details.end() ? std::string() : found->text;
-}
-
-/// Items of different modes have nothing to do with each other.
-bool isItem(const Detail& detail) {
-  return detail.name.starts_with("item ");
-}
-
-std::vector<ChangedDetail> changesOf(Details from, Details to) {
-  if (textIn(from, "mode") != textIn(to, "mode")) {
-    std::erase_if(from, isItem);
-    std::erase_if(to, isItem);
-  }
-  std::vector<ChangedDetail> changes;
-  for (const Detail& detail : from) {
-    const std::string other = textIn(to, detail.name);
-    if (other != detail.text) changes.push_back({detail.name, detail.text, other});
-  }
-  for (const Detail& detail : to) {
-    const bool isNew = std::none_of(from.begin(), from.end(),
-                                    [&](const Detail& other) { return other.name == detail.name; });
-    if (isNew && !detail.text.empty()) changes.push_back({detail.name, "", detail.text});
-  }
-  return changes;
-}
-
 /// For bytes that no detail tells of.
-std::vector<ChangedDetail> changesOf(const std::vector<Address>& addresses, const Lines& from,
-                                     const Lines& to) {
-  std::vector<ChangedDetail> changes;
+Changes changesOf(const std::vector<Address>& addresses, const Lines& from, const Lines& to) {
+  Changes changes;
   for (const Address at : addresses) {
     changes.push_back({"byte " + std::to_string(at.offset) + " of page " + std::to_string(at.page),
                        std::to_string(byteOf(from, at)), std::to_string(byteOf(to, at))});
@@ -137,25 +107,15 @@ std::vector<Difference> compare(const Backup& from, const Backup& to, const Sect
 }
 
 std::string textOf(const Difference& difference) {
-  const auto shown = [](const std::string& text) { return text.empty() ? "(none)" : text; };
-  std::string text = difference.title + ":";
-  const char* gap = " ";
-  for (const ChangedDetail& change : difference.changes) {
-    text += gap + change.name + " " + shown(change.from) + " -> " + shown(change.to);
-    gap = ", ";
-  }
-  return text;
+  return textOf(difference.title, difference.changes);
 }
 
 Json jsonOf(const std::vector<Difference>& differences) {
   Json json = Json::array();
   for (const Difference& difference : differences) {
-    Json changes = Json::array();
-    for (const ChangedDetail& change : difference.changes) {
-      changes.push_back({{"field", change.name}, {"from", change.from}, {"to", change.to}});
-    }
-    json.push_back(
-        {{"thing", difference.title}, {"bytes", difference.addresses.size()}, {"changes", changes}});
+    json.push_back({{"thing", difference.title},
+                    {"bytes", difference.addresses.size()},
+                    {"changes", jsonOf(difference.changes)}});
   }
   return json;
 }

@@ -17,18 +17,11 @@ Sections parseSections(const std::vector<std::string>& names);
 
 bool isSelected(const Sections& sections, std::string_view name);
 
-/// A detail that differs.
-struct ChangedDetail {
-  std::string name;
-  std::string from;
-  std::string to;
-};
-
 /// A thing that differs.
 struct Difference {
-  std::string title;                   ///< "output 5"
-  std::vector<Address> addresses;      ///< the bytes that differ; none for a module
-  std::vector<ChangedDetail> changes;  ///< in words
+  std::string title;               ///< "output 5"
+  std::vector<Address> addresses;  ///< the bytes that differ; none for a module
+  Changes changes;                 ///< in words
 };
 
 /// What differs between two memories, and between the modules that both name.
