@@ -1,8 +1,15 @@
 #include "cli/velk/things/words.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
+#include <stdexcept>
+#include <vector>
 
 #include "cli/shared/escapes.h"
+#include "values/digits.h"
+#include "values/hex.h"
+#include "values/numbers.h"
 
 namespace velk::cli {
 namespace {
@@ -16,6 +23,73 @@ std::string twoDigits(int number) {
 
 std::string shortDay(int day) {
   return std::string(dayNames.at(static_cast<std::size_t>(day)).substr(0, 3));
+}
+
+bool isSameLetter(char a, char b) {
+  return std::tolower(byteValue(a)) == std::tolower(byteValue(b));
+}
+
+bool isBeginning(std::string_view typed, std::string_view name) {
+  return typed.size() <= name.size() && std::equal(typed.begin(), typed.end(), name.begin(), isSameLetter);
+}
+
+std::vector<std::string_view> partsOf(std::string_view text, char between) {
+  std::vector<std::string_view> parts;
+  for (;;) {
+    const auto end = text.find(between);
+    parts.push_back(text.substr(0, end));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+/// 0 for Monday; none for a beginning of two names.
+std::optional<int> parseDay(std::string_view typed) {
+  std::optional<int> found;
+  for (int day = 0; day < weekdays; ++day) {
+    if (typed.empty() || !isBeginning(typed, dayNames.at(static_cast<std::size_t>(day)))) continue;
+    if (found) return std::nullopt;
+    found = day;
+  }
+  return found;
+}
+
+struct DayGroup {
+  std::string_view name;
+  Byte days;
+};
+
+constexpr std::array dayGroups{
+    DayGroup{"weekdays", 0x1F},
+    DayGroup{"weekend", 0x60},
+    DayGroup{"daily", 0x7F},
+    DayGroup{"every day", 0x7F},
+};
+
+/// "Mon", or "Fri-Mon", which goes on past Sunday.
+std::optional<Byte> parseRange(std::string_view typed) {
+  const auto ends = partsOf(typed, '-');
+  const auto first = parseDay(ends.front());
+  const auto last = parseDay(ends.back());
+  if (!first || !last || ends.size() > 2) return std::nullopt;
+  Byte days = 0;
+  for (int day = *first;; day = (day + 1) % weekdays) {
+    days = static_cast<Byte>(days | 1 << day);
+    if (day == *last) return days;
+  }
+}
+
+std::optional<Byte> parseGroup(std::string_view typed) {
+  const auto* const group = std::find_if(dayGroups.begin(), dayGroups.end(), [&](const DayGroup& row) {
+    return row.name.size() == typed.size() && isBeginning(typed, row.name);
+  });
+  return group == dayGroups.end() ? parseRange(typed) : std::optional(group->days);
+}
+
+/// One or two digits of a number below `end`.
+std::optional<Byte> parseDigits(std::string_view typed, int end) {
+  const auto number = wholeNumber<Byte>(typed);
+  return typed.size() <= 2 && number && *number < end ? number : std::nullopt;
 }
 
 }  // namespace
@@ -55,6 +129,29 @@ std::string daysOf(Byte selection) {
     day = end + 1;
   }
   return text;
+}
+
+std::optional<Byte> parseDays(std::string_view typed) {
+  Byte days = 0;
+  for (std::string_view part : partsOf(typed, ',')) {
+    part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
+    const auto some = parseGroup(part);
+    if (!some) return std::nullopt;
+    days = static_cast<Byte>(days | *some);
+  }
+  return days;
+}
+
+std::optional<TimeOfDay> parseTime(std::string_view typed) {
+  constexpr int sixty = 60;
+  const auto parts = partsOf(typed, ':');
+  if (parts.size() < 2 || parts.size() > 3) return std::nullopt;
+  const auto hour = parseDigits(parts[0], hoursOfDay);
+  const auto minute = parseDigits(parts[1], sixty);
+  const auto second = parts.size() == 3 ? parseDigits(parts[2], sixty) : Byte{0};
+  const bool isWritten = std::all_of(parts.begin() + 1, parts.end(), [](auto p) { return p.size() == 2; });
+  if (!hour || !minute || !second || !isWritten) return std::nullopt;
+  return TimeOfDay{.hour = *hour, .minute = *minute, .second = *second};
 }
 
 std::string numbers(std::string_view bytes) {

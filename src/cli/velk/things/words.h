@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,20 @@ std::string weekday(int day);
 
 /// A day selection, bit 0 for Monday: "Mon-Fri", "Sat, Sun", "every day", "no day".
 std::string daysOf(Byte selection);
+
+/// The day selection that somebody typed: "Mon", "Mon-Fri", "Sat,Sun", "fri-mon", "weekdays", "weekend",
+/// "daily". Names may be as short as no other day's; capitals do not count. None for any other text.
+std::optional<Byte> parseDays(std::string_view typed);
+
+/// A time of day.
+struct TimeOfDay {
+  Byte hour = 0;
+  Byte minute = 0;
+  Byte second = 0;
+};
+
+/// The time that somebody typed: "7:45", "07:45", "07:45:30". None for any other text.
+std::optional<TimeOfDay> parseTime(std::string_view typed);
 
 /// "5 255 2".
 std::string numbers(std::string_view bytes);
