@@ -38,9 +38,10 @@ Details describeOutput(Serial& serial, int number) {
 
 Details describeLinks(Serial& serial, int source) {
   const std::vector<SoftLink> links = readLinks(serial, static_cast<Byte>(source));
+  OutputNames names(serial);
   Details all;
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
-    for (const Detail& detail : detailsOf(links, sub)) {
+    for (const Detail& detail : detailsOf(links, sub, names)) {
       all.push_back({std::to_string(source) + "." + std::to_string(sub) + " " + detail.name, detail.text});
     }
   }
@@ -68,12 +69,15 @@ Details describeFlags(Serial& serial, int first) {
 }
 
 Details describeSwitchTime(Serial& serial, int block) {
-  return detailsOf(readSwitchTime(serial, static_cast<Byte>(block)));
+  OutputNames names(serial);
+  return detailsOf(readSwitchTime(serial, static_cast<Byte>(block)), names);
 }
 
 Details describeEvents(Serial& serial, int number) {
+  OutputNames names(serial);
   return detailsOf(
-      readEvents(serial, static_cast<Byte>(number / hoursOfDay), static_cast<Byte>(number % hoursOfDay)));
+      readEvents(serial, static_cast<Byte>(number / hoursOfDay), static_cast<Byte>(number % hoursOfDay)),
+      names);
 }
 
 Details describeInfrared(Serial& serial, int number) {

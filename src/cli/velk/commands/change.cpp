@@ -29,7 +29,7 @@ int carryOut(const ChangeOptions& options, const Change& change) {
   const Changes changes = changesOf(change.before.details, change.after.details);
   const bool writes = !options.dryRun && !changes.empty();
   // What is shown stands there before the first byte is written, also in a pipe.
-  if (!options.json && !changes.empty()) std::cout << textOf(change.title, changes) << std::endl;
+  if (!options.json && !changes.empty()) std::cout << textOf(change.title, changes) << '\n' << std::flush;
   Shown now = change.after;
   if (writes) {
     // A method that is broken off would leave half of what it writes.

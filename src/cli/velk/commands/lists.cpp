@@ -62,10 +62,11 @@ void listOutputs(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 }
 
 void listLinks(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  OutputNames names(serial);
   for (const Byte source : linkSources()) {
     for (const SoftLink& link : readLinks(serial, source)) {
-      list.add(jsonOf(link), {titleOf(link), destinationOf(link), destinationName(serial, link),
-                              parametersOf(link), edgesOf(link)});
+      list.add(jsonOf(link, names), {titleOf(link), destinationOf(link), destinationName(link, names),
+                                     parametersOf(link), edgesOf(link)});
     }
   }
 }
@@ -81,16 +82,19 @@ void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 }
 
 void listSwitchTimes(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  OutputNames names(serial);
   for (int block = 0; block < switchTimes; ++block) {
     const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     if (!isUsed(time)) continue;
-    list.add(jsonOf(time), {std::to_string(block), timeOf(time), daysOf(time.days), actionOf(time)});
+    list.add(jsonOf(time, names),
+             {std::to_string(block), timeOf(time), daysOf(time.days), actionOf(time, names)});
   }
 }
 
 void listEvents(Serial& serial, const LinkedOptions& /*options*/, List& list) {
+  OutputNames names(serial);
   for (const Event& event : readEvents(serial)) {
-    list.add(jsonOf(event), {weekday(event.day), timeOf(event), actionOf(event)});
+    list.add(jsonOf(event, names), {weekday(event.day), timeOf(event), actionOf(event, names)});
   }
 }
 

@@ -35,19 +35,24 @@ std::string timeOf(const Event& event) {
   return timeOfDay(event.hour, byteAt(event.record, 0), byteAt(event.record, 1));
 }
 
-std::string actionOf(const Event& event) {
-  return "output " + std::to_string(byteAt(event.record, 2)) + ": " + numbers(slice(event.record, 3));
+std::string actionOf(const Event& event, OutputNames& names) {
+  return names.titleOf(byteAt(event.record, 2)) + ": " + numbers(slice(event.record, 3));
 }
 
-Json jsonOf(const Event& event) {
-  return {
-      {"day", weekday(event.day)}, {"time", timeOf(event)}, {"data", jsonOfBytes(slice(event.record, 2))}};
+Json jsonOf(const Event& event, OutputNames& names) {
+  const Byte output = byteAt(event.record, 2);
+  return {{"day", weekday(event.day)},
+          {"time", timeOf(event)},
+          {"data", jsonOfBytes(slice(event.record, 2))},
+          {"output", output},
+          {"name", names.of(output)}};
 }
 
-Details detailsOf(const std::vector<Event>& events) {
+Details detailsOf(const std::vector<Event>& events, OutputNames& names) {
   Details details;
   for (const Event& event : events) {
-    details.push_back({"event " + std::to_string(details.size() + 1), timeOf(event) + " " + actionOf(event)});
+    details.push_back(
+        {"event " + std::to_string(details.size() + 1), timeOf(event) + " " + actionOf(event, names)});
   }
   return details;
 }

@@ -5,6 +5,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "cli/velk/things/output_names.h"
 #include "component/serial.h"
 
 namespace velk::cli {
@@ -25,10 +26,10 @@ std::vector<Event> readEvents(Serial& serial);
 /// "18:15:30".
 std::string timeOf(const Event& event);
 
-/// "output 3: 255 2".
-std::string actionOf(const Event& event);
+/// "output 3 Kitchen ceiling: 255 2".
+std::string actionOf(const Event& event, OutputNames& names);
 
-Json jsonOf(const Event& event);
-Details detailsOf(const std::vector<Event>& events);
+Json jsonOf(const Event& event, OutputNames& names);
+Details detailsOf(const std::vector<Event>& events, OutputNames& names);
 
 }  // namespace velk::cli

@@ -4,7 +4,7 @@
 
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/connection/transfer.h"
-#include "cli/velk/things/output.h"
+#include "cli/velk/things/words.h"
 #include "controller/ctl_soft.h"
 
 namespace velk::cli {
@@ -67,9 +67,8 @@ std::string destinationOf(const SoftLink& link) {
   return (link.toOutput ? "output " : "input ") + std::to_string(link.destination);
 }
 
-std::string destinationName(Serial& serial, const SoftLink& link) {
-  const bool isOutput = link.toOutput && link.destination >= 1 && link.destination <= lastOutput;
-  return isOutput ? outputName(serial, link.destination) : "";
+std::string destinationName(const SoftLink& link, OutputNames& names) {
+  return link.toOutput ? names.of(link.destination) : "";
 }
 
 std::string parametersOf(const SoftLink& link) {
@@ -81,23 +80,24 @@ std::string edgesOf(const SoftLink& link) {
   return link.rising ? "rising" : link.falling ? "falling" : "";
 }
 
-Json jsonOf(const SoftLink& link) {
+Json jsonOf(const SoftLink& link, OutputNames& names) {
   Json json{{"source", link.source},
             {"sub", link.sub},
             {"kind", link.toOutput ? "output" : "input"},
             {"destination", link.destination}};
   if (!link.toOutput) return json;
+  json["name"] = names.of(link.destination);
   json["parameters"] = {link.parameters1, link.parameters2};
   json["rising"] = link.rising;
   json["falling"] = link.falling;
   return json;
 }
 
-Details detailsOf(const std::vector<SoftLink>& links, Byte sub) {
+Details detailsOf(const std::vector<SoftLink>& links, Byte sub, OutputNames& names) {
   const auto found =
       std::find_if(links.begin(), links.end(), [&](const SoftLink& link) { return link.sub == sub; });
   if (found == links.end()) return {{"destination", "none"}};
-  return {{"destination", destinationOf(*found)},
+  return {{"destination", named(destinationOf(*found), destinationName(*found, names))},
           {"parameters", parametersOf(*found)},
           {"edges", edgesOf(*found)}};
 }

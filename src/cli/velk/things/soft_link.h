@@ -5,6 +5,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "cli/velk/things/output_names.h"
 #include "component/serial.h"
 
 namespace velk::cli {
@@ -37,7 +38,7 @@ std::string titleOf(const SoftLink& link);
 std::string destinationOf(const SoftLink& link);
 
 /// The name of an output that it leads to; empty without one.
-std::string destinationName(Serial& serial, const SoftLink& link);
+std::string destinationName(const SoftLink& link, OutputNames& names);
 
 /// "0, 15".
 std::string parametersOf(const SoftLink& link);
@@ -45,9 +46,9 @@ std::string parametersOf(const SoftLink& link);
 /// "rising, falling".
 std::string edgesOf(const SoftLink& link);
 
-Json jsonOf(const SoftLink& link);
+Json jsonOf(const SoftLink& link, OutputNames& names);
 
 /// What the link `sub` among the links of a source does; one detail that says so when it is not there.
-Details detailsOf(const std::vector<SoftLink>& links, Byte sub);
+Details detailsOf(const std::vector<SoftLink>& links, Byte sub, OutputNames& names);
 
 }  // namespace velk::cli

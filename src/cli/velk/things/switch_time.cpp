@@ -10,11 +10,24 @@ namespace {
 
 constexpr std::size_t entrySize = 3;
 
-std::string entryText(std::string_view entry) {
-  if (entry.size() < entrySize) {
-    return "action " + std::to_string(byteAt(entry, 0)) + "." + numbers(entry.substr(1));
-  }
-  return "output " + std::to_string(byteAt(entry, 0)) + ": " + numbers(entry.substr(1));
+/// An action has two bytes, an entry three.
+bool isAction(std::string_view entry) {
+  return entry.size() < entrySize;
+}
+
+std::string actionText(std::string_view action) {
+  return "action " + std::to_string(byteAt(action, 0)) + "." + numbers(action.substr(1));
+}
+
+std::string entryText(std::string_view entry, OutputNames& names) {
+  if (isAction(entry)) return actionText(entry);
+  return names.titleOf(byteAt(entry, 0)) + ": " + numbers(entry.substr(1));
+}
+
+Json entryJson(std::string_view entry, OutputNames& names) {
+  if (isAction(entry)) return {{"action", jsonOfBytes(entry)}};
+  const Byte output = byteAt(entry, 0);
+  return {{"output", output}, {"name", names.of(output)}, {"data", jsonOfBytes(entry.substr(1))}};
 }
 
 }  // namespace
@@ -36,28 +49,40 @@ std::string timeOf(const SwitchTime& time) {
   return timeOfDay(time.hour, time.minute);
 }
 
-std::string actionOf(const SwitchTime& time) {
+std::string titleOf(const SwitchTime& time) {
+  return "switch time " + std::to_string(time.block);
+}
+
+std::vector<Bytes> entriesOf(const SwitchTime& time) {
+  std::vector<Bytes> entries;
+  for (std::size_t i = 0; i < time.data.size(); i += entrySize) {
+    entries.emplace_back(slice(time.data, i, entrySize));
+  }
+  return entries;
+}
+
+std::string actionOf(const SwitchTime& time, OutputNames& names) {
   if (!time.readable) return "(not readable)";
   std::string text;
-  for (std::size_t i = 0; i < time.data.size(); i += entrySize) {
-    text += (text.empty() ? "" : "; ") + entryText(slice(time.data, i, entrySize));
-  }
+  for (const Bytes& entry : entriesOf(time)) text += (text.empty() ? "" : "; ") + entryText(entry, names);
   return text.empty() ? "nothing" : text;
 }
 
-Json jsonOf(const SwitchTime& time) {
+Json jsonOf(const SwitchTime& time, OutputNames& names) {
   Json json{{"block", time.block}, {"readable", time.readable}, {"time", timeOf(time)}};
   json["days"] = Json::array();
   for (int day = 0; day < weekdays; ++day) {
     if ((time.days >> day & 1) != 0) json["days"].push_back(weekday(day));
   }
   json["data"] = jsonOfBytes(time.data);
+  json["switches"] = Json::array();
+  for (const Bytes& entry : entriesOf(time)) json["switches"].push_back(entryJson(entry, names));
   return json;
 }
 
-Details detailsOf(const SwitchTime& time) {
+Details detailsOf(const SwitchTime& time, OutputNames& names) {
   if (!isUsed(time)) return {{"time", "none"}};
-  return {{"days", daysOf(time.days)}, {"time", timeOf(time)}, {"switches", actionOf(time)}};
+  return {{"days", daysOf(time.days)}, {"time", timeOf(time)}, {"switches", actionOf(time, names)}};
 }
 
 }  // namespace velk::cli

@@ -5,6 +5,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "cli/velk/things/output_names.h"
 #include "component/serial.h"
 
 namespace velk::cli {
@@ -28,10 +29,16 @@ bool isUsed(const SwitchTime& time);
 /// "07:30".
 std::string timeOf(const SwitchTime& time);
 
-/// What it switches: "output 3: 255 2; output 7: 0 4", "action 101.2".
-std::string actionOf(const SwitchTime& time);
+/// "switch time 3".
+std::string titleOf(const SwitchTime& time);
 
-Json jsonOf(const SwitchTime& time);
-Details detailsOf(const SwitchTime& time);
+/// What it switches, each by itself: an action of two bytes, or entries of three.
+std::vector<Bytes> entriesOf(const SwitchTime& time);
+
+/// "output 3 Kitchen ceiling: 255 2; output 7 Bedroom shutter: 0 4", "action 101.2".
+std::string actionOf(const SwitchTime& time, OutputNames& names);
+
+Json jsonOf(const SwitchTime& time, OutputNames& names);
+Details detailsOf(const SwitchTime& time, OutputNames& names);
 
 }  // namespace velk::cli

@@ -13,26 +13,27 @@ constexpr int minutesOfHour = 60;
 constexpr int slotMinutes = 30;
 constexpr int slots = hoursOfDay * minutesOfHour / slotMinutes;
 
-void addSwitchTimes(Serial& serial, std::vector<Mark>& marks) {
+void addSwitchTimes(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
   for (int block = 0; block < switchTimes; ++block) {
     const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     for (int day = 0; time.readable && day < weekdays; ++day) {
       if ((time.days >> day & 1) == 0) continue;
-      marks.push_back({day, time.hour * minutesOfHour + time.minute, false, actionOf(time)});
+      marks.push_back({day, time.hour * minutesOfHour + time.minute, false, actionOf(time, names)});
     }
   }
 }
 
-void addEvents(Serial& serial, std::vector<Mark>& marks) {
+void addEvents(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
   for (const Event& event : readEvents(serial)) {
-    marks.push_back({event.day, event.hour * minutesOfHour + byteAt(event.record, 0), true, actionOf(event)});
+    marks.push_back(
+        {event.day, event.hour * minutesOfHour + byteAt(event.record, 0), true, actionOf(event, names)});
   }
 }
 
-void addLinks(Serial& serial, std::vector<NamedLink>& links) {
+void addLinks(Serial& serial, OutputNames& names, std::vector<NamedLink>& links) {
   for (const Byte source : linkSources()) {
     for (const SoftLink& link : readLinks(serial, source)) {
-      links.push_back({link, named(destinationOf(link), destinationName(serial, link))});
+      links.push_back({link, named(destinationOf(link), destinationName(link, names)), jsonOf(link, names)});
     }
   }
 }
@@ -60,12 +61,13 @@ Rows rowsOf(const Week& week) {
 
 Week readWeek(Serial& serial) {
   Week week;
-  addSwitchTimes(serial, week.marks);
-  addEvents(serial, week.marks);
+  OutputNames names(serial);
+  addSwitchTimes(serial, names, week.marks);
+  addEvents(serial, names, week.marks);
   std::stable_sort(week.marks.begin(), week.marks.end(), [](const Mark& a, const Mark& b) {
     return std::pair(a.day, a.minute) < std::pair(b.day, b.minute);
   });
-  addLinks(serial, week.links);
+  addLinks(serial, names, week.links);
   return week;
 }
 
@@ -92,7 +94,7 @@ Json jsonOf(const Week& week) {
                      {"text", mark.text}});
   }
   Json links = Json::array();
-  for (const NamedLink& link : week.links) links.push_back(jsonOf(link.link));
+  for (const NamedLink& link : week.links) links.push_back(link.json);
   return {{"marks", std::move(marks)}, {"links", std::move(links)}};
 }
 

@@ -23,6 +23,7 @@ struct Mark {
 struct NamedLink {
   SoftLink link;
   std::string destination;  ///< "output 5 Hall ceiling"
+  Json json;
 };
 
 struct Week {

@@ -92,7 +92,7 @@ Graph graphOf(const std::vector<NamedLink>& links, int from) {
   std::vector<std::string> destinations;
   const auto yOf = [&](std::size_t place) { return from + 30 + static_cast<int>(place) * linkHeight; };
   std::string svg = text(0, from, "Links", " class=\"h\"");
-  for (const auto& [link, destination] : links) {
+  for (const auto& [link, destination, json] : links) {
     const std::string y1 = std::to_string(yOf(placeIn(sources, titleOf(link))) - 4);
     const std::string y2 = std::to_string(yOf(placeIn(destinations, destination)) - 4);
     svg += "<path class=\"l\" d=\"M" + std::to_string(leftEnd) + " " + y1 + "C120 " + y1 + " 120 " + y2 +
