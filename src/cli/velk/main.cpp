@@ -41,9 +41,9 @@ constexpr const char* notes =
 
 void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
-       {addStatus,      addOutputs,    addOutput,  addClock,        addLinks,    addPresets, addPreset,
-        addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,  addDiff,
-        addRestore,     addWeek,       addDoctor,  addCompletion,   addCall,     addMethods}) {
+       {addStatus,     addOutputs,     addOutput,     addClock,   addLinks,        addPresets,  addPreset,
+        addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,
+        addDiff,       addRestore,     addWeek,       addDoctor,  addCompletion,   addCall,     addMethods}) {
     add(line, job);
   }
 }

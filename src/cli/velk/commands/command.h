@@ -52,6 +52,7 @@ void addClock(const CommandLine& velk, Job& job);
 void addLinks(const CommandLine& velk, Job& job);
 void addPresets(const CommandLine& velk, Job& job);
 void addPreset(const CommandLine& velk, Job& job);
+void addSwitchTime(const CommandLine& velk, Job& job);
 void addSwitchTimes(const CommandLine& velk, Job& job);
 void addSimulation(const CommandLine& velk, Job& job);
 void addModules(const CommandLine& velk, Job& job);
