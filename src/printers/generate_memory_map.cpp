@@ -58,11 +58,16 @@ Numbers in the column "address" are hexadecimal when they start with 0x, page an
 | page 6 to 34, 40 | 16 each | display texts of the chosen language | `Ctl_Lang` |
 | page N + 34, 40 | 16 | text of preset N (1 to 92) | `Preset` |
 | page A, 56 | 1 | high four bits: the last parameter item of most modes | `Ctl_Param` |
+| page A, 64 | 16 | name of output A, a place that this project chose | `velk output A name` |
 | page 102 + (N - 1) / 4, 8 + 2 ((N - 1) mod 4) | 2 | delays of preset N; the second 255 for none | `Preset` |
 | page 102 + (N - 1) / 4, 18 | 1 | bit (N - 1) mod 4: preset N takes part in the simulation | `Preset` |
 | page 128 + B, 200 | to the end of the page | switch-time block B (0 to 127) | `SwitchTime` |
 | 0xFFF7, 0xFFF8 | 2 | hold the clock while it is set: 255, then 0 | `Ctl_Init` |
 | 0xFFF9 to 0xFFFF | 7 | clock in BCD: seconds, minutes, hours, weekday, day, month, year | `Ctl_Init` |
+
+The place of the names is this project's own choice, which no method of the component knows: a controller may keep
+something else there, and `velk output A name` shows what it replaces. The display texts at offset 40 are another
+thing.
 
 #### A link
 

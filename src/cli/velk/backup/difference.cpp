@@ -57,6 +57,17 @@ Things differingThings(const Lines& from, const Lines& to, const Sections& secti
   return things;
 }
 
+/// What differs between two outputs, or other things. Items of different modes have nothing to do with each
+/// other.
+Changes changesOfThings(Details from, Details to) {
+  const auto isItem = [](const Detail& detail) { return detail.name.starts_with("item "); };
+  if (textIn(from, "mode") != textIn(to, "mode")) {
+    std::erase_if(from, isItem);
+    std::erase_if(to, isItem);
+  }
+  return changesOf(from, to);
+}
+
 /// For bytes that no detail tells of.
 Changes changesOf(const std::vector<Address>& addresses, const Lines& from, const Lines& to) {
   Changes changes;
@@ -98,7 +109,7 @@ std::vector<Difference> compare(const Backup& from, const Backup& to, const Sect
   Offline before(from.lines);
   Offline after(to.lines);
   for (const auto& [thing, addresses] : differingThings(from.lines, to.lines, sections)) {
-    auto changes = changesOf(before.describe(thing), after.describe(thing));
+    auto changes = changesOfThings(before.describe(thing), after.describe(thing));
     if (changes.empty()) changes = changesOf(addresses, from.lines, to.lines);
     differences.push_back({titleOf(thing), addresses, std::move(changes)});
   }

@@ -1,14 +1,16 @@
 #include "cli/velk/things/output.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 
-#include "cli/velk/commands/command.h"
+#include "cli/shared/escapes.h"
+#include "cli/velk/commands/change.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/transfer.h"
+#include "cli/velk/things/assignment.h"
+#include "cli/velk/things/output_names.h"
 #include "parameters/layouts.h"
-#include "values/digits.h"
 #include "values/result.h"
 
 namespace velk::cli {
@@ -17,22 +19,19 @@ namespace {
 using parameters::Form;
 using parameters::Layout;
 
-struct OutputOptions : LinkedOptions {
-  int number = 0;
+struct OutputOptions : ChangeOptions {
+  std::string output;
   std::vector<std::string> words;
 
   void declare(const CommandLine& line) {
-    LinkedOptions::declare(line);
-    line.option("N", number, "The output").required().range(1, lastOutput);
-    line.option("set", words, "set MODE ITEM=VALUE...: change the mode and items, by their numbers")
-        .typeName("[set MODE ITEM=VALUE...]");
+    ChangeOptions::declare(line);
+    line.option("OUTPUT", output, "The output: its number, its name or a beginning of it").required();
+    line.option(
+            "set", words,
+            "set MODE ITEM=VALUE...: change the mode, and items by their numbers or places; without MODE\n"
+            "items of the present one; or name TEXT: name it, in up to 16 characters")
+        .typeName("[set [MODE] [ITEM=VALUE...] | name TEXT]");
   }
-};
-
-/// What an output is set to: a mode, and new characters for some of its items, by their numbers.
-struct Assignments {
-  const Layout& layout;
-  std::map<std::size_t, char> items;
 };
 
 const Layout& layoutNamed(const std::string& mode) {
@@ -42,33 +41,38 @@ const Layout& layoutNamed(const std::string& mode) {
   throw std::invalid_argument("there is no mode \"" + mode + "\", but" + all);
 }
 
-std::pair<std::size_t, char> parseAssignment(const Layout& layout, const std::string& word) {
-  const auto equals = word.find('=');
-  const auto item = wholeNumber<std::size_t>(slice(word, 0, equals));
-  if (equals == std::string::npos || !item || *item >= layout.items.size()) {
-    throw std::invalid_argument("\"" + word + "\" is no ITEM=VALUE; " + std::string(layout.code) + " has " +
-                                std::to_string(layout.items.size()) + " items, numbered from 0");
-  }
-  const std::string text = word.substr(equals + 1);
-  const auto value = parseItem(layout.items[*item], text);
-  if (!value) {
-    throw std::invalid_argument("item " + std::to_string(*item) + " cannot be \"" + text + "\"");
-  }
-  return {*item, *value};
+/// What the words behind an output say.
+struct WantedOutput {
+  const Layout* layout = nullptr;   ///< of the mode; none: the present one
+  std::vector<std::string> items;   ///< "ITEM=VALUE"
+  std::optional<std::string> name;  ///< then nothing else is changed
+};
+
+WantedOutput parseOutputSet(const std::vector<std::string>& words) {
+  WantedOutput wanted{.items = {words.begin() + 1, words.end()}};
+  if (wanted.items.front().find('=') != std::string::npos) return wanted;
+  wanted.layout = &layoutNamed(wanted.items.front());
+  wanted.items.erase(wanted.items.begin());
+  parseAssignments(*wanted.layout, wanted.items);  // told before the link is opened
+  return wanted;
 }
 
-/// What the words behind an output say; nothing without words.
-std::optional<Assignments> parseWords(const std::vector<std::string>& words) {
+/// A name as `OutputNames` finds it again.
+std::string parseName(const std::string& typed) {
+  const Bytes name = unescaped(typed);
+  if (name.size() > outputNameSize) throw std::invalid_argument("the name has more than 16 characters");
+  if (!name.empty() && name.find_first_not_of("0123456789") == Bytes::npos) {
+    throw std::invalid_argument("a name of digits would be taken for the number of an output");
+  }
+  return name;
+}
+
+/// None without words.
+std::optional<WantedOutput> parseOutputWords(const std::vector<std::string>& words) {
   if (words.empty()) return std::nullopt;
-  if (words.front() != "set" || words.size() == 1) {
-    throw std::invalid_argument("behind the output stands nothing or: set MODE ITEM=VALUE...");
-  }
-  Assignments wanted{.layout = layoutNamed(words[1]), .items = {}};
-  for (std::size_t i = 2; i < words.size(); ++i) {
-    const auto [item, value] = parseAssignment(wanted.layout, words[i]);
-    wanted.items[item] = value;
-  }
-  return wanted;
+  if (words.front() == "set" && words.size() > 1) return parseOutputSet(words);
+  if (words.front() == "name" && words.size() == 2) return WantedOutput{.name = parseName(words[1])};
+  throw std::invalid_argument("behind the output stands nothing, name TEXT, or: set [MODE] [ITEM=VALUE...]");
 }
 
 /// Where the item for the stored number lies in a mode with a marker, which is written with that item alone.
@@ -93,22 +97,83 @@ void storeMode(Serial& serial, Byte number, const Layout& layout) {
 }
 
 /// All items in one write, those that are not given as they are. They have to be those of the mode.
-void storeItems(Serial& serial, Output output, const Assignments& wanted) {
-  if (output.mode != wanted.layout.code) {
-    expectDone(readsBackDifferent, "reading back the mode of output " + std::to_string(output.number));
-  }
-  for (const auto& [item, value] : wanted.items) output.items.at(item) = value;
-  const auto write = [&] { return serial.Ctl_Param("W", output.number, output.mode, Bytes(output.items)); };
-  const auto stands = [&] {
-    const Output now = readOutput(serial, output.number);
-    return now.mode == output.mode && now.items == output.items;
-  };
-  expectDone(retry().write(write, stands), "writing output " + std::to_string(output.number));
+Byte writeItems(Serial& serial, Output output, const Layout& layout, const Assignments& items) {
+  if (output.mode != layout.code) return readsBackDifferent;
+  for (const auto& [item, value] : items) output.items.at(item) = value;
+  return serial.Ctl_Param("W", output.number, output.mode, output.items);
 }
 
-void set(Serial& serial, Byte number, const Assignments& wanted) {
-  if (readOutputHead(serial, number).mode != wanted.layout.code) storeMode(serial, number, wanted.layout);
-  if (!wanted.items.empty()) storeItems(serial, readOutput(serial, number), wanted);
+/// An output that gets another mode: the items that are given, since the others are not known before.
+Shown shownWith(const Output& output, const Assignments& items) {
+  Details details{{"name", output.name}, {"mode", output.mode}};
+  for (const Detail& detail : detailsOf(output)) {
+    const auto isIt = [&](const auto& item) { return detail.name == "item " + std::to_string(item.first); };
+    if (std::any_of(items.begin(), items.end(), isIt)) details.push_back(detail);
+  }
+  return {std::move(details), jsonOf(output)};
+}
+
+/// The same, before: with no items.
+Shown planned(const Output& before, const Layout& layout, const Assignments& items) {
+  Output after{.number = before.number, .name = before.name, .mode = std::string(layout.code), .items = {}};
+  Shown shown{{{"name", after.name}, {"mode", after.mode}}, jsonOfHead(after)};
+  for (const auto& [item, value] : items) {
+    shown.details.push_back({"item " + std::to_string(item), valueOf(layout.items[item], value)});
+  }
+  return shown;
+}
+
+int changeMode(const OutputOptions& options, Serial& serial, const Output& before, const Layout& layout,
+               const Assignments& items) {
+  const auto write = [&] {
+    storeMode(serial, before.number, layout);
+    return items.empty() ? Byte{0} : writeItems(serial, readOutput(serial, before.number), layout, items);
+  };
+  return carryOut(options, {.title = titleOf(before),
+                            .before = shownWith(before, {}),
+                            .after = planned(before, layout, items),
+                            .write = write,
+                            .read = [&] { return shownWith(readOutput(serial, before.number), items); }});
+}
+
+int changeItems(const OutputOptions& options, Serial& serial, const Output& before, const Layout& layout,
+                const Assignments& items) {
+  Output after = before;
+  for (const auto& [item, value] : items) after.items.at(item) = value;
+  return carryOut(options, {.title = titleOf(before),
+                            .before = shownAs(before),
+                            .after = shownAs(after),
+                            .write = [&] { return writeItems(serial, before, layout, items); },
+                            .read = [&] { return shownAs(readOutput(serial, before.number)); }});
+}
+
+int changeName(const OutputOptions& options, Serial& serial, Byte number, const Bytes& name) {
+  const Output before = readOutputHead(serial, number);
+  Output after = before;
+  after.name = label(name);
+  const auto shown = [](const Output& output) { return Shown{detailsOf(output), jsonOfHead(output)}; };
+  const auto write = [&] {
+    writeTransfer(serial, outputNameAt(number), padded(name, outputNameSize),
+                  "the name of " + titleOf(before));
+    return Byte{0};
+  };
+  return carryOut(options, {.title = "output " + std::to_string(number),
+                            .before = shown(before),
+                            .after = shown(after),
+                            .write = write,
+                            .read = [&] { return shown(readOutputHead(serial, number)); }});
+}
+
+int changeOutput(const OutputOptions& options, Serial& serial, Byte number, const WantedOutput& wanted) {
+  if (wanted.name) return changeName(options, serial, number, *wanted.name);
+  const Output before = readOutput(serial, number);
+  if (wanted.layout == nullptr && before.mode.empty()) {
+    throw std::invalid_argument(titleOf(before) + " has no mode yet: set MODE ITEM=VALUE...");
+  }
+  const Layout& layout = wanted.layout == nullptr ? layoutNamed(before.mode) : *wanted.layout;
+  const Assignments items = parseAssignments(layout, wanted.items);
+  const auto how = before.mode == layout.code ? changeItems : changeMode;
+  return how(options, serial, before, layout, items);
 }
 
 void print(const Output& output) {
@@ -126,11 +191,13 @@ void print(const Output& output) {
 }
 
 int carryOutOutput(const OutputOptions& options) {
-  const auto wanted = parseWords(options.words);
+  const auto wanted = parseOutputWords(options.words);
+  outputNumberOf(options.output);  // a wrong one is told before the link is opened
   const auto connection = open(options.link.required());
-  const auto number = static_cast<Byte>(options.number);
-  if (wanted) set(connection->serial(), number, *wanted);
-  const Output output = readOutput(connection->serial(), number);
+  Serial& serial = connection->serial();
+  const Byte number = OutputNames(serial).find(options.output);
+  if (wanted) return changeOutput(options, serial, number, *wanted);
+  const Output output = readOutput(serial, number);
   if (options.json) {
     std::cout << jsonOf(output) << '\n';
   } else {
@@ -142,13 +209,16 @@ int carryOutOutput(const OutputOptions& options) {
 }  // namespace
 
 void addOutput(const CommandLine& velk, Job& job) {
-  addCommand<OutputOptions>(
-      velk, job, "output", "Show an output, or set its mode and items",
-      "  velk output --simulate 5\n"
-      "  velk output 5 set T1 3=30 4=M\n"
-      "  velk output 6 set RO\n"
-      "\nItems are numbered and lie as docs/outputs.md tells; those that are not given stay.\n",
-      carryOutOutput);
+  addCommand<OutputOptions>(velk, job, "output", "Show an output, set its mode and items, or name it",
+                            "  velk output --simulate 5\n"
+                            "  velk output hall set T1 3=30 16:0=M --dry-run\n"
+                            "  velk output 5 set 18.low=2\n"
+                            "  velk output 6 set RO\n"
+                            "  velk output 5 name \"Hall\"\n"
+                            "\nItems are numbered and lie as docs/outputs.md tells; those that are not given "
+                            "stay. Where a number is\n"
+                            "one item's and another's place, item:4 or place:4 tells which.\n",
+                            carryOutOutput);
 }
 
 }  // namespace velk::cli

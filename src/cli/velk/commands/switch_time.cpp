@@ -22,7 +22,7 @@ struct SwitchTimeOptions : ChangeOptions {
 };
 
 /// What the words behind "set" say.
-struct Wanted {
+struct WantedTime {
   std::optional<TimeOfDay> time;
   std::optional<Byte> days;
   std::vector<TypedEntry> entries;  ///< none: as they are
@@ -35,8 +35,8 @@ void setOnce(std::optional<Value>& value, Value typed, const std::string& word) 
   value = typed;
 }
 
-Wanted parseSet(const std::vector<std::string>& words) {
-  Wanted wanted;
+WantedTime parseTimeSet(const std::vector<std::string>& words) {
+  WantedTime wanted;
   for (std::size_t i = 1; i < words.size(); ++i) {
     const auto time = parseTime(words[i]);
     // With seconds it could be an entry as well, and these have none.
@@ -52,16 +52,16 @@ Wanted parseSet(const std::vector<std::string>& words) {
 }
 
 /// None without words.
-std::optional<Wanted> parseWanted(const std::vector<std::string>& words) {
+std::optional<WantedTime> parseTimeWords(const std::vector<std::string>& words) {
   if (words.empty()) return std::nullopt;
-  if (words.front() == "clear" && words.size() == 1) return Wanted{.clears = true};
-  if (words.front() == "set" && words.size() > 1) return parseSet(words);
+  if (words.front() == "clear" && words.size() == 1) return WantedTime{.clears = true};
+  if (words.front() == "set" && words.size() > 1) return parseTimeSet(words);
   throw std::invalid_argument(
       "behind the switch time stands nothing, clear, or: set [TIME] [DAYS] [OUTPUT=A:B...]");
 }
 
 /// The switch time as it will be. Throws std::invalid_argument with a sentence for one that cannot be.
-SwitchTime applied(const Wanted& wanted, const SwitchTime& before, OutputNames& names) {
+SwitchTime switchTimeWith(const WantedTime& wanted, const SwitchTime& before, OutputNames& names) {
   if (wanted.clears) return {.block = before.block};
   SwitchTime after = before;
   const bool isComplete = wanted.time && wanted.days && !wanted.entries.empty();
@@ -81,13 +81,13 @@ SwitchTime applied(const Wanted& wanted, const SwitchTime& before, OutputNames& 
   return after;
 }
 
-int change(const SwitchTimeOptions& options, Serial& serial, const Wanted& wanted) {
+int changeTime(const SwitchTimeOptions& options, Serial& serial, const WantedTime& wanted) {
   OutputNames names(serial);
   const auto shown = [&](const SwitchTime& time) {
     return Shown{detailsOf(time, names), jsonOf(time, names)};
   };
   const SwitchTime before = readSwitchTime(serial, static_cast<Byte>(options.block));
-  const SwitchTime after = applied(wanted, before, names);
+  const SwitchTime after = switchTimeWith(wanted, before, names);
   const auto write = [&] {
     SwitchTime time = after;  // the method changes its arguments
     return serial.SwitchTime("W", time.block, time.days, time.hour, time.minute, time.data);
@@ -99,21 +99,21 @@ int change(const SwitchTimeOptions& options, Serial& serial, const Wanted& wante
        }});
 }
 
-std::string lineOf(const SwitchTime& time, OutputNames& names) {
+std::string switchTimeLine(const SwitchTime& time, OutputNames& names) {
   if (!isUsed(time)) return titleOf(time) + ": none\n";
   return titleOf(time) + ": " + timeOf(time) + " " + daysOf(time.days) + ", " + actionOf(time, names) + "\n";
 }
 
 int carryOutSwitchTime(const SwitchTimeOptions& options) {
-  const auto wanted = parseWanted(options.words);
+  const auto wanted = parseTimeWords(options.words);
   const auto connection = open(options.link.required());
-  if (wanted) return change(options, connection->serial(), *wanted);
+  if (wanted) return changeTime(options, connection->serial(), *wanted);
   const SwitchTime time = readSwitchTime(connection->serial(), static_cast<Byte>(options.block));
   OutputNames names(connection->serial());
   if (options.json) {
     std::cout << jsonOf(time, names) << '\n';
   } else {
-    std::cout << lineOf(time, names);
+    std::cout << switchTimeLine(time, names);
   }
   return success;
 }

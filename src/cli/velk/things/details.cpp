@@ -3,7 +3,6 @@
 #include <algorithm>
 
 namespace velk::cli {
-namespace {
 
 std::string textIn(const Details& details, const std::string& name) {
   const auto found =
@@ -11,18 +10,7 @@ std::string textIn(const Details& details, const std::string& name) {
   return found == details.end() ? std::string() : found->text;
 }
 
-/// Items of different modes have nothing to do with each other.
-bool isItem(const Detail& detail) {
-  return detail.name.starts_with("item ");
-}
-
-}  // namespace
-
-Changes changesOf(Details from, Details to) {
-  if (textIn(from, "mode") != textIn(to, "mode")) {
-    std::erase_if(from, isItem);
-    std::erase_if(to, isItem);
-  }
+Changes changesOf(const Details& from, const Details& to) {
   Changes changes;
   for (const Detail& detail : from) {
     const std::string other = textIn(to, detail.name);

@@ -26,9 +26,10 @@ struct ChangedDetail {
 
 using Changes = std::vector<ChangedDetail>;
 
-/// What differs between a thing's details, but for the items of different modes, which have nothing to do with
-/// each other.
-Changes changesOf(Details from, Details to);
+/// The text of a detail; empty when there is none of this name.
+std::string textIn(const Details& details, const std::string& name);
+
+Changes changesOf(const Details& from, const Details& to);
 
 /// "output 5: mode T1 -> DI, item 3 30 -> 5".
 std::string textOf(const std::string& title, const Changes& changes);

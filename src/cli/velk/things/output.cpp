@@ -17,9 +17,6 @@ namespace {
 using parameters::Form;
 using parameters::Item;
 
-constexpr Byte nameOffset = 64;
-constexpr Byte nameSize = 16;
-
 struct ModeWords {
   std::string_view code;
   std::string_view words;
@@ -67,7 +64,7 @@ std::string readMode(Serial& serial, Byte number, const std::string& what) {
 }  // namespace
 
 std::string outputName(Serial& serial, Byte number) {
-  return label(readMemory(serial, {.page = number, .offset = nameOffset}, nameSize));
+  return label(readMemory(serial, outputNameAt(number), outputNameSize));
 }
 
 Output readOutputHead(Serial& serial, Byte number) {
@@ -110,6 +107,14 @@ std::string placeOf(const Item& item) {
 
 std::string valueOf(const Item& item, char value) {
   return hasLetters(item) ? std::string(1, value) : std::to_string(byteValue(value));
+}
+
+std::string rangeOf(const Item& item) {
+  if (hasLetters(item)) {
+    const std::string letter(1, item.set);
+    return item.set == item.clear ? letter : letter + " or " + item.clear;
+  }
+  return item.form == Form::whole ? "0 to 255" : "0 to 15";
 }
 
 std::optional<char> parseItem(const Item& item, std::string_view text) {

@@ -6,6 +6,7 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "link/address.h"
 #include "component/serial.h"
 #include "parameters/items.h"
 #include "parameters/modes.h"
@@ -28,6 +29,12 @@ Output readOutput(Serial& serial, Byte number);
 /// Reads only mode and name.
 Output readOutputHead(Serial& serial, Byte number);
 
+/// Where the name of an output lies: 16 characters of its page that nothing else is known to use.
+constexpr Byte outputNameSize = 16;
+constexpr link::Address outputNameAt(Byte number) {
+  return {.page = number, .offset = 64};
+}
+
 std::string outputName(Serial& serial, Byte number);
 
 /// "output 5 Hall ceiling".
@@ -41,6 +48,9 @@ std::string placeOf(const parameters::Item& item);
 
 /// An item's value: a letter where it has letters, else a number.
 std::string valueOf(const parameters::Item& item, char value);
+
+/// What an item can hold: "0 to 15", "M or S".
+std::string rangeOf(const parameters::Item& item);
 
 /// The character for such a text; none when the item cannot hold it.
 std::optional<char> parseItem(const parameters::Item& item, std::string_view text);
