@@ -65,6 +65,17 @@ std::size_t roomFor(Byte block) {
       "3:255:2, or an action, as in 101.2");
 }
 
+/// Where the output ends, whose name may hold both signs: at the last "=" before the colon between the numbers, or
+/// at another colon. 0 when there is neither, or no output.
+std::size_t endOfOutput(std::string_view text, std::size_t colon) {
+  if (colon == std::string_view::npos || colon == 0) return 0;
+  for (const char sign : {'=', ':'}) {
+    const auto end = text.rfind(sign, colon - 1);
+    if (end != std::string_view::npos) return end;
+  }
+  return 0;
+}
+
 }  // namespace
 
 TypedEntry parseEntry(const std::string& typed) {
@@ -74,13 +85,9 @@ TypedEntry parseEntry(const std::string& typed) {
       isDigits(text.substr(point + 1))) {
     return parseAction(typed, point);
   }
-  // A name may hold both signs.
   const auto colon = text.rfind(':');
-  const auto before = colon == 0 || colon == std::string_view::npos ? colon : text.rfind('=', colon - 1);
-  const auto start = before != std::string_view::npos                ? before
-                     : colon == std::string_view::npos || colon == 0 ? std::string_view::npos
-                                                                     : text.rfind(':', colon - 1);
-  if (start == std::string_view::npos || start == 0) refuseEntry(typed);
+  const auto start = endOfOutput(text, colon);
+  if (start == 0) refuseEntry(typed);
   constexpr const char* what = "each of the two numbers behind an output";
   return {.output = typed.substr(0, start),
           .bytes = {character(numberIn(typed, text.substr(start + 1, colon - start - 1), what, 0, 255)),
