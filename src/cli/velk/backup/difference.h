@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/house/backup_file.h"
+#include "cli/velk/things/details.h"
 
 namespace velk::cli {
 

@@ -6,8 +6,8 @@
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
-#include "link/address.h"
 #include "component/serial.h"
+#include "link/address.h"
 #include "parameters/items.h"
 #include "parameters/modes.h"
 
