@@ -59,7 +59,7 @@ WantedOutput parseOutputSet(const std::vector<std::string>& words) {
 
 /// A name as `OutputNames` finds it again.
 std::string parseName(const std::string& typed) {
-  const Bytes name = unescaped(typed);
+  Bytes name = unescaped(typed);
   if (name.size() > outputNameSize) throw std::invalid_argument("the name has more than 16 characters");
   if (!name.empty() && name.find_first_not_of("0123456789") == Bytes::npos) {
     throw std::invalid_argument("a name of digits would be taken for the number of an output");
