@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <linux/serial.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -165,6 +166,37 @@ TEST_F(PosixPort, HandsItsSettingsToTheDevice) {
        {"", "0,N,8,1", "-1,N,8,1", "4000001,N,8,1", "9600,X,8,1", "9600,NE,8,1", "9600,,8,1", "9600,N,4,1",
         "9600,N,9,1", "9600,N,8,0.9", "9600,N,8,2.1", "9600,N,8", "9600,N,8,1,1"}) {
     EXPECT_EQ(errorOf([&] { parseSettings(text); }), 380) << text;
+  }
+}
+
+/// A driver whose flag was set stays as it is; one that has none, or refuses, is left alone. Settings that
+/// somebody else has changed meanwhile stay.
+TEST_F(PosixPort, SetsTheLowLatencyFlagAndTakesItBack) {
+  constexpr int flag = 1 << 13;
+  const struct {
+    const char* what;
+    int before, during, after;
+    long asked, set;
+  } rows[] = {{"clear", 0x10, 0x10 | flag, 0x30, 0, 0},
+              {"set", 0x10 | flag, 0x10 | flag, 0x30 | flag, 0, 0},
+              {"none", 0, 0, 0x20, -ENOTTY, 0},
+              {"refused", 0, 0, 0x20, 0, -EPERM}};
+  for (const auto& row : rows) {
+    int flags = row.before;
+    const Watch watch([&](const Call& call) -> Answer {
+      if (call.number != SYS_ioctl) return {};
+      const auto request = static_cast<unsigned long>(call.arguments[1]);
+      if (request == TIOCGSERIAL) call.at<serial_struct>(2).flags = flags;
+      if (request == TIOCGSERIAL) return row.asked;
+      if (request != TIOCSSERIAL) return {};
+      if (row.set == 0) flags = call.at<serial_struct>(2).flags;
+      return row.set;
+    });
+    port.open(Pty::number, {});
+    EXPECT_EQ(flags, row.during) << row.what;
+    flags |= 0x20;
+    port.close();
+    EXPECT_EQ(flags, row.after) << row.what;
   }
 }
 

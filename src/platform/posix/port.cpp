@@ -74,7 +74,9 @@ bool answers(int fd) {
 }  // namespace
 
 PosixSerialPort::~PosixSerialPort() {
-  if (fd_) deviceClosed();
+  if (!fd_) return;
+  lowLatency_.end();
+  deviceClosed();
 }
 
 void PosixSerialPort::open(int number, const SerialSettings& settings) {
@@ -83,11 +85,13 @@ void PosixSerialPort::open(int number, const SerialSettings& settings) {
   Fd fd = openDevice(devicePath(number));
   configure(fd.get(), settings);
   fd_ = std::move(fd);
+  lowLatency_.begin(fd_.get());
   deviceOpened();
 }
 
 void PosixSerialPort::close() {
   if (!fd_) throw RuntimeError(RuntimeError::deviceNotOpen);
+  lowLatency_.end();
   fd_.reset();
   deviceClosed();
 }

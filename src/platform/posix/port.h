@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/posix/fd.h"
+#include "platform/posix/low_latency.h"
 #include "platform/serial_port.h"
 
 namespace velk::platform {
@@ -27,6 +28,7 @@ class PosixSerialPort final : public SerialPort {
   void requireOpen() const;
 
   Fd fd_;
+  LowLatency lowLatency_;  ///< ends before the descriptor is closed
   Bytes buffer_;
 };
 
