@@ -55,7 +55,7 @@ class LoopbackHost::Line {
 
   void schedule(std::vector<Delivery> deliveries) {
     for (Delivery& delivery : deliveries) {
-      const Milliseconds time = host_.elapsed_ + delivery.after;
+      const Milliseconds time = host_.elapsed_ + std::chrono::ceil<Milliseconds>(delivery.after);
       const auto later = std::upper_bound(arriving_.begin(), arriving_.end(), time,
                                           [](Milliseconds t, const Arrival& a) { return t < a.time; });
       arriving_.insert(later, {time, std::move(delivery)});

@@ -13,7 +13,7 @@ namespace velk::simulator {
 /// Something that a peer does: after a delay it sends bytes, or it hangs up.
 struct Delivery {
   Bytes bytes;
-  std::chrono::milliseconds after{0};  ///< counted from the bytes that caused it
+  std::chrono::microseconds after{0};  ///< counted from the bytes that caused it
   bool hangUp = false;
 };
 

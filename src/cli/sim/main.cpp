@@ -13,6 +13,7 @@
 #include "cli/shared/interrupts.h"
 #include "cli/shared/native_text.h"
 #include "cli/shared/password.h"
+#include "cli/sim/adapter.h"
 #include "cli/sim/serve.h"
 #include "cli/sim/server.h"
 #include "simulator/clock.h"
@@ -40,6 +41,7 @@ constexpr const char* examples =
     "  velk-sim --tcp 8445 --trace\n"
     "  velk-sim --tcp-q 0 --tcp-s 0 --echo --fast\n"
     "  velk-sim --tcp 8445 --password 1234 --house house.json --save house.json\n"
+    "  velk-sim --echo --latency 16\n"
     "  velk-sim --fast --fault status=7@3 --fault late=1500@5- --for 60\n";
 
 /// Until a signal comes.
@@ -53,6 +55,7 @@ struct Options {
   std::vector<std::string> echo;
   std::vector<std::string> fast;
   int baud = 9600;
+  int latency = -1;  ///< ms; negative: no delay of any kind
   int busAddress = 2;
   std::string house;
   std::string save;
@@ -90,6 +93,10 @@ void declare(const CommandLine& line, Options& options) {
       .valueOptional();
   line.option("--fast", options.fast, "Serve fast mode likewise").typeName("[DEVICE]").valueOptional();
   line.option("--baud", options.baud, "Rate of serial devices in bit/s").showDefault();
+  line.option("--latency", options.latency,
+              "Hold replies back, as USB adapters and networks do; new pseudo terminals then keep to --baud")
+      .typeName("MS")
+      .range(0, 1000);
   line.option("--address", options.busAddress, "Bus address of the controller").showDefault().range(0, 255);
   line.option("--house", options.house, "Start from a backup file, else from a small house").typeName("FILE");
   line.option("--save", options.save, "Save the house at the end, as a backup file").typeName("FILE");
@@ -122,6 +129,19 @@ simulator::MakePeer makerOf(Controller& controller, const SessionOptions& option
   return [&controller, options] { return std::make_unique<Session>(controller, options); };
 }
 
+/// The same behind an adapter or a network, if there is to be a delay.
+simulator::MakePeer delayed(const simulator::MakePeer& makePeer, int latency,
+                            std::chrono::microseconds byteTime = {}) {
+  if (latency < 0) return makePeer;
+  const Delay delay{.latency = std::chrono::milliseconds(latency), .byteTime = byteTime};
+  return [=] { return std::make_unique<DelayedPeer>(makePeer(), delay); };
+}
+
+/// A start bit, eight bits of data, a stop bit.
+std::chrono::microseconds byteTimeAt(int baud) {
+  return std::chrono::microseconds(10'000'000 / std::max(baud, 1));
+}
+
 void announce(std::string interface, std::string_view place) {
   print((interface += ' ').append(place));
 }
@@ -136,12 +156,13 @@ void listen(Server& server, const std::string& interface, const std::string& add
 }
 
 void serveSerial(Server& server, const std::string& interface, const std::vector<std::string>& devices,
-                 int baud, const simulator::MakePeer& makePeer) {
+                 const Options& options, const simulator::MakePeer& makePeer) {
   for (const std::string& device : devices) {
     if (device.empty()) {
-      announce(interface, server.servePseudoLine(makePeer));
+      announce(interface,
+               server.servePseudoLine(delayed(makePeer, options.latency, byteTimeAt(options.baud))));
     } else {
-      server.serveDevice(device, baud, makePeer);
+      server.serveDevice(device, options.baud, delayed(makePeer, options.latency));
       announce(interface, device);
     }
   }
@@ -180,13 +201,11 @@ void serveAll(const Options& options, const SessionOptions& session, Controller&
   Server server;
   try {
     listen(server, "tcp Q", options.address, options.portsQ,
-           makerOf<simulator::EthernetQSession>(controller, session));
+           delayed(makerOf<simulator::EthernetQSession>(controller, session), options.latency));
     listen(server, "tcp S", options.address, options.portsS,
-           makerOf<simulator::EthernetSSession>(controller, session));
-    serveSerial(server, "echo", options.echo, options.baud,
-                makerOf<simulator::EchoSession>(controller, session));
-    serveSerial(server, "fast", options.fast, options.baud,
-                makerOf<simulator::FastSession>(controller, session));
+           delayed(makerOf<simulator::EthernetSSession>(controller, session), options.latency));
+    serveSerial(server, "echo", options.echo, options, makerOf<simulator::EchoSession>(controller, session));
+    serveSerial(server, "fast", options.fast, options, makerOf<simulator::FastSession>(controller, session));
   } catch (const std::invalid_argument&) {
     throw;  // the command line is wrong
   } catch (const std::exception& error) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <thread>
 
 namespace velk::cli {
 namespace {
@@ -32,7 +33,9 @@ class Schedule {
 
   [[nodiscard]] milliseconds untilNext() const {
     if (waiting_.empty()) return stopInterval;
-    const auto rest = std::chrono::ceil<milliseconds>(waiting_.begin()->first - steady_clock::now());
+    const auto rest = std::chrono::floor<milliseconds>(waiting_.begin()->first - steady_clock::now());
+    // The last part of a millisecond is slept away: a stream waits for whole ones, as long as a byte takes.
+    if (rest.count() == 0) std::this_thread::sleep_until(waiting_.begin()->first);
     return std::clamp(rest, milliseconds(0), stopInterval);
   }
 
