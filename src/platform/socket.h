@@ -8,6 +8,17 @@
 
 namespace velk::platform {
 
+/// How far a connection came, for those who have to say why there is none.
+struct Reach {
+  enum class Stage : std::uint8_t {
+    lookingUp,  ///< the host's name; when the socket is dead, there is none
+    trying,     ///< the host's addresses
+    connected,
+  };
+  Stage stage = Stage::lookingUp;
+  int error = 0;  ///< the system's, of the last address that failed; 0: none has
+};
+
 /// One TCP socket, used by polling. All failures are run-time errors.
 ///
 /// From `connect` to `close` the socket counts as in use, also when the connection is refused or the peer
@@ -32,6 +43,9 @@ class Socket {
 
   /// Whether nothing more can come: never connected, refused, or the peer has hung up.
   [[nodiscard]] virtual bool isDead() const = 0;
+
+  /// How far the connection came, until the next one is asked for.
+  [[nodiscard]] virtual Reach reach() const { return {}; }
 
   /// Everything received and not given out yet, valid until the next call of `receive`, `block` or `close`;
   /// empty when nothing is waiting. Error 40006 when the socket is not connected.

@@ -12,6 +12,7 @@ class TcpSocket : public Socket {
  public:
   [[nodiscard]] bool isOpen() const final { return state_ != State::closed; }
   [[nodiscard]] bool isDead() const final { return state_ == State::closed || state_ == State::dead; }
+  [[nodiscard]] Reach reach() const final { return reach_; }
 
  protected:
   enum class State : std::uint8_t { closed, resolving, connecting, connected, dead };
@@ -24,6 +25,7 @@ class TcpSocket : public Socket {
   }
 
   State state_ = State::closed;
+  Reach reach_;
 };
 
 }  // namespace velk::platform

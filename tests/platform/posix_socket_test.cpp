@@ -87,6 +87,7 @@ TEST_F(PosixSocket, ConnectsTalksAndEnds) {
     EXPECT_EQ(socket.receive(), "h");
     EXPECT_FALSE(socket.hasData());
     EXPECT_EQ(socket.receive(), "");
+    EXPECT_EQ(socket.reach().stage, Reach::Stage::connected);
     socket.send("x");
     char byte = 0;
     EXPECT_EQ(::read(peer.get(), &byte, 1), 1);
@@ -119,11 +120,14 @@ TEST_F(PosixSocket, ConnectsTalksAndEnds) {
 TEST_F(PosixSocket, WhatNobodyAnswersIsDead) {
   Listener stopped;
   stopped.stop();
-  for (const auto& [name, port] :
-       {std::pair(Bytes("127.0.0.1"), stopped.port), std::pair(Bytes(), listener.port),
-        std::pair(Bytes("127.0.0.1\0b", 11), listener.port), std::pair(Bytes("house.test"), listener.port)}) {
+  for (const auto& [name, port, error] : {std::tuple(Bytes("127.0.0.1"), stopped.port, ECONNREFUSED),
+                                          {Bytes(), listener.port, 0},
+                                          {Bytes("127.0.0.1\0b", 11), listener.port, 0},
+                                          {Bytes("house.test"), listener.port, 0}}) {
     socket.connect(name, port);
     goOn([&] { return socket.isDead(); });
+    EXPECT_EQ(socket.reach().stage, error == 0 ? Reach::Stage::lookingUp : Reach::Stage::trying) << name;
+    EXPECT_EQ(socket.reach().error, error) << name;
     EXPECT_TRUE(socket.isOpen()) << "it has to be closed: " << name;
     socket.close();
   }

@@ -28,6 +28,7 @@ constexpr std::chrono::milliseconds shortWait(100);
 
 void PosixSocket::connect(const std::string& host, std::uint16_t port) {
   requireClosed();
+  reach_ = {};
   lookup_.emplace(host, port);
   deviceOpened();
   state_ = State::resolving;
@@ -91,6 +92,7 @@ void PosixSocket::advance() {
     if (error == 0) {
       connected();
     } else {
+      reach_.error = error;
       connectNext();
     }
   } else {
@@ -102,15 +104,17 @@ void PosixSocket::advance() {
 void PosixSocket::connectNext() {
   state_ = State::connecting;
   while (const auto address = lookup_->next()) {
+    reach_.stage = Reach::Stage::trying;
     fd_ = Fd(::socket(address->storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (!fd_) continue;
-    if (::connect(fd_.get(), address->get(), address->size) == 0 || errno == EINPROGRESS) return;
+    if (fd_ && (::connect(fd_.get(), address->get(), address->size) == 0 || errno == EINPROGRESS)) return;
+    reach_.error = errno;
   }
   die();
 }
 
 void PosixSocket::connected() {
   state_ = State::connected;
+  reach_.stage = Reach::Stage::connected;
   lookup_.reset();
   const int on = 1;
   setsockopt(fd_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);

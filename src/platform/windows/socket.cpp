@@ -44,6 +44,7 @@ bool becomesWritable(SOCKET socket) {
 
 void WindowsSocket::connect(const std::string& host, std::uint16_t port) {
   requireClosed();
+  reach_ = {};
   startWinsock();
   lookup_.emplace(host, port);
   deviceOpened();
@@ -137,6 +138,7 @@ void WindowsSocket::advance() {
     if (events.iErrorCode[FD_CONNECT_BIT] == 0) {
       connected();
     } else {
+      reach_.error = events.iErrorCode[FD_CONNECT_BIT];
       connectNext();
     }
   } else if (state_ == State::connected && reading_.hasEnded()) {
@@ -149,7 +151,9 @@ void WindowsSocket::advance() {
 void WindowsSocket::connectNext() {
   state_ = State::connecting;
   while (const auto address = lookup_->next()) {
+    reach_.stage = Reach::Stage::trying;
     if (startConnecting(*address)) return;
+    reach_.error = WSAGetLastError();
   }
   die();
 }
@@ -167,6 +171,7 @@ bool WindowsSocket::startConnecting(const SocketAddress& address) {
 
 void WindowsSocket::connected() {
   state_ = State::connected;
+  reach_.stage = Reach::Stage::connected;
   lookup_.reset();
   WSAEventSelect(socket_.get(), nullptr, 0);
   const BOOL on = TRUE;

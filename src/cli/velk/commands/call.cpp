@@ -1,5 +1,7 @@
 #include "cli/velk/commands/command.h"
 #include "cli/velk/commands/method_call.h"
+#include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/silent_line.h"
 
 namespace velk::cli {
 namespace {
@@ -38,9 +40,18 @@ struct CallOptions : LinkedOptions {
   }
 };
 
+/// The result stands as it is; why nothing came back on a serial line is said beside it.
+void explainLoss(const LinkOptions& link, const MethodCall& call, const CallResult& result) {
+  if (link.serial.empty() || result.errorNumber || !isLost(codeOf(call, result.result).value_or(0))) return;
+  if (const std::string reason = whySilent(link); !reason.empty()) {
+    std::cerr << "velk: " << link.serial << ": " << reason << '\n';
+  }
+}
+
 int carryOutCall(const CallOptions& options) {
   MethodCall call = parseCall(options.method, options.arguments);
-  const auto connection = open(options.link.find().value_or(LinkOptions()));
+  const LinkOptions link = options.link.find().value_or(LinkOptions());
+  const auto connection = open(link);
   for (const std::string& property : options.properties) setProperty(connection->serial(), property);
   const CallResult result = perform(connection->serial(), call);
   if (options.json) {
@@ -50,6 +61,7 @@ int carryOutCall(const CallOptions& options) {
   } else {
     std::cout << textOf(call, result);
   }
+  explainLoss(link, call, result);
   return exitStatusOf(call, result);
 }
 

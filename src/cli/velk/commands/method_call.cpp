@@ -79,22 +79,6 @@ class Arguments {
   std::size_t position_ = 0;
 };
 
-/// The byte that says how a call ended; none where the result says no such thing.
-std::optional<Byte> codeOf(const MethodCall& call, const Value& result) {
-  switch (resultKindOf(*call.method)) {
-    case ResultKind::code:
-      return std::get<Byte>(convert(result, Type::byte));
-    case ResultKind::reply: {
-      // An empty reply is none.
-      const std::string reply = toText(result);
-      return reply.empty() ? Byte{otherFailure} : byteAt(reply, 0);
-    }
-    case ResultKind::value:
-      break;
-  }
-  return std::nullopt;
-}
-
 Json jsonValue(const Value& value) {
   return std::visit(
       [](const auto& held) -> Json {
@@ -162,6 +146,21 @@ CallResult perform(Serial& serial, MethodCall& call) {
   } catch (const RuntimeError& error) {
     return {.result = {}, .errorNumber = error.number(), .errorText = error.what()};
   }
+}
+
+std::optional<Byte> codeOf(const MethodCall& call, const Value& result) {
+  switch (resultKindOf(*call.method)) {
+    case ResultKind::code:
+      return std::get<Byte>(convert(result, Type::byte));
+    case ResultKind::reply: {
+      // An empty reply is none.
+      const std::string reply = toText(result);
+      return reply.empty() ? Byte{otherFailure} : byteAt(reply, 0);
+    }
+    case ResultKind::value:
+      break;
+  }
+  return std::nullopt;
 }
 
 ExitStatus exitStatusOf(const MethodCall& call, const CallResult& result) {

@@ -33,6 +33,9 @@ void setProperty(Serial& serial, const std::string& assignment);
 /// Calls; the arguments receive what is written back.
 CallResult perform(Serial& serial, MethodCall& call);
 
+/// The byte that says how a call ended; none where the result says no such thing.
+std::optional<Byte> codeOf(const MethodCall& call, const Value& result);
+
 /// Bad when a result byte or the status of a transaction is not 0, or when there was a run-time error.
 ExitStatus exitStatusOf(const MethodCall& call, const CallResult& result);
 

@@ -8,6 +8,8 @@
 #include "cli/shared/password.h"
 #include "cli/velk/connection/link_failure.h"
 #include "cli/velk/connection/link_text.h"
+#include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/silent_line.h"
 
 namespace velk::cli {
 
@@ -63,6 +65,11 @@ LinkOptions LinkChoice::required() const {
 
 std::unique_ptr<Connection> open(const LinkOptions& link) {
   auto connection = std::make_unique<Connection>(link);
+  const auto explainSilence = [link] {
+    const std::string reason = whySilent(link);
+    if (!reason.empty()) throw Failure(noLink, link.serial + ": " + reason);
+  };
+  retry().whenFirstIsLost(link.serial.empty() ? nullptr : std::function<void()>(explainSilence));
   if (connection->result() == 0) return connection;
   throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP));
 }

@@ -3,29 +3,24 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <system_error>
 
+#include "cli/velk/connection/port_failure.h"
 #include "component/result_codes.h"
+#include "platform/host.h"
 #include "values/result.h"
 
 namespace velk::cli {
 namespace {
 
-enum class Stage : Byte { port, greeting, login };
-
 struct Explanation {
-  Stage stage;
   Byte result;
   std::string_view sentence;
 };
 
-constexpr std::array explanations{
-    Explanation{Stage::port, portAlreadyOpen, "the port is open already, here or in another program"},
-    Explanation{Stage::port, otherFailure,
-                "there is no such port, it may not be opened, or it does not take the rate"},
-    Explanation{Stage::greeting, noReply,
-                "no interface of a controller answers there; check address, port and network"},
-    Explanation{Stage::login, noReply, "the interface does not answer the login"},
-    Explanation{Stage::login, echoFault, "something else than the answer to the login came"},
+constexpr std::array failedLogins{
+    Explanation{noReply, "the interface does not answer the login"},
+    Explanation{echoFault, "something else than the answer to the login came"},
 };
 
 std::string refusal(const LinkOptions& link) {
@@ -33,21 +28,45 @@ std::string refusal(const LinkOptions& link) {
                                : "the interface refuses the password";
 }
 
-std::string reasonOf(const LinkOptions& link, Stage stage, Byte result) {
-  const auto* const found =
-      std::find_if(explanations.begin(), explanations.end(),
-                   [&](const Explanation& row) { return row.stage == stage && row.result == result; });
-  if (found != explanations.end()) return std::string(found->sentence);
-  return stage == Stage::login ? refusal(link) : meaningOf(result);
+std::string whyNoLogin(const LinkOptions& link, Byte result) {
+  const auto* const found = std::find_if(failedLogins.begin(), failedLogins.end(),
+                                         [&](const Explanation& row) { return row.result == result; });
+  return found == failedLogins.end() ? refusal(link) : std::string(found->sentence);
+}
+
+std::string whyNoConnection(const platform::Reach& reach) {
+  const std::error_code error(reach.error, std::system_category());
+  const bool refused = error == std::errc::connection_refused;
+  return error.message() + (refused ? "; nothing listens on that port" : "; check address and network");
+}
+
+/// What is left of the connection tells why nothing greets.
+std::string whyNoGreeting(const platform::Socket& socket) {
+  switch (const platform::Reach reach = socket.reach(); reach.stage) {
+    case platform::Reach::Stage::lookingUp:
+      return socket.isDead() ? "there is no host of that name"
+                             : "the look-up of the host's name takes too long; check the network";
+    case platform::Reach::Stage::trying:
+      return socket.isDead() ? whyNoConnection(reach)
+                             : "nobody answers; check address and network, and whether the interface is on";
+    case platform::Reach::Stage::connected:
+      break;
+  }
+  return socket.isDead() ? "it hangs up at once; another program may be connected already"
+                         : "it answers, but is no interface of a controller; check address and port";
+}
+
+std::string reasonOf(const LinkOptions& link, Byte result, bool greeted) {
+  if (!link.serial.empty()) return whyNoPort(link.serial, link.baud);
+  if (greeted) return whyNoLogin(link, result);
+  return result == noReply ? whyNoGreeting(platform::threadHost().socket()) : meaningOf(result);
 }
 
 }  // namespace
 
 std::string failureToOpen(const LinkOptions& link, Byte result, bool greeted) {
-  const Stage tcpStage = greeted ? Stage::login : Stage::greeting;
-  const Stage stage = link.serial.empty() ? tcpStage : Stage::port;
   return "cannot open " + (link.serial.empty() ? link.tcp : link.serial) + ": " +
-         reasonOf(link, stage, result) + " (result " + std::to_string(result) + ")";
+         reasonOf(link, result, greeted) + " (result " + std::to_string(result) + ")";
 }
 
 }  // namespace velk::cli

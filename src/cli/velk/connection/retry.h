@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
 #include "cli/velk/connection/expect_done.h"
 #include "platform/host.h"
@@ -45,6 +47,10 @@ class Retry {
         write, [&] { return stands() ? Byte{0} : write(); }, isLost);
   }
 
+  /// What to do when the very first request is lost, before it is repeated; may throw `Failure` with a reason
+  /// why none will ever come back.
+  void whenFirstIsLost(std::function<void()> look) { look_ = std::move(look); }
+
   /// Waits for what may be on its way still, behind a request that is not repeated. Ends early, with
   /// `Failure`, on Ctrl-C.
   void pause();
@@ -56,6 +62,7 @@ class Retry {
   template <class First, class Next, class Lost>
   auto repeat(First first, Next next, Lost lost) {
     auto outcome = first();
+    if (const auto look = std::exchange(look_, {}); look && lost(outcome)) look();
     int tries = 0;
     for (; lost(outcome) && tries < times; ++tries) {
       again();
@@ -68,6 +75,7 @@ class Retry {
 
   platform::Host& host_;
   int repeated_ = 0;
+  std::function<void()> look_;
 };
 
 /// That of the program's own link.
