@@ -43,7 +43,7 @@ void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
        {addStatus,     addOutputs,     addOutput,     addClock,   addLinks,        addPresets,  addPreset,
         addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,
-        addDiff,       addRestore,     addWeek,       addDoctor,  addCompletion,   addCall,     addMethods}) {
+        addDiff,       addRestore,     addWeek,       addPorts, addDoctor,  addCompletion,   addCall,     addMethods}) {
     add(line, job);
   }
 }

@@ -62,6 +62,7 @@ void addBackup(const CommandLine& velk, Job& job);
 void addDiff(const CommandLine& velk, Job& job);
 void addRestore(const CommandLine& velk, Job& job);
 void addWeek(const CommandLine& velk, Job& job);
+void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);
 
