@@ -9,9 +9,10 @@
 namespace velk::cli {
 namespace {
 
-/// Runs velk on a terminal of its own, where `answer` is typed at a question. Its text is what the terminal
+/// Runs velk on a terminal of its own, where `answer` is typed at a question, which ends so. Its text is what the terminal
 /// shows.
-Ended onTerminal(const std::string& line, const std::string& answer = {}) {
+Ended onTerminal(const std::string& line, const std::string& answer = {},
+                 const std::string& question = "[y/N] ") {
   int terminal = -1;
   const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (pid == 0) become("exec velk " + line);
@@ -24,7 +25,7 @@ Ended onTerminal(const std::string& line, const std::string& answer = {}) {
     const auto n = read(terminal, buffer.data(), buffer.size());
     if (n <= 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(n));
-    if (!asked && text.find("[y/N] ") != std::string::npos) {
+    if (!asked && text.find(question) != std::string::npos) {
       asked = true;
       EXPECT_EQ(write(terminal, answer.data(), answer.size()), static_cast<ssize_t>(answer.size()));
     }
@@ -61,6 +62,28 @@ TEST(Terminal, ARestorationAsksWhetherItIsTheHouse) {
   EXPECT_EQ(no.status, 1);
   EXPECT_TRUE(no.shows("Restore it here all the same? [y/N] ")) << no.text;
   EXPECT_EQ(onTerminal(asks, "y\n").status, 0);
+}
+
+TEST(Terminal, APasswordThatIsMissingIsAskedForAndNotShown) {
+  const House house("--password abcd");
+  const std::string clock = "clock --tcp " + house.link;
+  const std::string question = "password of " + house.link + ": ";
+  const Ended good = onTerminal(clock, "abcd\n", question);
+  EXPECT_EQ(good.status, 0);
+  EXPECT_TRUE(good.shows(question + "\r\ncontroller ")) << good.text;
+  const struct {
+    const char* typed;
+    int status;
+    const char* outcome;
+  } rows[] = {{"no\n", 4, "the interface refuses the password"},
+              {"\n", 4, "asks for a password"},
+              {"abcde\n", 2, "at most four characters"},
+              {"ab\x03", 130, "interrupted"}};
+  for (const auto& row : rows) {
+    const Ended bad = onTerminal(clock, row.typed, question);
+    EXPECT_EQ(bad.status, row.status) << row.typed;
+    EXPECT_TRUE(bad.shows(row.outcome)) << bad.text;
+  }
 }
 
 TEST(Terminal, AFileChangedByHandIsAskedAboutBeforeTheLinkIsOpened) {

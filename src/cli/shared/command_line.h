@@ -52,6 +52,17 @@ class Option {
   CLI::Option* option_;
 };
 
+/// A setting of a configuration file.
+struct ConfigSetting {
+  std::string section;  ///< empty in front of the first one
+  std::string name;
+  std::string value;
+};
+
+/// Reads the text of a configuration file as TOML writes it: "[section]", "name = value", comments behind "#".
+/// Throws std::invalid_argument with a sentence.
+std::vector<ConfigSetting> parseConfiguration(const std::string& text);
+
 /// A command and its long options, without their dashes.
 struct CommandNames {
   std::string name;

@@ -2,10 +2,13 @@
 
 #include <stdexcept>
 
+#include "cli/shared/ask_password.h"
 #include "cli/shared/escapes.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/native_text.h"
 #include "cli/shared/password.h"
+#include "cli/shared/terminal.h"
+#include "cli/velk/connection/houses.h"
 #include "cli/velk/connection/link_failure.h"
 #include "cli/velk/connection/link_text.h"
 #include "cli/velk/connection/retry.h"
@@ -21,6 +24,9 @@ void LinkChoice::declare(const CommandLine& line) {
       line.flag("--simulate", options_.simulate, "A simulated controller of a small house");
   const Option text =
       line.option("--link", text_, "A link as one text, as in VELK_LINK; see \"velk --help\"");
+  const Option house =
+      line.option("--house", house_, "A house by its name in the configuration file").typeName("NAME");
+  house.excludes(tcp).excludes(serial).excludes(simulate).excludes(text);
   tcp.excludes(serial).excludes(simulate).excludes(text);
   serial.excludes(simulate).excludes(text);
   simulate.excludes(text);
@@ -28,7 +34,8 @@ void LinkChoice::declare(const CommandLine& line) {
   const Option address = line.option("--address", busAddress_, "Bus address of the controller")
                              .range(link::lowestBusAddress, link::highestBusAddress)
                              .showDefault()
-                             .excludes(text);
+                             .excludes(text)
+                             .excludes(house);
   const Option baud = line.option("--baud", baud_, "Rate of the serial link in bit/s")
                           .range(lowestBaud, highestBaud)
                           .needs(serial)
@@ -36,12 +43,13 @@ void LinkChoice::declare(const CommandLine& line) {
   const Option fast =
       line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
   address_ = address;
-  for (const Option& option : {tcp, serial, simulate, text, password, address, baud, fast})
+  for (const Option& option : {tcp, serial, simulate, text, house, password, address, baud, fast})
     option.group(group);
 }
 
 std::optional<LinkOptions> LinkChoice::find() const {
   if (!text_.empty()) return parseLink(text_);
+  if (!house_.empty()) return houseNamed(house_);
   if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
     const auto text = environment("VELK_LINK");
     if (!text || text->empty()) return std::nullopt;
@@ -60,8 +68,19 @@ std::optional<LinkOptions> LinkChoice::find() const {
 
 LinkOptions LinkChoice::required() const {
   if (auto link = find()) return *std::move(link);
-  throw std::invalid_argument("no link: give --tcp, --serial, --simulate or --link, or set VELK_LINK");
+  throw std::invalid_argument(
+      "no link: give --tcp, --serial, --simulate, --house or --link, or set VELK_LINK");
 }
+
+namespace {
+
+/// Whether an interface has refused a login without a password.
+bool wantsPassword(const LinkOptions& link, Connection& connection) {
+  return !link.tcp.empty() && link.password.empty() && connection.serial().TCP &&
+         !isLost(connection.result());
+}
+
+}  // namespace
 
 std::unique_ptr<Connection> open(const LinkOptions& link) {
   auto connection = std::make_unique<Connection>(link);
@@ -71,6 +90,13 @@ std::unique_ptr<Connection> open(const LinkOptions& link) {
   };
   retry().whenFirstIsLost(link.serial.empty() ? nullptr : std::function<void()>(explainSilence));
   if (connection->result() == 0) return connection;
+  if (wantsPassword(link, *connection) && inputIsTerminal() && errorIsTerminal()) {
+    LinkOptions complete = link;
+    complete.password = checkedPassword(unescaped(askPassword("password of " + link.tcp + ": ")));
+    // An empty line would be refused as before, and asked for again.
+    connection->serial().CloseTCP();
+    if (!complete.password.empty()) return open(complete);
+  }
   throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP));
 }
 

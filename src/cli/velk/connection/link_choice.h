@@ -24,6 +24,7 @@ class LinkChoice {
  private:
   LinkOptions options_;
   std::string text_;
+  std::string house_;
   std::string password_;
   int baud_ = LinkOptions().baud;
   int busAddress_ = LinkOptions().busAddress;

@@ -44,8 +44,7 @@ struct Setting {
 };
 
 void setAddress(LinkOptions& link, std::string_view value) {
-  link.busAddress =
-      static_cast<Byte>(number("address", value, link::lowestBusAddress, link::highestBusAddress));
+  setBusAddress(link, std::string(value));
 }
 
 constexpr std::array settings{
@@ -88,6 +87,11 @@ void setTarget(LinkOptions& link, Medium medium, std::string_view target) {
 }
 
 }  // namespace
+
+void setBusAddress(LinkOptions& link, const std::string& digits) {
+  link.busAddress =
+      static_cast<Byte>(number("address", digits, link::lowestBusAddress, link::highestBusAddress));
+}
 
 LinkOptions parseLink(const std::string& text) {
   const auto* const scheme = std::find_if(schemes.begin(), schemes.end(), [&](const Scheme& row) {

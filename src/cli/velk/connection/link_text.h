@@ -17,6 +17,9 @@ namespace velk::cli {
 /// with a sentence.
 LinkOptions parseLink(const std::string& text);
 
+/// Sets the bus address. Throws std::invalid_argument with a sentence.
+void setBusAddress(LinkOptions& link, const std::string& digits);
+
 /// The link as such a text, without its password.
 std::string nameOf(const LinkOptions& link);
 
