@@ -1,5 +1,5 @@
 # What is installed on Linux, and the Debian package made of it: one static library with its headers, a CMake
-# package, a pkg-config file, the tools, a manual page and a completion.
+# package, a pkg-config file, the tools, a manual page and completions.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -62,13 +62,22 @@ install(TARGETS velk velk-sim)
 configure_file(docs/velk.1 ${PROJECT_BINARY_DIR}/velk.1 @ONLY)
 compressed(velk.1)
 install(FILES ${PROJECT_BINARY_DIR}/velk.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-add_custom_command(
-  OUTPUT ${PROJECT_BINARY_DIR}/velk.bash
-  COMMAND velk completion bash > ${PROJECT_BINARY_DIR}/velk.bash
-  DEPENDS velk)
-add_custom_target(completion ALL DEPENDS ${PROJECT_BINARY_DIR}/velk.bash)
-install(FILES ${PROJECT_BINARY_DIR}/velk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-        RENAME velk)
+# Each shell finds the completion of a command by the name of a file; that of the Bash and of fish is for one command.
+foreach(shell bash zsh fish)
+  add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/velk.${shell}
+    COMMAND velk completion ${shell} > ${PROJECT_BINARY_DIR}/velk.${shell}
+    DEPENDS velk)
+  list(APPEND completions ${PROJECT_BINARY_DIR}/velk.${shell})
+endforeach()
+add_custom_target(completion ALL DEPENDS ${completions})
+foreach(program velk velk-sim)
+  install(FILES ${PROJECT_BINARY_DIR}/velk.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME ${program})
+  install(FILES ${PROJECT_BINARY_DIR}/velk.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+          RENAME ${program}.fish)
+endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/velk.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
 install(FILES ${documents} README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples/linux packaging/systemd DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)

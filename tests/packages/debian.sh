@@ -44,13 +44,16 @@ check "  and that of the tools" \
 check "  and of the manual page" sh -c "zcat -f '$usr'/share/man/man1/velk.1* | grep -F '\"VelkCom $version\"'"
 check "  and the newest that CHANGELOG.md tells of" \
   test "$(zcat -f "$usr"/share/doc/velkcom/CHANGELOG.md* | grep '^## [0-9]' | head -n 1)" = "## $version"
-completes() { # completes "WORDS" COMPLETION: bash, with the cursor behind the words, offers the completion
-  bash -c '. "$1"; COMP_WORDS=($2); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _velk
-    printf "%s\n" "${COMPREPLY[@]}" | grep -qx -- "$3"' completes "$usr/share/bash-completion/completions/velk" "$@"
+completes() { # completes LINE COMPLETION: bash, with the cursor behind the line, offers the completion
+  bash -c '. "$1"; COMP_LINE=$2 COMP_POINT=${#2}; compopt() { COMPREPLY=("$*"); }; _velk "$4" "${2##* }"
+    printf "%s\n" "${COMPREPLY[@]}" | grep -qx -- "$3"' \
+    completes "$usr/share/bash-completion/completions/velk" "$@" "$usr/bin/velk"
 }
 check "bash completes a command" completes "velk rest" restore
 check "  and its options" completes "velk restore --dr" --dry-run
-check "  and leaves files to the shell" completes "velk restore ho" ""
+check "  and leaves files to the shell" completes "velk restore ho" "-o default"
+check "zsh and fish find theirs" test -s "$usr/share/zsh/vendor-completions/_velk" \
+  -a -s "$usr/share/fish/vendor_completions.d/velk.fish"
 
 start_simulator "$usr/bin/velk-sim" --tcp 0 --password pass --echo --for 3600
 lists_presets() {

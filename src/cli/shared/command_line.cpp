@@ -1,6 +1,7 @@
 #include "cli/shared/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,6 +19,7 @@ Option Option::range(int lowest, int highest) const {
 
 Option Option::oneOf(const std::vector<std::string>& words) const {
   option_->check(CLI::IsMember(words));
+  *words_ = words;
   return *this;
 }
 
@@ -66,32 +68,36 @@ bool Option::isGiven() const {
 }
 
 CommandLine::CommandLine(const std::string& program, const std::string& description)
-    : app_(std::make_shared<CLI::App>(description, program)) {}
+    : app_(std::make_shared<CLI::App>(description, program)), words_(std::make_shared<Words>()) {}
+
+Option CommandLine::noted(CLI::Option* option) const {
+  return {*option, (*words_)[option]};
+}
 
 Option CommandLine::option(const std::string& names, std::string& value, const std::string& help) const {
-  return Option(*app_->add_option(names, value, help));
+  return noted(app_->add_option(names, value, help));
 }
 
 Option CommandLine::option(const std::string& names, int& value, const std::string& help) const {
-  return Option(*app_->add_option(names, value, help));
+  return noted(app_->add_option(names, value, help));
 }
 
 Option CommandLine::option(const std::string& names, double& value, const std::string& help) const {
-  return Option(*app_->add_option(names, value, help));
+  return noted(app_->add_option(names, value, help));
 }
 
 Option CommandLine::option(const std::string& names, std::vector<std::string>& value,
                            const std::string& help) const {
-  return Option(*app_->add_option(names, value, help));
+  return noted(app_->add_option(names, value, help));
 }
 
 Option CommandLine::option(const std::string& names, std::vector<std::uint16_t>& value,
                            const std::string& help) const {
-  return Option(*app_->add_option(names, value, help));
+  return noted(app_->add_option(names, value, help));
 }
 
 Option CommandLine::flag(const std::string& names, bool& value, const std::string& help) const {
-  return Option(*app_->add_flag(names, value, help));
+  return noted(app_->add_flag(names, value, help));
 }
 
 void CommandLine::version(const std::string& text) const {
@@ -107,25 +113,56 @@ CommandLine CommandLine::addCommand(const std::string& name, const std::string& 
   app_->require_subcommand(1);
   CLI::App* const command = app_->add_subcommand(name, help);
   command->callback(chosen);
-  return CommandLine(app_->get_subcommand_ptr(command));
+  return {app_->get_subcommand_ptr(command), words_};
 }
 
 bool CommandLine::hasCommand(const std::string& name) const {
   return !app_->get_subcommands([&](const CLI::App* command) { return command->check_name(name); }).empty();
 }
 
-std::vector<CommandNames> CommandLine::commands() const {
-  std::vector<CommandNames> list;
-  for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; })) {
-    CommandNames& names = list.emplace_back();
-    names.name = command->get_name();
-    for (const CLI::Option* const option : command->get_options()) {
-      if (option->get_group().empty()) continue;  // not for people
-      const auto& options = option->get_lnames();
-      names.options.insert(names.options.end(), options.begin(), options.end());
-    }
+bool OptionShape::isNamed(std::string_view name) const {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+namespace {
+
+OptionShape shapeOf(const CLI::Option& option, const std::vector<std::string>& words) {
+  OptionShape shape{.fallback = option.get_default_str(),
+                    .help = option.get_description(),
+                    .group = option.get_group(),
+                    .words = words,
+                    .delimiter = option.get_delimiter(),
+                    .isPositional = option.get_positional(),
+                    .isRequired = option.get_required()};
+  if (shape.isPositional) shape.names.push_back(option.get_name(true));
+  for (const std::string& name : option.get_snames()) shape.names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames()) shape.names.push_back("--" + name);
+  if (option.get_items_expected_max() == 0) return shape;
+  shape.value = option.get_type_name();
+  shape.isList =
+      option.get_expected_max() == CLI::detail::expected_max_vector_size && option.get_allow_extra_args();
+  return shape;
+}
+
+}  // namespace
+
+CommandShape CommandLine::shape() const {
+  CommandShape shape{.name = app_->get_name(),
+                     .help = app_->get_description(),
+                     .footer = app_->get_footer(),
+                     .options = {},
+                     .commands = {}};
+  for (const CLI::Option* const option : app_->get_options()) {
+    if (option->get_group().empty()) continue;
+    const auto words = words_->find(option);
+    shape.options.push_back(
+        shapeOf(*option, words == words_->end() ? std::vector<std::string>() : words->second));
   }
-  return list;
+  for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; })) {
+    const CommandLine line(app_->get_subcommand_ptr(command->get_name()), words_);
+    shape.commands.push_back(line.shape());
+  }
+  return shape;
 }
 
 namespace {

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/shared/exit_status.h"
@@ -21,7 +23,7 @@ namespace velk::cli {
 /// What may be said of an option once it is declared; calls can be chained.
 class Option {
  public:
-  explicit Option(CLI::Option& option) : option_(&option) {}
+  Option(CLI::Option& option, std::vector<std::string>& words) : option_(&option), words_(&words) {}
 
   Option required() const;
   /// Only numbers from `lowest` to `highest` are taken.
@@ -50,6 +52,7 @@ class Option {
 
  private:
   CLI::Option* option_;
+  std::vector<std::string>* words_;  ///< those that are taken; empty: any
 };
 
 /// A setting of a configuration file.
@@ -63,10 +66,29 @@ struct ConfigSetting {
 /// Throws std::invalid_argument with a sentence.
 std::vector<ConfigSetting> parseConfiguration(const std::string& text);
 
-/// A command and its long options, without their dashes.
-struct CommandNames {
+/// An option, or a value that is known by its position, as help shows it.
+struct OptionShape {
+  std::vector<std::string> names;  ///< "--tcp", "--tcp-q"; "FILE" when known by its position
+  std::string value;               ///< how its value is called; empty for a flag
+  std::string fallback;            ///< the value without it, where help tells that
+  std::string help;
+  std::string group;
+  std::vector<std::string> words;  ///< the only values, where they are few
+  char delimiter = 0;              ///< what stands between values in one word; 0: nothing does
+  bool isPositional = false;
+  bool isList = false;  ///< takes words until an option comes
+  bool isRequired = false;
+
+  [[nodiscard]] bool isNamed(std::string_view name) const;
+};
+
+/// A command as help shows it.
+struct CommandShape {
   std::string name;
-  std::vector<std::string> options;
+  std::string help;
+  std::string footer;
+  std::vector<OptionShape> options;
+  std::vector<CommandShape> commands;
 };
 
 /// The command line of a program, or that of one of its commands. A copy is the same command line.
@@ -95,17 +117,23 @@ class CommandLine {
 
   [[nodiscard]] bool hasCommand(const std::string& name) const;
 
-  /// All commands, in their order.
-  [[nodiscard]] std::vector<CommandNames> commands() const;
+  /// What is declared so far, but for options without a group, which are not for people.
+  [[nodiscard]] CommandShape shape() const;
 
   /// Reads the words of `main`. The exit status, when the program has nothing more to do: help or the version
   /// is printed, or a sentence on what is wrong.
   [[nodiscard]] std::optional<ExitStatus> parse(int argc, char** argv) const;
 
  private:
-  explicit CommandLine(std::shared_ptr<CLI::App> app) : app_(std::move(app)) {}
+  /// The words that options take, where they are few.
+  using Words = std::map<const CLI::Option*, std::vector<std::string>>;
+
+  CommandLine(std::shared_ptr<CLI::App> app, std::shared_ptr<Words> words)
+      : app_(std::move(app)), words_(std::move(words)) {}
+  [[nodiscard]] Option noted(CLI::Option* option) const;
 
   std::shared_ptr<CLI::App> app_;
+  std::shared_ptr<Words> words_;
 };
 
 }  // namespace velk::cli

@@ -6,6 +6,7 @@
 #include "cli/house/backup_file.h"
 #include "cli/house/simulated_modules.h"
 #include "cli/shared/command_line.h"
+#include "cli/shared/completion.h"
 #include "cli/shared/escapes.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/files.h"
@@ -107,6 +108,19 @@ void declare(const CommandLine& line, Options& options) {
   line.option("--for", options.seconds, "End after so many seconds (0: at once)").typeName("SECONDS");
   line.version("velk-sim " VELK_VERSION);
   line.footer(examples + describeFaults());
+}
+
+/// For completion.
+std::optional<Candidates> valuesAt(const Place& place) {
+  if (place.option.value != "KIND[=N]@WHICH") {
+    const bool isFile = place.option.value == "FILE" || place.option.value == "[DEVICE]";
+    return isFile ? std::nullopt : std::optional<Candidates>(std::in_place);
+  }
+  Candidates kinds;
+  for (const auto& kind : simulator::faultKinds()) {
+    kinds.push_back({std::string(kind.name) + (kind.argument.empty() ? "@" : "="), std::string(kind.help)});
+  }
+  return kinds;
 }
 
 void print(const std::string& line) {
@@ -245,6 +259,7 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk-sim", description);
   Options options;
   declare(line, options);
+  if (const auto answered = answerShell(line.shape(), argc, argv, valuesAt)) return *answered;
   const auto status = line.parse(argc, argv);
   if (!status) {
     watchInterrupts();

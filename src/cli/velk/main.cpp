@@ -1,8 +1,10 @@
 #include <iostream>
 
+#include "cli/shared/completion.h"
 #include "cli/shared/guarded.h"
 #include "cli/shared/native_text.h"
 #include "cli/velk/commands/command.h"
+#include "cli/velk/completion/values.h"
 #include "cli/velk/connection/connection.h"
 #include "cli/velk/connection/retry.h"
 
@@ -47,9 +49,10 @@ constexpr const char* notes =
 
 void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
-       {addStatus,     addOutputs,     addOutput,     addClock,   addLinks,        addPresets,  addPreset,
-        addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage, addBackup,
-        addDiff,       addRestore,     addWeek,       addPorts, addDoctor,  addCompletion,   addCall,     addMethods}) {
+       {addStatus,   addOutputs,    addOutput,      addClock,      addLinks,   addPresets,
+        addPreset,   addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText,
+        addLanguage, addBackup,     addDiff,        addRestore,    addWeek,    addPorts,
+        addDoctor,   addCompletion, addCall,        addMethods}) {
     add(line, job);
   }
 }
@@ -68,6 +71,7 @@ int carryOut(int argc, char** argv) {
   line.footer(notes);
   Job job;
   addCommands(line, job);
+  if (const auto status = answerShell(line.shape(), argc, argv, valuesAt)) return *status;
   if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
   if (const auto status = line.parse(argc, argv)) return *status;
   return job();

@@ -1,4 +1,5 @@
 #include "cli/velk/commands/command.h"
+#include "cli/velk/completion/scripts.h"
 
 namespace velk::cli {
 namespace {
@@ -7,35 +8,28 @@ struct CompletionOptions {
   std::string shell;
 
   void declare(const CommandLine& line) {
-    line.option("SHELL", shell, "The shell").required().oneOf({"bash"});
+    line.option("SHELL", shell, "The shell").required().oneOf(shells());
   }
 };
 
-std::string bashScript(const CommandLine& velk) {
-  std::string commands;
-  std::string cases;
-  for (const CommandNames& command : velk.commands()) {
-    std::string words;
-    for (const std::string& option : command.options) words += " --" + option;
-    commands += " " + command.name;
-    cases += "    " + command.name + ") words=\"" + words + "\" ;;\n";
-  }
-  // Where no option begins, bash offers files.
-  return "_velk() {\n  local current=${COMP_WORDS[COMP_CWORD]} words=\n  case ${COMP_WORDS[1]} in\n" + cases +
-         "  esac\n  [[ $current == -* ]] || words=\n  [ \"$COMP_CWORD\" -ne 1 ] || words=\"" + commands +
-         " --help --version\"\n  COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n}\n"
-         "complete -o default -F _velk velk\n";
+int printScript(const CompletionOptions& options) {
+  std::cout << completionScript(options.shell);
+  return success;
 }
 
 }  // namespace
 
 void addCompletion(const CommandLine& velk, Job& job) {
-  addCommand<CompletionOptions>(velk, job, "completion", "Print a completion script for a shell",
-                                "  source <(velk completion bash)\n",
-                                [&velk](const CompletionOptions& /*options*/) {
-                                  std::cout << bashScript(velk);
-                                  return success;
-                                });
+  addCommand<CompletionOptions>(
+      velk, job, "completion", "Print a completion script for a shell",
+      "  source <(velk completion bash)\n"
+      "  velk completion zsh > ~/.zfunc/_velk     # in a folder of $fpath\n"
+      "  velk completion fish > ~/.config/fish/completions/velk.fish\n"
+      "  velk completion powershell >> $PROFILE\n"
+      "\nCompletes velk and velk-sim: commands, options, and values such as methods, modes and sections.\n"
+      "With a link over TCP, in the line or in VELK_LINK, outputs and presets are named from the "
+      "controller.\n",
+      printScript);
 }
 
 }  // namespace velk::cli

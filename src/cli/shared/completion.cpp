@@ -1,0 +1,246 @@
+#include "cli/shared/completion.h"
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+
+#include "values/digits.h"
+
+namespace velk::cli {
+
+namespace {
+
+constexpr auto npos = std::string::npos;
+
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// Capitals count as small letters: names of methods may be typed so.
+bool begins(const std::string& text, const std::string& start) {
+  return text.size() >= start.size() && std::equal(start.begin(), start.end(), text.begin(),
+                                                   [](char a, char b) { return lower(a) == lower(b); });
+}
+
+/// Follows the words of a command line up to the cursor.
+class Walk {
+ public:
+  Walk(const CommandShape& program, const ValuesAt& valuesAt)
+      : program_(program), command_(&program), valuesAt_(valuesAt) {}
+
+  void pass(const std::string& word) {
+    if (awaited_ != nullptr) return passValue(word);
+    if (!isEnded_ && word == "--") {
+      isEnded_ = true;
+    } else if (!isEnded_ && word.starts_with("-") && word.size() > 1) {
+      passOption(word);
+    } else if (isCommandNext()) {
+      passCommand(word);
+    } else {
+      passPositional(word);
+    }
+  }
+
+  /// What may stand for the word at the cursor.
+  std::optional<Candidates> at(const std::string& word) {
+    if (awaited_ != nullptr) return values(*awaited_, word);
+    if (!isEnded_ && word.starts_with("-")) {
+      const auto equals = word.find('=');
+      return equals == npos ? options(word) : valuesBehind(word, equals);
+    }
+    if (isCommandNext()) return commands(word);
+    if (const OptionShape* const place = positional()) return values(*place, word);
+    return Candidates();
+  }
+
+ private:
+  [[nodiscard]] bool isCommandNext() const { return command_ == &program_ && !program_.commands.empty(); }
+
+  [[nodiscard]] const OptionShape* named(const std::string& name) const {
+    const auto found = std::find_if(command_->options.begin(), command_->options.end(),
+                                    [&](const OptionShape& option) { return option.isNamed(name); });
+    return found == command_->options.end() ? nullptr : &*found;
+  }
+
+  /// The value that stands next by its position; null when there is none.
+  [[nodiscard]] const OptionShape* positional() const {
+    std::size_t left = position_;
+    for (const OptionShape& option : command_->options) {
+      if (option.isPositional && left-- == 0) return &option;
+    }
+    return nullptr;
+  }
+
+  void passOption(const std::string& word) {
+    const auto equals = word.find('=');
+    const OptionShape* const option = named(word.substr(0, equals));
+    if (option == nullptr) return;
+    given_.push_back(option);
+    if (option->group == "Link") link_.push_back(word);
+    if (!option->value.empty() && equals == npos) awaited_ = option;
+  }
+
+  void passValue(const std::string& word) {
+    if (awaited_->group == "Link") link_.push_back(word);
+    awaited_ = nullptr;
+  }
+
+  void passCommand(const std::string& word) {
+    static const CommandShape none;
+    const auto found = std::find_if(program_.commands.begin(), program_.commands.end(),
+                                    [&](const CommandShape& command) { return command.name == word; });
+    command_ = found == program_.commands.end() ? &none : &*found;
+  }
+
+  void passPositional(const std::string& word) {
+    values_.push_back(word);
+    if (const OptionShape* const option = positional(); option == nullptr || option->isList) return;
+    ++position_;
+  }
+
+  static Candidates fitting(Candidates all, const std::string& start) {
+    std::erase_if(all, [&](const Candidate& candidate) { return !begins(candidate.word, start); });
+    return all;
+  }
+
+  [[nodiscard]] Candidates commands(const std::string& word) const {
+    Candidates all;
+    for (const CommandShape& command : program_.commands) all.push_back({command.name, command.help});
+    return fitting(std::move(all), word);
+  }
+
+  [[nodiscard]] Candidates options(const std::string& word) const {
+    Candidates all;
+    for (const OptionShape& option : command_->options) {
+      const bool isGiven = std::find(given_.begin(), given_.end(), &option) != given_.end();
+      for (const std::string& name : option.names) {
+        if (!isGiven && name.starts_with("--")) all.push_back({name, option.help});
+      }
+    }
+    return fitting(std::move(all), word);
+  }
+
+  [[nodiscard]] std::optional<Candidates> valuesBehind(const std::string& word, std::size_t equals) const {
+    const OptionShape* const option = named(word.substr(0, equals));
+    if (option == nullptr || option->value.empty()) return Candidates();
+    auto found = values(*option, word.substr(equals + 1));
+    if (found) {
+      for (Candidate& candidate : *found) candidate.word.insert(0, word, 0, equals + 1);
+    }
+    return found;
+  }
+
+  /// All that a value can be.
+  [[nodiscard]] std::optional<Candidates> all(const OptionShape& option) const {
+    if (option.words.empty())
+      return valuesAt_({.command = command_->name, .option = option, .before = values_, .link = link_});
+    Candidates all;
+    for (const std::string& word : option.words) all.push_back({word, ""});
+    return all;
+  }
+
+  /// In a list with delimiters the word may hold several values: the last one is meant.
+  [[nodiscard]] std::optional<Candidates> values(const OptionShape& option, const std::string& word) const {
+    auto found = all(option);
+    if (!found) return found;
+    const auto last = option.delimiter == 0 ? npos : word.rfind(option.delimiter);
+    const std::string front = last == npos ? "" : word.substr(0, last + 1);
+    const auto stands = [&](const std::string& value) {
+      const std::string between(1, option.delimiter);
+      return !front.empty() && (between + front).find(between + value + between) != npos;
+    };
+    std::erase_if(*found, [&](const Candidate& candidate) { return stands(candidate.word); });
+    for (Candidate& candidate : *found) candidate.word.insert(0, front);
+    return fitting(*std::move(found), word);
+  }
+
+  const CommandShape& program_;
+  const CommandShape* command_;
+  const ValuesAt& valuesAt_;
+  const OptionShape* awaited_ = nullptr;  ///< the option whose value comes next
+  std::vector<const OptionShape*> given_;
+  std::vector<std::string> values_;  ///< those known by their position
+  std::vector<std::string> link_;
+  std::size_t position_ = 0;
+  bool isEnded_ = false;  ///< "--" stood there: what comes is no option
+};
+
+/// With the name of each, when there are several: the Bash shows nothing but words.
+void printForBash(const Candidates& found, std::size_t replacedFrom) {
+  std::size_t width = 0;
+  for (const Candidate& candidate : found) width = std::max(width, candidate.word.size());
+  for (const Candidate& candidate : found) {
+    std::string word = candidate.word.substr(std::min(replacedFrom, candidate.word.size()));
+    if (found.size() > 1 && !candidate.help.empty()) {
+      word.append(width - candidate.word.size() + 2, ' ').append("(" + candidate.help + ")");
+    }
+    std::cout << word << '\n';
+  }
+}
+
+std::optional<int> statusFor(const std::optional<Candidates>& found) {
+  return found ? success : badResult;
+}
+
+std::optional<int> answerBash(const CommandShape& program, const std::vector<std::string>& arguments,
+                              const ValuesAt& valuesAt) {
+  if (arguments.size() != 3) return wrongUsage;
+  const auto cursor = wholeNumber<std::size_t>(arguments[1]);
+  std::vector<std::string> words = wordsOfBash(arguments[0].substr(0, cursor.value_or(npos)));
+  words.erase(words.begin());  // the program
+  if (words.empty()) return wrongUsage;
+  const auto found = candidates(program, words, valuesAt);
+  // The Bash replaces what stands behind the last "=" or ":" alone.
+  const std::string& last = words.back();
+  const bool isPart = last.ends_with(arguments[2]);
+  if (found) printForBash(*found, isPart ? last.size() - arguments[2].size() : 0);
+  return statusFor(found);
+}
+
+}  // namespace
+
+std::optional<Candidates> candidates(const CommandShape& program, const std::vector<std::string>& words,
+                                     const ValuesAt& valuesAt) {
+  Walk walk(program, valuesAt);
+  for (auto word = words.begin(); word != std::prev(words.end()); ++word) walk.pass(*word);
+  return walk.at(words.back());
+}
+
+std::vector<std::string> wordsOfBash(const std::string& line) {
+  std::vector<std::string> words(1);
+  char quote = 0;
+  bool isWord = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (quote == 0 && (c == ' ' || c == '\t' || c == '\n')) {
+      if (isWord) words.emplace_back();
+      isWord = false;
+      continue;
+    }
+    isWord = true;
+    if (quote == 0 && (c == '"' || c == '\'')) {
+      quote = c;
+    } else if (c == quote) {
+      quote = 0;
+    } else if (c == '\\' && quote != '\'' && i + 1 < line.size()) {
+      words.back() += line[++i];
+    } else {
+      words.back() += c;
+    }
+  }
+  return words;
+}
+
+std::optional<int> answerShell(const CommandShape& program, int argc, char** argv, const ValuesAt& valuesAt) {
+  if (argc < 4 || std::string_view(argv[1]) != "complete") return std::nullopt;
+  std::vector<std::string> words(argv + 3, argv + argc);
+  if (std::string_view(argv[2]) == "bash") return answerBash(program, words, valuesAt);
+  words.back().erase(0, 1);
+  const auto found = candidates(program, words, valuesAt);
+  for (const Candidate& candidate : found.value_or(Candidates())) {
+    std::cout << candidate.word << '\t' << candidate.help << '\n';
+  }
+  return statusFor(found);
+}
+
+}  // namespace velk::cli

@@ -1,0 +1,174 @@
+#include "cli/velk/completion/values.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+
+#include "cli/velk/backup/describe.h"
+#include "cli/velk/connection/link_choice.h"
+#include "cli/velk/things/output.h"
+#include "cli/velk/things/preset.h"
+#include "component/methods.h"
+#include "parameters/layouts.h"
+
+namespace velk::cli {
+namespace {
+
+using Found = std::optional<Candidates>;
+
+Found nothing(const Place& /*place*/) {
+  return Candidates();
+}
+
+Found files(const Place& /*place*/) {
+  return std::nullopt;
+}
+
+Found linkTexts(const Place& /*place*/) {
+  return Candidates{{"tcp://", "HOST:PORT?password=TEXT&address=N"},
+                    {"serial:", "DEVICE?fast&baud=N&address=N"},
+                    {"simulate:", ""}};
+}
+
+Found sectionNames(const Place& /*place*/) {
+  Candidates found;
+  for (const std::string_view section : sections()) found.push_back({std::string(section), ""});
+  return found;
+}
+
+Found methodNames(const Place& /*place*/) {
+  Candidates found;
+  for (const Method& method : methods())
+    found.push_back({std::string(method.name), std::string(method.help)});
+  return found;
+}
+
+Found properties(const Place& /*place*/) {
+  Candidates found;
+  for (const Method& method : methods()) {
+    if (method.put != nullptr) found.push_back({std::string(method.name) + "=", std::string(method.help)});
+  }
+  return found;
+}
+
+/// The names of those that are not given by position.
+Found arguments(const Place& place) {
+  Candidates found;
+  const Method* const method = findMethod(place.before.front());
+  if (method == nullptr) return found;
+  const auto given = std::min(place.before.size() - 1, method->parameters().size());
+  for (const Parameter& parameter : method->parameters().subspan(given)) {
+    found.push_back({std::string(parameter.name) + "=", ""});
+  }
+  return found;
+}
+
+/// The link that the line or the environment names. None over a serial line: it may be in use, and is too slow
+/// for somebody who waits for a name.
+std::optional<LinkOptions> linkOf(const Place& place) {
+  const CommandLine line("velk", "");
+  LinkChoice choice;
+  choice.declare(line);
+  std::vector<std::string> words = place.link;
+  words.insert(words.begin(), "velk");
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  if (line.parse(static_cast<int>(arguments.size()), arguments.data())) return std::nullopt;
+  std::optional<LinkOptions> link = choice.find();
+  if (!link || !link->serial.empty()) return std::nullopt;
+  return link;
+}
+
+/// A person waits with a finger on the key: what a link has not told until then is left out.
+void endSoon() {
+  static constexpr std::chrono::seconds patience{2};
+  std::thread([] {
+    std::this_thread::sleep_for(patience);
+    std::_Exit(success);
+  }).detach();
+}
+
+/// What `read` says of the numbers up to the last; nothing without a link that answers.
+template <class Read>
+Found numbered(const Place& place, int last, Read read) {
+  Candidates found;
+  try {
+    const auto link = linkOf(place);
+    if (!link) return found;
+    endSoon();
+    const auto connection = open(*link);
+    for (int number = 1; number <= last; ++number) {
+      if (auto help = read(connection->serial(), static_cast<Byte>(number))) {
+        found.push_back({std::to_string(number), *std::move(help)});
+      }
+    }
+  } catch (const std::exception&) {
+    // Whoever carries the command out will be told.
+  }
+  return found;
+}
+
+Found outputs(const Place& place) {
+  return numbered(place, lastOutput, [](Serial& serial, Byte number) -> std::optional<std::string> {
+    const Output output = readOutputHead(serial, number);
+    if (output.mode.empty() && output.name.empty()) return std::nullopt;
+    return output.name.empty() ? output.mode : output.name;
+  });
+}
+
+Found presets(const Place& place) {
+  return numbered(place, lastPresetNumber, [](Serial& serial, Byte number) -> std::optional<std::string> {
+    const Preset preset = readPreset(serial, number, Records::withoutMost);
+    return isUsed(preset) ? std::optional(preset.text) : std::nullopt;
+  });
+}
+
+Found changeOfOutput(const Place& place) {
+  Candidates found;
+  if (place.before.size() == 1) return Candidates{{"set", "Change the mode and items"}};
+  if (place.before.size() == 2) {
+    for (const parameters::Layout& layout : parameters::layouts())
+      found.push_back({std::string(layout.code), std::string(meaningOfMode(layout.code))});
+  } else if (const parameters::Layout* const layout = parameters::layoutOf(place.before[2])) {
+    for (std::size_t item = 0; item < layout->items.size(); ++item)
+      found.push_back({std::to_string(item) + "=", "at " + placeOf(layout->items[item])});
+  }
+  return found;
+}
+
+struct Row {
+  std::string_view command;  ///< empty: every one
+  std::string_view name;     ///< of the option, of its value, or of a value known by its position
+  Found (*values)(const Place&);
+};
+
+// The first row that fits tells. Options whose words are declared with them (`Option::oneOf`) need none.
+constexpr std::array rows{
+    Row{"", "FILE", files},
+    Row{"diff", "A", files},
+    Row{"diff", "B", files},
+    Row{"", "--serial", files},
+    Row{"", "--link", linkTexts},
+    Row{"", "--only", sectionNames},
+    Row{"output", "N", outputs},
+    Row{"output", "set", changeOfOutput},
+    Row{"preset", "N", presets},
+    Row{"call", "--set", properties},
+    Row{"call", "METHOD", methodNames},
+    Row{"call", "ARGUMENTS", arguments},
+};
+
+}  // namespace
+
+std::optional<Candidates> valuesAt(const Place& place) {
+  const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& each) {
+    return (each.command.empty() || each.command == place.command) &&
+           (place.option.isNamed(each.name) || place.option.value == each.name);
+  });
+  return row == rows.end() ? nothing(place) : row->values(place);
+}
+
+}  // namespace velk::cli
