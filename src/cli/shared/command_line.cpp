@@ -5,6 +5,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "cli/shared/failure.h"
+#include "cli/shared/nearest.h"
+
 namespace velk::cli {
 
 Option Option::required() const {
@@ -18,7 +21,12 @@ Option Option::range(int lowest, int highest) const {
 }
 
 Option Option::oneOf(const std::vector<std::string>& words) const {
-  option_->check(CLI::IsMember(words));
+  const CLI::IsMember isMember(words);
+  const auto check = [isMember, words](std::string& word) {
+    const std::string fault = isMember(word);
+    return fault.empty() ? fault : fault + didYouMean(word, words);
+  };
+  option_->check(CLI::Validator(check, isMember.get_description()));
   *words_ = words;
   return *this;
 }
@@ -116,8 +124,15 @@ CommandLine CommandLine::addCommand(const std::string& name, const std::string& 
   return {app_->get_subcommand_ptr(command), words_};
 }
 
-bool CommandLine::hasCommand(const std::string& name) const {
-  return !app_->get_subcommands([&](const CLI::App* command) { return command->check_name(name); }).empty();
+std::string CommandLine::helpOf(const std::string& command) const {
+  // App::help would be that of the command that is read.
+  if (command.empty())
+    return app_->get_formatter()->make_help(app_.get(), app_->get_name(), CLI::AppFormatMode::Normal);
+  std::vector<std::string> names;
+  for (const CommandShape& each : shape().commands) names.push_back(each.name);
+  if (std::find(names.begin(), names.end(), command) != names.end())
+    return app_->get_subcommand(command)->help(app_->get_name());
+  throw std::invalid_argument("there is no command \"" + command + "\"" + didYouMean(command, names));
 }
 
 bool OptionShape::isNamed(std::string_view name) const {
@@ -202,12 +217,49 @@ std::vector<ConfigSetting> parseConfiguration(const std::string& text) try {
   throw std::invalid_argument(std::string("the configuration file: ") + error.what());
 }
 
+namespace {
+
+/// The command whose words are read, or the program itself.
+const CLI::App& reached(const CLI::App& app) {
+  const auto commands = app.get_subcommands();
+  return commands.empty() ? app : *commands.back();
+}
+
+/// What is wrong with a word that nothing takes.
+std::string unexpected(const CLI::App& app, const std::string& word) {
+  std::vector<std::string> names;
+  if (word.starts_with("-")) {
+    for (const CLI::Option* const option : app.get_options()) {
+      if (option->get_group().empty()) continue;
+      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
+    const std::string name = word.substr(0, word.find('='));
+    return "there is no option \"" + name + "\"" + didYouMean(name, names);
+  }
+  const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+  if (commands.empty()) return "nothing takes the argument \"" + word + "\"";
+  for (const CLI::App* const command : commands) names.push_back(command->get_name());
+  return "there is no command \"" + word + "\"" + didYouMean(word, names);
+}
+
+}  // namespace
+
 std::optional<ExitStatus> CommandLine::parse(int argc, char** argv) const {
   try {
     app_->parse(argc, argv);
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
-    return app_->exit(error) == 0 ? success : wrongUsage;
+    if (error.get_exit_code() == 0) {
+      app_->exit(error);
+      return success;
+    }
+    const CLI::App& app = reached(*app_);
+    const auto left = app_->remaining(true);
+    const bool misses = &app == app_.get() && app.get_require_subcommand_min() != 0;
+    const std::string fault = misses ? "a command is missing" : error.what();
+    const std::string sentence = left.empty() ? fault : unexpected(app, left.front());
+    const std::string command = &app == app_.get() ? "" : " " + app.get_name();
+    throw Failure(wrongUsage, sentence + " (see \"" + app_->get_name() + command + " --help\")");
   }
 }
 

@@ -115,13 +115,15 @@ class CommandLine {
   CommandLine addCommand(const std::string& name, const std::string& help,
                          const std::function<void()>& chosen) const;
 
-  [[nodiscard]] bool hasCommand(const std::string& name) const;
+  /// The help of a command, or of the program when the name is empty. Throws std::invalid_argument with
+  /// a sentence when no command is called so.
+  [[nodiscard]] std::string helpOf(const std::string& command) const;
 
   /// What is declared so far, but for options without a group, which are not for people.
   [[nodiscard]] CommandShape shape() const;
 
   /// Reads the words of `main`. The exit status, when the program has nothing more to do: help or the version
-  /// is printed, or a sentence on what is wrong.
+  /// is printed. Throws `Failure` when they are wrong.
   [[nodiscard]] std::optional<ExitStatus> parse(int argc, char** argv) const;
 
  private:

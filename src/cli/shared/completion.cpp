@@ -22,6 +22,12 @@ bool begins(const std::string& text, const std::string& start) {
                                                    [](char a, char b) { return lower(a) == lower(b); });
 }
 
+Candidates commandsOf(const CommandShape& program) {
+  Candidates all;
+  for (const CommandShape& command : program.commands) all.push_back({command.name, command.help});
+  return all;
+}
+
 /// Follows the words of a command line up to the cursor.
 class Walk {
  public:
@@ -104,9 +110,7 @@ class Walk {
   }
 
   [[nodiscard]] Candidates commands(const std::string& word) const {
-    Candidates all;
-    for (const CommandShape& command : program_.commands) all.push_back({command.name, command.help});
-    return fitting(std::move(all), word);
+    return fitting(commandsOf(program_), word);
   }
 
   [[nodiscard]] Candidates options(const std::string& word) const {
@@ -132,6 +136,7 @@ class Walk {
 
   /// All that a value can be.
   [[nodiscard]] std::optional<Candidates> all(const OptionShape& option) const {
+    if (option.value == "COMMAND") return commandsOf(program_);
     if (option.words.empty())
       return valuesAt_({.command = command_->name, .option = option, .before = values_, .link = link_});
     Candidates all;

@@ -27,7 +27,8 @@ struct Place {
   std::vector<std::string> link;    ///< the options of the heading "Link", with their values
 };
 
-/// What can stand in a place; none where files do.
+/// What can stand in a place; none where files do. Not asked for values of few words, and those that help
+/// calls COMMAND.
 using ValuesAt = std::function<std::optional<Candidates>(const Place&)>;
 
 /// What can stand for the last of the words, which may be empty; none where files do.

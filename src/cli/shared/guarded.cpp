@@ -1,11 +1,14 @@
 #include "cli/shared/guarded.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
+#include <variant>
 
 #include "cli/shared/failure.h"
 #include "cli/shared/system_files.h"
@@ -15,48 +18,53 @@ namespace velk::cli {
 
 namespace {
 
-/// Says why when standard output has failed, now or before.
-bool outputFailed(std::string_view program) {
+/// Why standard output has failed, now or before.
+std::optional<Failure> failureOfOutput() {
   errno = 0;
   std::cout.flush();
   const bool flushed = std::fflush(stdout) == 0;
   const int reason = errno;
-  if (flushed && std::ferror(stdout) == 0 && std::cout) return false;
-  std::cerr << program << ": standard output cannot be written";
-  if (reason != 0) std::cerr << ": " << std::generic_category().message(reason);
-  std::cerr << '\n';
-  return true;
+  if (flushed && std::ferror(stdout) == 0 && std::cout) return std::nullopt;
+  const std::string why = reason == 0 ? "" : ": " + std::generic_category().message(reason);
+  return Failure(badFile, "standard output cannot be written" + why);
 }
 
-int statusOf(std::string_view program, const std::function<int()>& carryOut) {
-  const auto report = [&](std::string_view sentence, ExitStatus status) {
-    std::cerr << program << ": " << sentence << '\n';
-    return status;
-  };
+/// What `carryOut` returns, or why it has failed.
+std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
   try {
     return carryOut();
   } catch (const Failure& failure) {
-    return report(failure.what(), failure.status);
+    return failure;
   } catch (const std::invalid_argument& error) {
-    return report(error.what(), wrongUsage);
+    return Failure(wrongUsage, error.what());
   } catch (const RuntimeError& error) {
-    return report(error.what(), runtimeError);
+    return Failure(runtimeError, error.what());
   } catch (const std::system_error& error) {
-    return report(error.what(), badFile);
+    return Failure(badFile, error.what());
   } catch (const std::bad_alloc&) {
-    return report("there is not enough memory", runtimeError);
+    return Failure(runtimeError, "there is not enough memory");
   } catch (const std::exception& error) {
-    return report(error.what(), runtimeError);
+    return Failure(runtimeError, error.what());
   }
 }
 
 }  // namespace
 
-int guarded(std::string_view program, const std::function<int()>& carryOut) {
+bool asksForJson(int argc, char** argv) {
+  const auto end = std::find(argv, argv + argc, std::string_view("--"));
+  return std::find(argv, end, std::string_view("--json")) != end;
+}
+
+int guarded(std::string_view program, const std::function<int()>& carryOut, bool asJson) {
   system::holdStandardStreams();
-  const int status = statusOf(program, carryOut);
+  const auto outcome = outcomeOf(carryOut);
+  const auto* const failure = std::get_if<Failure>(&outcome);
+  if (failure != nullptr) tell(program, *failure, asJson);
+  const int status = failure != nullptr ? failure->status : std::get<int>(outcome);
+  const auto lost = failureOfOutput();
+  if (lost) tell(program, *lost, asJson);
   const bool isError = status != success && status != badResult && status != unchanged;
-  return outputFailed(program) && !isError ? badFile : status;
+  return lost && !isError ? lost->status : status;
 }
 
 }  // namespace velk::cli

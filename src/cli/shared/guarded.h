@@ -5,8 +5,12 @@
 
 namespace velk::cli {
 
-/// Carries a program out and turns whatever it throws into a sentence on standard error and an exit status.
+/// Whether a command line has the option `--json`, also one that is wrong elsewhere.
+bool asksForJson(int argc, char** argv);
+
+/// Carries a program out and turns whatever it throws into an exit status and a sentence on standard error, or
+/// JSON: see `tell`.
 /// That standard output took not everything is told too, and is `badFile` when there was no other error.
-int guarded(std::string_view program, const std::function<int()>& carryOut);
+int guarded(std::string_view program, const std::function<int()>& carryOut, bool asJson = false);
 
 }  // namespace velk::cli

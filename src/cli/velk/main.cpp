@@ -31,6 +31,10 @@ constexpr const char* notes =
     "  link = \"tcp://192.168.1.20:8445\"\n"
     "  address = 2\n"
     "  password = \"1234\"      or password-file = \"FILE\"; velk asks for one that is missing\n"
+    "\nWith --json an error is a line of JSON on standard error as well:\n"
+    "  {\"error\":{\"code\":\"link\",\"status\":4,\"result\":252,\"text\":\"cannot open ...\"}}\n"
+    "where code is refused, usage, runtime, link, file or interrupted, status the exit status, and result\n"
+    "stands only when a method has ended with it.\n"
     "\nExit status:\n"
     "  0  done\n"
     "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
@@ -52,17 +56,9 @@ void addCommands(const CommandLine& line, Job& job) {
        {addStatus,   addOutputs,    addOutput,      addClock,      addLinks,   addPresets,
         addPreset,   addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText,
         addLanguage, addBackup,     addDiff,        addRestore,    addWeek,    addPorts,
-        addDoctor,   addCompletion, addCall,        addMethods}) {
+        addDoctor,   addCompletion, addCall,        addMethods,    addHelp}) {
     add(line, job);
   }
-}
-
-/// The parser would only say that a command is missing.
-bool namesUnknownCommand(const CommandLine& line, int argc, char** argv) {
-  const std::string first = argc > 1 ? argv[1] : "-";
-  if (first.starts_with('-') || line.hasCommand(first)) return false;
-  std::cerr << "velk: there is no command \"" << first << "\"; \"velk --help\" lists them\n";
-  return true;
 }
 
 int carryOut(int argc, char** argv) {
@@ -72,7 +68,6 @@ int carryOut(int argc, char** argv) {
   Job job;
   addCommands(line, job);
   if (const auto status = answerShell(line.shape(), argc, argv, valuesAt)) return *status;
-  if (namesUnknownCommand(line, argc, argv)) return wrongUsage;
   if (const auto status = line.parse(argc, argv)) return *status;
   return job();
 }
@@ -82,7 +77,8 @@ int carryOut(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
-    const int status = velk::cli::guarded("velk", [&] { return velk::cli::carryOut(count, words); });
+    const int status = velk::cli::guarded(
+        "velk", [&] { return velk::cli::carryOut(count, words); }, velk::cli::asksForJson(count, words));
     velk::cli::tellRepeats();
     return velk::cli::savingFailed() && status == velk::cli::success ? velk::cli::badFile : status;
   });

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/shared/failure.h"
+#include "cli/shared/nearest.h"
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/things/module.h"
@@ -93,9 +94,10 @@ void compareModules(const Backup& from, const Backup& to, std::vector<Difference
 Sections parseSections(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     if (std::find(sections().begin(), sections().end(), name) != sections().end()) continue;
-    std::string all;
+    const std::vector<std::string> known(sections().begin(), sections().end());
+    std::string all = ", but";
     for (const std::string_view section : sections()) all.append(" ").append(section);
-    throw std::invalid_argument("there is no section \"" + name + "\", but" + all);
+    throw std::invalid_argument("there is no section \"" + name + "\"" + didYouMean(name, known, all));
   }
   return {names.begin(), names.end()};
 }

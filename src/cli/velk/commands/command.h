@@ -65,5 +65,6 @@ void addWeek(const CommandLine& velk, Job& job);
 void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);
+void addHelp(const CommandLine& velk, Job& job);
 
 }  // namespace velk::cli

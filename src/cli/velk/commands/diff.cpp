@@ -28,7 +28,7 @@ Backup readController(const LinkOptions& link, const Backup& like, const Section
   try {
     return readLike(connection->serial(), like, sections);
   } catch (const Failure& failure) {
-    throw Failure(failure.status == badResult ? noLink : failure.status, failure.what());
+    throw Failure(failure.status == badResult ? noLink : failure.status, failure.what(), failure.result);
   }
 }
 

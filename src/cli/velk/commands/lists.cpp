@@ -17,7 +17,7 @@ namespace {
 struct List {
   Json json = Json::array();
   Table table;
-  std::vector<std::string> failures = {};
+  std::vector<Failure> failures = {};
 
   void add(Json element, Table::Cells row) {
     json.push_back(std::move(element));
@@ -46,7 +46,7 @@ void addList(const CommandLine& velk, Job& job, const ListCommand<Options>& comm
     } else {
       list.table.print(std::cout, command.whenEmpty);
     }
-    for (const std::string& failure : list.failures) std::cerr << "velk: " << failure << '\n';
+    for (const Failure& failure : list.failures) tell("velk", failure, options.json);
     return list.failures.empty() ? success : badResult;
   };
   addCommand<Options>(velk, job, command.name, command.help, command.examples, carryOut);
@@ -114,7 +114,7 @@ void listModules(Serial& serial, const ModulesOptions& options, List& list) {
       list.add(jsonOf(module), {module.serial, module.model, std::to_string(module.cpuType), module.firmware,
                                 numbers(module.record)});
     } catch (const Failure& failure) {
-      list.failures.emplace_back(failure.what());
+      list.failures.push_back(failure);
     }
   }
 }

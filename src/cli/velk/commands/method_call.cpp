@@ -4,6 +4,7 @@
 
 #include "cli/shared/escapes.h"
 #include "cli/shared/json.h"
+#include "cli/shared/nearest.h"
 #include "component/methods.h"
 #include "component/result_codes.h"
 #include "values/result.h"
@@ -14,10 +15,11 @@ namespace {
 
 const Method& methodNamed(const std::string& name) {
   const Method* const method = findMethod(name);
-  if (method == nullptr) {
-    throw std::invalid_argument("there is no method \"" + name + R"("; see "velk methods")");
-  }
-  return *method;
+  if (method != nullptr) return *method;
+  std::vector<std::string> names;
+  for (const Method& each : methods()) names.emplace_back(each.name);
+  throw std::invalid_argument("there is no method \"" + name + "\"" +
+                              didYouMean(name, names, R"(; see "velk methods")"));
 }
 
 std::string faultText(const Method& method, const CallFault& fault) {

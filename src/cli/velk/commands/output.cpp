@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "cli/shared/escapes.h"
+#include "cli/shared/nearest.h"
 #include "cli/velk/commands/change.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
@@ -36,9 +37,10 @@ struct OutputOptions : ChangeOptions {
 
 const Layout& layoutNamed(const std::string& mode) {
   if (const Layout* const layout = parameters::layoutOf(mode)) return *layout;
-  std::string all;
-  for (const Layout& layout : parameters::layouts()) all += " " + std::string(layout.code);
-  throw std::invalid_argument("there is no mode \"" + mode + "\", but" + all);
+  std::vector<std::string> codes;
+  std::string all = ", but";
+  for (const Layout& layout : parameters::layouts()) all += " " + codes.emplace_back(layout.code);
+  throw std::invalid_argument("there is no mode \"" + mode + "\"" + didYouMean(mode, codes, all));
 }
 
 /// What the words behind an output say.

@@ -7,7 +7,7 @@ namespace velk::cli {
 
 void expectDone(Byte result, const std::string& what) {
   if (result == 0) return;
-  throw Failure(badResult, what + ": " + std::to_string(result) + " (" + meaningOf(result) + ")");
+  throw Failure(badResult, what + ": " + std::to_string(result) + " (" + meaningOf(result) + ")", result);
 }
 
 }  // namespace velk::cli

@@ -97,7 +97,8 @@ std::unique_ptr<Connection> open(const LinkOptions& link) {
     connection->serial().CloseTCP();
     if (!complete.password.empty()) return open(complete);
   }
-  throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP));
+  throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP),
+                connection->result());
 }
 
 }  // namespace velk::cli
