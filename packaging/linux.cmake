@@ -59,9 +59,14 @@ install(FILES ${PROJECT_BINARY_DIR}/VelkComConfig.cmake ${PROJECT_BINARY_DIR}/Ve
         DESTINATION ${config_dir})
 install(FILES ${PROJECT_BINARY_DIR}/velkcom.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(TARGETS velk velk-sim)
-configure_file(docs/velk.1 ${PROJECT_BINARY_DIR}/velk.1 @ONLY)
-compressed(velk.1)
-install(FILES ${PROJECT_BINARY_DIR}/velk.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+foreach(program velk velk-sim) # their manual pages are what their help says
+  add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/${program}.1
+    COMMAND ${program} manual > ${PROJECT_BINARY_DIR}/${program}.1
+    DEPENDS ${program})
+  compressed(${program}.1)
+  install(FILES ${PROJECT_BINARY_DIR}/${program}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endforeach()
 # Each shell finds the completion of a command by the name of a file; that of the Bash and of fish is for one command.
 foreach(shell bash zsh fish)
   add_custom_command(

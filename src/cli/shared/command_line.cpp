@@ -16,7 +16,8 @@ Option Option::required() const {
 }
 
 Option Option::range(int lowest, int highest) const {
-  option_->check(CLI::Range(lowest, highest));
+  option_->check(CLI::Range(lowest, highest).description(""));
+  option_->type_name(std::to_string(lowest) + ".." + std::to_string(highest));
   return *this;
 }
 
@@ -154,6 +155,7 @@ OptionShape shapeOf(const CLI::Option& option, const std::vector<std::string>& w
   for (const std::string& name : option.get_lnames()) shape.names.push_back("--" + name);
   if (option.get_items_expected_max() == 0) return shape;
   shape.value = option.get_type_name();
+  if (!words.empty()) shape.value.erase(std::min(shape.value.find(":{"), shape.value.size()));
   shape.isList =
       option.get_expected_max() == CLI::detail::expected_max_vector_size && option.get_allow_extra_args();
   return shape;

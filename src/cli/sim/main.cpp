@@ -12,6 +12,7 @@
 #include "cli/shared/files.h"
 #include "cli/shared/guarded.h"
 #include "cli/shared/interrupts.h"
+#include "cli/shared/manual.h"
 #include "cli/shared/native_text.h"
 #include "cli/shared/password.h"
 #include "cli/sim/adapter.h"
@@ -67,7 +68,7 @@ struct Options {
 
 std::string describeFaults() {
   std::string text =
-      "\nFaults, KIND[=N]@WHICH; WHICH is a request (3), a range (2-4, 5-), 0 for the login or *\n"
+      "\nFaults:\nEach is KIND[=N]@WHICH; WHICH is a request (3), a range (2-4, 5-), 0 for the login or *\n"
       "for all requests; each connection counts its own from 1. The kinds for modules count the\n"
       "requests to modules, from 1 over all connections:\n";
   for (const auto& kind : simulator::faultKinds()) {
@@ -259,6 +260,7 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk-sim", description);
   Options options;
   declare(line, options);
+  if (const auto printed = printManual(line.shape(), "VelkCom " VELK_VERSION, argc, argv)) return *printed;
   if (const auto answered = answerShell(line.shape(), argc, argv, valuesAt)) return *answered;
   const auto status = line.parse(argc, argv);
   if (!status) {

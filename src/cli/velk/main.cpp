@@ -2,6 +2,7 @@
 
 #include "cli/shared/completion.h"
 #include "cli/shared/guarded.h"
+#include "cli/shared/manual.h"
 #include "cli/shared/native_text.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/completion/values.h"
@@ -17,7 +18,8 @@ constexpr const char* description =
     "Data go to standard output, everything else to standard error.";
 
 constexpr const char* notes =
-    "\nThe link is given by options or, without them, in the environment:\n"
+    "\nThe link:\n"
+    "It is given by options or, without them, in the environment.\n"
     "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
     "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
     "  VELK_LINK=simulate:\n"
@@ -25,13 +27,8 @@ constexpr const char* notes =
     "What stands behind \"?\" may be left out; in TEXT \\x26 is \"&\". An IPv6 address stands in brackets:\n"
     "[::1]:8445. A backup file is a house at the desk: commands read and write what it holds, and refuse\n"
     "what no file holds, the clock above all. NO_COLOR switches colours off.\n"
-    "\nHouses have names for --house in ~/.config/velk/config.toml, on Windows in\n"
-    "%APPDATA%\\velk\\config.toml:\n"
-    "  [cottage]\n"
-    "  link = \"tcp://192.168.1.20:8445\"\n"
-    "  address = 2\n"
-    "  password = \"1234\"      or password-file = \"FILE\"; velk asks for one that is missing\n"
-    "\nWith --json an error is a line of JSON on standard error as well:\n"
+    "\nErrors:\n"
+    "With --json an error is a line of JSON on standard error as well:\n"
     "  {\"error\":{\"code\":\"link\",\"status\":4,\"result\":252,\"text\":\"cannot open ...\"}}\n"
     "where code is refused, usage, runtime, link, file or interrupted, status the exit status, and result\n"
     "stands only when a method has ended with it.\n"
@@ -49,7 +46,9 @@ constexpr const char* notes =
     "\nExamples:\n"
     "  velk outputs --simulate\n"
     "  velk backup --tcp 192.168.1.20:8445 --password 1234 house.json\n"
-    "  velk call --help\n";
+    "  velk help call\n"
+    "  velk help changes\n"
+    "  velk help houses\n";
 
 void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
@@ -67,7 +66,10 @@ int carryOut(int argc, char** argv) {
   line.footer(notes);
   Job job;
   addCommands(line, job);
-  if (const auto status = answerShell(line.shape(), argc, argv, valuesAt)) return *status;
+  CommandShape shape = line.shape();
+  shape.footer += topics();
+  if (const auto status = printManual(shape, "VelkCom " VELK_VERSION, argc, argv)) return *status;
+  if (const auto status = answerShell(shape, argc, argv, valuesAt)) return *status;
   if (const auto status = line.parse(argc, argv)) return *status;
   return job();
 }

@@ -186,7 +186,8 @@ void addBackup(const CommandLine& velk, Job& job) {
       "  velk backup - | gzip > house.json.gz\n"
       "  velk backup --keep 30 --quiet backups\n"
       "\nA backup that breaks off leaves FILE.part; the same command continues it, also over\n"
-      "another link to the same controller.\n",
+      "another link to the same controller. One that cannot be read, is of another controller or of\n"
+      "this one before it was changed is put aside. A link is followed, a device or pipe written to.\n",
       carryOutBackup);
 }
 

@@ -67,4 +67,7 @@ void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);
 void addHelp(const CommandLine& velk, Job& job);
 
+/// What "velk help" tells beside the commands, as the end of a help.
+std::string topics();
+
 }  // namespace velk::cli

@@ -38,7 +38,12 @@ void addDoctor(const CommandLine& velk, Job& job) {
       "  velk doctor\n  velk doctor --json\n  velk doctor --check > report.txt\n"
       "  velk doctor --check --serial COM5,COM6\n"
       "\nEnds with 0 when a program of this bitness can create the component, or no check has failed,\n"
-      "else with 1. What --check registers it takes back, and leaves alone what is registered.\n",
+      "else with 1.\n"
+      "--check starts the simulator on free ports of 127.0.0.1, creates the component in programs without\n"
+      "registration and in the script hosts of both bitnesses, calls methods of every family, and\n"
+      "measures waits and reads. What is registered is used and stays; when nothing is, it is registered\n"
+      "for this user, and for everybody when run by an administrator, and that is taken back at the end,\n"
+      "or by the next check if this one was killed.\n",
       examine);
 }
 

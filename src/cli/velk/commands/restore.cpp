@@ -273,7 +273,10 @@ void addRestore(const CommandLine& velk, Job& job) {
       "\nA controller whose outputs have other names looks like another house, which is asked about; with\n"
       "--yes only --other-house goes on.\n"
       "\nSections: settings outputs links texts presets switch-times simulation infrared modules.\n"
-      "The clock is not restored; see \"velk clock set\".\n",
+      "The clock is not restored; see \"velk clock set\". What differs is shown and, after a question,\n"
+      "that alone is written and every byte read back. Modules whose record cannot be written as it was read "
+      "are left out and told\n"
+      "first. Called again after a failure or an interruption it goes on from there.\n",
       carryOutRestore);
 }
 
