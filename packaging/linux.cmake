@@ -84,7 +84,7 @@ foreach(program velk velk-sim)
 endforeach()
 install(FILES ${PROJECT_BINARY_DIR}/velk.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
-install(FILES ${documents} README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${documents} docs/velk.schema.json README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples/linux packaging/systemd DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 set(CPACK_GENERATOR DEB)

@@ -27,7 +27,7 @@ binaries() { # binaries FOLDER BUILD TRIPLE
 binaries x64 "$x64" x86_64
 binaries x86 "$x86" i686
 mkdir "$tree/docs"
-cp "$source"/docs/*.md "$tree/docs/"
+cp "$source"/docs/*.md "$source/docs/velk.schema.json" "$tree/docs/"
 cp "$source"/{README.md,CHANGELOG.md,SECURITY.md} "$tree/"
 sed 's/$/\r/' "$source/LICENSE" >"$tree/LICENSE.txt"
 mkdir "$tree/licenses" # of what the programs contain of others
