@@ -63,12 +63,21 @@ std::string listed(const std::vector<std::string>& names) {
   return text;
 }
 
-[[noreturn]] void failForWantOf(const std::string& house, const std::vector<ConfigSetting>& settings) {
+std::vector<ConfigSetting> configuration() {
+  return parseConfiguration(readFileIfThere(nameOfFile(configurationFile())).value_or(""));
+}
+
+std::vector<std::string> namesIn(const std::vector<ConfigSetting>& settings) {
   std::vector<std::string> names;
   for (const ConfigSetting& setting : settings) {
     if (std::find(names.begin(), names.end(), setting.section) == names.end())
       names.push_back(setting.section);
   }
+  return names;
+}
+
+[[noreturn]] void failForWantOf(const std::string& house, const std::vector<ConfigSetting>& settings) {
+  const auto names = namesIn(settings);
   throw std::invalid_argument("there is no house \"" + house + "\" in " + nameOfFile(configurationFile()) +
                               (names.empty() ? std::string(", which names none") : ", but" + listed(names)));
 }
@@ -86,9 +95,12 @@ void checkKeys(const std::string& house, const std::vector<ConfigSetting>& own) 
 
 }  // namespace
 
+std::vector<std::string> houseNames() {
+  return namesIn(configuration());
+}
+
 LinkOptions houseNamed(const std::string& name) {
-  const fs::path file = configurationFile();
-  const auto all = parseConfiguration(readFileIfThere(nameOfFile(file)).value_or(""));
+  const auto all = configuration();
   std::vector<ConfigSetting> own;
   std::copy_if(all.begin(), all.end(), std::back_inserter(own),
                [&](const ConfigSetting& setting) { return setting.section == name; });
@@ -103,10 +115,10 @@ LinkOptions houseNamed(const std::string& name) {
       holdsPassword = holdsPassword || (key.name != "password-file" && !link.password.empty());
     }
   }
-  if (link.tcp.empty() && link.serial.empty() && !link.simulate) {
+  if (link.tcp.empty() && link.serial.empty() && link.backup.empty() && !link.simulate) {
     throw std::invalid_argument("the house \"" + name + "\" has no link");
   }
-  if (holdsPassword) warnOfReaders(file);
+  if (holdsPassword) warnOfReaders(configurationFile());
   return link;
 }
 

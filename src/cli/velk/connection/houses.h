@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "cli/velk/connection/connection.h"
 
@@ -18,6 +19,9 @@ namespace velk::cli {
 /// lies, "~/" in the home folder. Says on standard error when others may read a file with a password. Throws
 /// std::invalid_argument with a sentence, which lists the houses when there is none of that name.
 LinkOptions houseNamed(const std::string& name);
+
+/// Those that the file names, in its order. Throws as above.
+std::vector<std::string> houseNames();
 
 /// Where this system keeps the file, and the user's home.
 std::filesystem::path configurationFile();
