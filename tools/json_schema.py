@@ -42,7 +42,8 @@ for file in sorted((root / "tests/cli/transcripts").glob("*.txt")):
 
 with tempfile.TemporaryDirectory() as folder:
     for words in ("status --simulate", "clock --simulate", "clock --simulate set", "backup --simulate house.json",
-                  "diff --simulate house.json", "restore --simulate --yes house.json", "doctor", "methods"):
+                  "backup --simulate --keep 2 .", "diff --simulate house.json", "restore --simulate --yes house.json",
+                  "ports", "doctor", "methods"):
         printed = subprocess.run([velk, *words.split(), "--json"], cwd=folder, capture_output=True, text=True)
         check("velk-" + words.split()[0], printed.stdout, words)
 
