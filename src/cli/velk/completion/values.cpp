@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "cli/velk/backup/describe.h"
+#include "cli/velk/connection/houses.h"
 #include "cli/velk/connection/link_choice.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"
@@ -30,7 +31,8 @@ Found files(const Place& /*place*/) {
 Found linkTexts(const Place& /*place*/) {
   return Candidates{{"tcp://", "HOST:PORT?password=TEXT&address=N"},
                     {"serial:", "DEVICE?fast&baud=N&address=N"},
-                    {"simulate:", ""}};
+                    {"simulate:", ""},
+                    {"backup:", "FILE"}};
 }
 
 Found sectionNames(const Place& /*place*/) {
@@ -128,13 +130,31 @@ Found presets(const Place& place) {
 
 Found changeOfOutput(const Place& place) {
   Candidates found;
-  if (place.before.size() == 1) return Candidates{{"set", "Change the mode and items"}};
+  if (place.before.size() == 1) {
+    return Candidates{{"set", "Change the mode and items"}, {"name", "Give it a name"}};
+  }
+  if (place.before[1] != "set") return found;
   if (place.before.size() == 2) {
     for (const parameters::Layout& layout : parameters::layouts())
       found.push_back({std::string(layout.code), std::string(meaningOfMode(layout.code))});
   } else if (const parameters::Layout* const layout = parameters::layoutOf(place.before[2])) {
     for (std::size_t item = 0; item < layout->items.size(); ++item)
       found.push_back({std::to_string(item) + "=", "at " + placeOf(layout->items[item])});
+  }
+  return found;
+}
+
+Found changeOfSwitchTime(const Place& place) {
+  if (place.before.size() > 1) return Candidates();
+  return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
+}
+
+Found houses(const Place& /*place*/) {
+  Candidates found;
+  try {
+    for (const std::string& name : houseNames()) found.push_back({name, ""});
+  } catch (const std::exception&) {
+    // Whoever carries the command out will be told.
   }
   return found;
 }
@@ -152,9 +172,11 @@ constexpr std::array rows{
     Row{"diff", "B", files},
     Row{"", "--serial", files},
     Row{"", "--link", linkTexts},
+    Row{"", "--house", houses},
     Row{"", "--only", sectionNames},
-    Row{"output", "N", outputs},
+    Row{"output", "OUTPUT", outputs},
     Row{"output", "set", changeOfOutput},
+    Row{"switch-time", "set", changeOfSwitchTime},
     Row{"preset", "N", presets},
     Row{"call", "--set", properties},
     Row{"call", "METHOD", methodNames},
