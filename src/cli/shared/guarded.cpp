@@ -51,7 +51,7 @@ std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
 }  // namespace
 
 bool asksForJson(int argc, char** argv) {
-  const auto end = std::find(argv, argv + argc, std::string_view("--"));
+  char** const end = std::find(argv, argv + argc, std::string_view("--"));
   return std::find(argv, end, std::string_view("--json")) != end;
 }
 

@@ -75,8 +75,8 @@ std::vector<std::string> shells() {
 }
 
 std::string_view completionScript(std::string_view shell) {
-  const auto found = std::find_if(scripts.begin(), scripts.end(),
-                                  [&](const Script& script) { return script.shell == shell; });
+  const auto* const found = std::find_if(scripts.begin(), scripts.end(),
+                                         [&](const Script& script) { return script.shell == shell; });
   return found == scripts.end() ? std::string_view() : found->text;
 }
 

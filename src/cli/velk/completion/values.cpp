@@ -186,7 +186,7 @@ constexpr std::array rows{
 }  // namespace
 
 std::optional<Candidates> valuesAt(const Place& place) {
-  const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row& each) {
+  const auto* const row = std::find_if(rows.begin(), rows.end(), [&](const Row& each) {
     return (each.command.empty() || each.command == place.command) &&
            (place.option.isNamed(each.name) || place.option.value == each.name);
   });
