@@ -28,7 +28,7 @@ struct Difference {
 /// What differs between two memories, and between the modules that both name.
 std::vector<Difference> compare(const Backup& from, const Backup& to, const Sections& sections);
 
-/// "output 5: mode T1 -> DI, item 3 30 -> 5", one line each.
+/// "output 5: mode T1 -> DI, item 3 (19) 30 -> 5", one line each.
 std::string textOf(const Difference& difference);
 
 Json jsonOf(const std::vector<Difference>& differences);

@@ -106,10 +106,10 @@ Byte writeItems(Serial& serial, Output output, const Layout& layout, const Assig
 }
 
 /// An output that gets another mode: the items that are given, since the others are not known before.
-Shown shownWith(const Output& output, const Assignments& items) {
+Shown shownWith(const Output& output, const Layout& layout, const Assignments& items) {
   Details details{{"name", output.name}, {"mode", output.mode}};
   for (const Detail& detail : detailsOf(output)) {
-    const auto isIt = [&](const auto& item) { return detail.name == "item " + std::to_string(item.first); };
+    const auto isIt = [&](const auto& item) { return detail.name == titleOf(layout, item.first); };
     if (std::any_of(items.begin(), items.end(), isIt)) details.push_back(detail);
   }
   return {std::move(details), jsonOf(output)};
@@ -120,7 +120,7 @@ Shown planned(const Output& before, const Layout& layout, const Assignments& ite
   Output after{.number = before.number, .name = before.name, .mode = std::string(layout.code), .items = {}};
   Shown shown{{{"name", after.name}, {"mode", after.mode}}, jsonOfHead(after)};
   for (const auto& [item, value] : items) {
-    shown.details.push_back({"item " + std::to_string(item), valueOf(layout.items[item], value)});
+    shown.details.push_back({titleOf(layout, item), valueOf(layout.items[item], value)});
   }
   return shown;
 }
@@ -131,11 +131,12 @@ int changeMode(const OutputOptions& options, Serial& serial, const Output& befor
     storeMode(serial, before.number, layout);
     return items.empty() ? Byte{0} : writeItems(serial, readOutput(serial, before.number), layout, items);
   };
-  return carryOut(options, {.title = titleOf(before),
-                            .before = shownWith(before, {}),
-                            .after = planned(before, layout, items),
-                            .write = write,
-                            .read = [&] { return shownWith(readOutput(serial, before.number), items); }});
+  return carryOut(options,
+                  {.title = titleOf(before),
+                   .before = shownWith(before, layout, {}),
+                   .after = planned(before, layout, items),
+                   .write = write,
+                   .read = [&] { return shownWith(readOutput(serial, before.number), layout, items); }});
 }
 
 int changeItems(const OutputOptions& options, Serial& serial, const Output& before, const Layout& layout,

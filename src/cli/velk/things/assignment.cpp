@@ -23,10 +23,6 @@ std::optional<std::size_t> itemAt(const Layout& layout, std::string_view place) 
   return std::nullopt;
 }
 
-std::string described(const Layout& layout, std::size_t item) {
-  return "item " + std::to_string(item) + " at " + placeOf(layout.items[item]);
-}
-
 /// A number that is an item and the place of another is refused: the wrong one would be written unseen.
 std::optional<std::size_t> findItem(const Layout& layout, std::string_view typed) {
   constexpr std::string_view byNumber = "item:";
@@ -37,8 +33,8 @@ std::optional<std::size_t> findItem(const Layout& layout, std::string_view typed
   const auto placed = itemAt(layout, typed);
   if (numbered && placed && numbered != placed) {
     const std::string name(typed);
-    throw std::invalid_argument("\"" + name + "\" may be " + described(layout, *numbered) + " or " +
-                                described(layout, *placed) + ": write item:" + name + " or place:" + name);
+    throw std::invalid_argument("\"" + name + "\" may be " + titleOf(layout, *numbered) + " or " +
+                                titleOf(layout, *placed) + ": write item:" + name + " or place:" + name);
   }
   return numbered ? numbered : placed;
 }
@@ -64,11 +60,11 @@ Assignments parseAssignments(const Layout& layout, const std::vector<std::string
     const std::string text = word.substr(equals + 1);
     const auto value = parseItem(layout.items[*item], text);
     if (!value) {
-      throw std::invalid_argument(described(layout, *item) + " is " + rangeOf(layout.items[*item]) +
+      throw std::invalid_argument(titleOf(layout, *item) + " is " + rangeOf(layout.items[*item]) +
                                   ", not \"" + text + "\"");
     }
     if (!wanted.emplace(*item, *value).second) {
-      throw std::invalid_argument(described(layout, *item) + " is set twice");
+      throw std::invalid_argument(titleOf(layout, *item) + " is set twice");
     }
   }
   return wanted;

@@ -31,7 +31,7 @@ std::string textIn(const Details& details, const std::string& name);
 
 Changes changesOf(const Details& from, const Details& to);
 
-/// "output 5: mode T1 -> DI, item 3 30 -> 5".
+/// "output 5: mode T1 -> DI, item 3 (19) 30 -> 5".
 std::string textOf(const std::string& title, const Changes& changes);
 
 Json jsonOf(const Changes& changes);

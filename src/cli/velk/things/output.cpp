@@ -139,11 +139,15 @@ Json jsonOf(const Output& output) {
   return json;
 }
 
+std::string titleOf(const parameters::Layout& layout, std::size_t item) {
+  return "item " + std::to_string(item) + " (" + placeOf(layout.items[item]) + ")";
+}
+
 Details detailsOf(const Output& output) {
   Details details{{"name", output.name}, {"mode", output.mode}};
   const auto* const layout = parameters::layoutOf(output.mode);
   for (std::size_t i = 0; layout != nullptr && i < output.items.size(); ++i) {
-    details.push_back({"item " + std::to_string(i), valueOf(layout->items[i], output.items[i])});
+    details.push_back({titleOf(*layout, i), valueOf(layout->items[i], output.items[i])});
   }
   return details;
 }

@@ -9,6 +9,7 @@
 #include "component/serial.h"
 #include "link/address.h"
 #include "parameters/items.h"
+#include "parameters/layouts.h"
 #include "parameters/modes.h"
 
 namespace velk::cli {
@@ -45,6 +46,9 @@ std::string_view meaningOfMode(std::string_view mode);
 
 /// Where an item lies: "17", "18.low", "16:0", "B3".
 std::string placeOf(const parameters::Item& item);
+
+/// "item 1 (18.low)".
+std::string titleOf(const parameters::Layout& layout, std::size_t item);
 
 /// An item's value: a letter where it has letters, else a number.
 std::string valueOf(const parameters::Item& item, char value);
