@@ -29,6 +29,7 @@ binaries x86 "$x86" i686
 mkdir "$tree/docs"
 cp "$source"/docs/*.md "$source/docs/velk.schema.json" "$tree/docs/"
 cp "$source"/{README.md,CHANGELOG.md,SECURITY.md} "$tree/"
+sed 's/$/\r/' "$here/tools.cmd" >"$tree/tools.cmd"
 sed 's/$/\r/' "$source/LICENSE" >"$tree/LICENSE.txt"
 mkdir "$tree/licenses" # of what the programs contain of others
 for package in libcli11-dev nlohmann-json3-dev mingw-w64-x86-64-dev; do
@@ -36,12 +37,15 @@ for package in libcli11-dev nlohmann-json3-dev mingw-w64-x86-64-dev; do
 done
 cp -r "$source/examples/windows" "$tree/examples"
 cp -r "$source/bindings" "$tree/"
+"$here/documents.py" "$tree"
 
 (cd "$work" && cmake -E tar cf "$output/$name.zip" --format=zip "$name")
 
 # The uninstaller removes just the files that were installed, and folders that are empty then.
 (cd "$tree" && find . -mindepth 1 -depth \( -type d -printf 'RMDir "$INSTDIR/%P"\n' \) -o -printf 'Delete /REBOOTOK "$INSTDIR/%P"\n') |
   sed 'y,/,\\,; s,^Delete \\REBOOTOK,Delete /REBOOTOK,' >"$work/remove.nsh"
+cp "$x64/bin/setup-path.exe" "$work/"
+x86_64-w64-mingw32-strip "$work/setup-path.exe"
 copyright=$(grep '^Copyright' "$source/LICENSE")
 makensis -V2 -NOCD -DVERSION="$version" -DCOPYRIGHT="$copyright" -DTREE="$tree" -DREMOVE="$work/remove.nsh" \
-  -DOUTPUT="$output/$name-setup.exe" "$here/velkcom.nsi"
+  -DPATH_TOOL="$work/setup-path.exe" -DOUTPUT="$output/$name-setup.exe" "$here/velkcom.nsi"

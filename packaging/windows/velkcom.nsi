@@ -1,6 +1,8 @@
 ; The setup program: both components side by side, for everybody or for the current user.
-; Command line: /S silent, /AllUsers or /CurrentUser, /D=FOLDER (last). Exit code 0, or 2 when nothing was installed.
-; Defines: VERSION, COPYRIGHT, TREE (the files), REMOVE (script lines that delete them), OUTPUT.
+; Command line: /S silent, /AllUsers or /CurrentUser, /Path=yes or /Path=no, /D=FOLDER (last). Exit code 0; 2 when
+; nothing was installed, 3 when all was but for the search path.
+; Defines: VERSION, COPYRIGHT, TREE (the files), REMOVE (script lines that delete them), PATH_TOOL (the program that
+; changes the search path), OUTPUT.
 
 Unicode true
 ; The uninstaller reads no switches.
@@ -22,6 +24,7 @@ SetCompressor /SOLID lzma
 !include MultiUser.nsh
 !include MUI2.nsh
 !include FileFunc.nsh
+!include Sections.nsh
 
 Name "VelkCom ${VERSION}"
 OutFile "${OUTPUT}"
@@ -38,12 +41,15 @@ VIAddVersionKey LegalCopyright "${COPYRIGHT}"
 !define MUI_LICENSEPAGE_BUTTON "&Next >"
 !insertmacro MUI_PAGE_LICENSE "${TREE}/LICENSE.txt"
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
+!define MUI_COMPONENTSPAGE_NODESC
+!insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE English
 
+Var Owner ; whose search path and Start menu: user or everybody
 Var Audience ; the switches of regsvr32 for everybody or for the current user
 Var Code
 Var ForEverybody ; the uninstaller: whether what lies here is the installation for everybody
@@ -52,8 +58,10 @@ Var ForThisUser
 !macro AUDIENCE
   ${If} $MultiUser.InstallMode == "CurrentUser"
     StrCpy $Audience "/n /i:user"
+    StrCpy $Owner "user"
   ${Else}
     StrCpy $Audience ""
+    StrCpy $Owner "everybody"
   ${EndIf}
 !macroend
 
@@ -65,6 +73,14 @@ Var ForThisUser
   ${AndIf} $Code == 0
     ExecWait '"$WINDIR\SysWOW64\regsvr32.exe" /s ${SWITCHES} $Audience "$INSTDIR\x86\VelkCom.dll"' $Code
   ${EndIf}
+!macroend
+
+; Texts of this program end after 1023 characters, which a search path may well exceed: another program reads and
+; writes it. Code becomes 0 (changed), 1 (nothing to change), 2 or text (failed).
+!macro CHANGE_PATH ACTION FOLDER
+  InitPluginsDir
+  File "/oname=$PLUGINSDIR\setup-path.exe" "${PATH_TOOL}"
+  ExecWait '"$PLUGINSDIR\setup-path.exe" ${ACTION} $Owner "${FOLDER}"' $Code
 !macroend
 
 !macro REMOVE_FILES
@@ -90,27 +106,16 @@ Var ForThisUser
 !macro REMOVE_RECORD
   !insertmacro AUDIENCE
   !insertmacro REGSVR "/u"
+  ; Only what this setup has put there.
+  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "OnPath"
+  ${If} $0 != ""
+    !insertmacro CHANGE_PATH remove $0
+  ${EndIf}
+  Delete "$SMPROGRAMS\VelkCom\VelkCom tools prompt.lnk"
+  Delete "$SMPROGRAMS\VelkCom\VelkCom documents.lnk"
+  RMDir "$SMPROGRAMS\VelkCom"
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
 !macroend
-
-Function .onInit
-  ; The choice of the audience sets the folder too, but one from the command line counts.
-  StrCpy $0 $INSTDIR
-  ; One that cannot be, below a file or on no drive, has been dropped silently together with its switch: only the
-  ; system still has the whole command line.
-  System::Call "kernel32::GetCommandLine() t .r1"
-  ${StrStr} $2 $1 " /D="
-  ${If} $0 == ""
-  ${AndIf} $2 != ""
-    MessageBox MB_OK|MB_ICONSTOP "There can be no such folder: $2" /SD IDOK
-    SetErrorLevel 2
-    Quit
-  ${EndIf}
-  !insertmacro MULTIUSER_INIT
-  ${If} $0 != ""
-    StrCpy $INSTDIR $0
-  ${EndIf}
-FunctionEnd
 
 ; What lies in this folder is removed, and nothing else: neither the rights nor the switches decide for whom it
 ; was installed, as there may be another installation for the others.
@@ -138,7 +143,8 @@ Function removeEarlierVersion
   ${EndIf}
 FunctionEnd
 
-Section
+Section "VelkCom"
+  SectionIn RO
   ; Before anything is changed.
   ClearErrors
   CreateDirectory "$INSTDIR"
@@ -172,7 +178,51 @@ Section
   WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoRepair" 1
   ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
   WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "EstimatedSize" $0
+
+  CreateDirectory "$SMPROGRAMS\VelkCom"
+  CreateShortCut "$SMPROGRAMS\VelkCom\VelkCom tools prompt.lnk" "$INSTDIR\tools.cmd" "" "$SYSDIR\cmd.exe" 0 \
+    SW_SHOWNORMAL "" "A console in which velk and velk-sim can be called by name"
+  CreateShortCut "$SMPROGRAMS\VelkCom\VelkCom documents.lnk" "$INSTDIR\docs\getting-started-windows.html"
 SectionEnd
+
+Section /o "velk on the search path (PATH)" OnPath
+  !insertmacro CHANGE_PATH add "$INSTDIR\x64"
+  ${If} $Code == 0
+    WriteRegStr SHCTX "${UNINSTALL_KEY}" "OnPath" "$INSTDIR\x64"
+  ${ElseIf} $Code != 1
+    SetErrorLevel 3
+    MessageBox MB_OK|MB_ICONEXCLAMATION "All is installed, but the search path could not be changed." /SD IDOK
+  ${EndIf}
+SectionEnd
+
+Function .onInit
+  ; The choice of the audience sets the folder too, but one from the command line counts.
+  StrCpy $0 $INSTDIR
+  ; One that cannot be, below a file or on no drive, has been dropped silently together with its switch: only the
+  ; system still has the whole command line.
+  System::Call "kernel32::GetCommandLine() t .r1"
+  ${StrStr} $2 $1 " /D="
+  ${If} $0 == ""
+  ${AndIf} $2 != ""
+    MessageBox MB_OK|MB_ICONSTOP "There can be no such folder: $2" /SD IDOK
+    SetErrorLevel 2
+    Quit
+  ${EndIf}
+  !insertmacro MULTIUSER_INIT
+  ${If} $0 != ""
+    StrCpy $INSTDIR $0
+  ${EndIf}
+  ; Without a word on it the search path stays as the last setup has left it.
+  ReadRegStr $3 SHCTX "${UNINSTALL_KEY}" "OnPath"
+  ${GetOptions} $1 "/Path=" $2
+  ${If} $2 == ""
+  ${AndIf} $3 != ""
+    StrCpy $2 "yes"
+  ${EndIf}
+  ${If} $2 == "yes"
+    !insertmacro SelectSection ${OnPath}
+  ${EndIf}
+FunctionEnd
 
 Section Uninstall
   ${If} $ForEverybody == 1

@@ -30,3 +30,7 @@ add_executable(velk src/cli/velk/main.cpp)
 target_link_libraries(velk PRIVATE velk_cli_velk)
 add_executable(velk-sim src/cli/sim/main.cpp)
 target_link_libraries(velk-sim PRIVATE velk_cli_sim)
+if(WIN32) # a part of the setup program, which opens no console
+  add_executable(setup-path WIN32 src/cli/path/main.cpp)
+  target_link_libraries(setup-path PRIVATE velk_cli_path shell32)
+endif()

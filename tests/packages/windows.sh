@@ -17,7 +17,7 @@ examples=$root/examples/windows
 
 mkdir -p "$work"
 rm -rf "${work:?}"/*
-export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+export WINEPREFIX=$work/prefix WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 unset DISPLAY WAYLAND_DISPLAY
 drive=$WINEPREFIX/drive_c
 longest=600 # seconds that any one program may take
@@ -29,15 +29,18 @@ trap 'exit 130' INT TERM
 wine_run() { timeout -k 5 "$longest" wine "$@" 2>/dev/null </dev/null | tr -d '\r'; }
 
 not() { ! "$@"; }
+ends_with() { "${@:2}"; [ $? -eq "$1" ]; }
 
 # --- What an installation may leave behind
 
 # Parts of the registry that programs share, in both hives. Wine's own caches lie elsewhere.
-shared_keys='Software\Classes Software\Microsoft\Windows\CurrentVersion\Uninstall Software\VelkCom'
+machine='SYSTEM\CurrentControlSet\Control\Session Manager\Environment'
+shared_keys=('Software\Classes' 'Software\Microsoft\Windows\CurrentVersion\Uninstall' 'Software\VelkCom' Environment
+  "$machine")
 
 snapshot() { # snapshot NAME: the shared keys and every file, but for temporary ones
   for hive in HKLM HKCU; do
-    for key in $shared_keys; do
+    for key in "${shared_keys[@]}"; do
       rm -f "$work/export.reg"
       wine_run reg export "$hive\\$key" "$work/export.reg" /y >/dev/null
       [ ! -e "$work/export.reg" ] || iconv -f UTF-16 -t UTF-8 "$work/export.reg"
@@ -68,11 +71,27 @@ uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of 
 }
 
 has_files() { # has_files FOLDER
-  for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.md README.md \
-    LICENSE.txt bindings/{VelkCom.cs,VelkCom_TLB.pas,velkcom.h} licenses/libcli11-dev.txt examples/set_clock.vbs \
+  for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.html README.html \
+    tools.cmd LICENSE.txt bindings/{VelkCom.cs,VelkCom_TLB.pas,velkcom.h} licenses/libcli11-dev.txt examples/set_clock.vbs \
     uninstall.exe; do
     [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
   done
+}
+links_lead_somewhere() { # links_lead_somewhere FOLDER: those of its documents
+  local page link count=0
+  for page in "$1"/*.html "$1"/docs/*.html; do
+    for link in $(sed -n 's/<a /\n<a /gp' "$page" | sed -n 's/^<a href="\([^"#:]*\)[#"].*/\1/p' | sort -u); do
+      count=$((count + 1))
+      [ -e "$(dirname "$page")/$link" ] || { echo "$page: $link"; return 1; }
+    done
+  done
+  [ $count -gt 200 ]
+}
+prompt_runs() ( # prompt_runs FOLDER WORDS: a command in the console of the Start menu
+  cd / && printf '%s\r\nexit\r\n' "$2" | timeout -k 5 "$longest" wine cmd /c "$1\\tools.cmd" 2>/dev/null | tr -d '\r'
+)
+shortcut() { # shortcut FOLDER NAME TARGET: an entry of the Start menu below a folder leads there
+  find "$drive/$1" -name "VelkCom $2.lnk" -exec cat {} + | tr -d '\0' | grep -aqF "$3"
 }
 key() { wine_run reg query "$1" "${@:2}" | grep . ; }
 
@@ -120,6 +139,14 @@ for_everybody() {
   local folder="$drive/Program Files/VelkCom"
   check "silent setup for everybody" install
   check "  brings the files" has_files "$folder"
+  check "  documents whose links lead somewhere" links_lead_somewhere "$folder"
+  check "  an entry of the Start menu for the tools" \
+    shortcut ProgramData "tools prompt" 'C:\Program Files\VelkCom\tools.cmd'
+  check "  and one for the documents" \
+    shortcut ProgramData documents 'C:\Program Files\VelkCom\docs\getting-started-windows.html'
+  check "  a console that finds the tools" says '(.*>)?velk [0-9.]+' \
+    prompt_runs 'C:\Program Files\VelkCom' 'velk --version'
+  check "  and no velk on the path" not key "HKLM\\$machine" /v Path /f VelkCom
   check "  and registers" says '64-bit +everybody +registered +C:.Program Files.VelkCom.x64.VelkCom.dll' \
     wine_run "$folder/x64/velk.exe" doctor
   check "  and an entry for removal" \
@@ -144,10 +171,54 @@ for_one_user() {
   check "  brings the files to the given folder" has_files "$folder"
   check "  registers for this user" says '64-bit +this user +registered +C:.Tools.VelkCom.x64.VelkCom.dll' \
     wine_run "$folder/x64/velk.exe" doctor
+  check "  with a Start menu of the user's own" shortcut users "tools prompt" 'C:\Tools\VelkCom\tools.cmd'
   check "  and for nobody else" not key 'HKLM\Software\Classes\VelkCom.Serial'
   check "silent removal" uninstall "$folder" /CurrentUser
   rmdir "$drive/Tools" 2>/dev/null
   check "  leaves nothing" as_before after-user
+}
+
+path_is() { # path_is KEY TEXT
+  wine_run reg query "$1" /v Path | sed -n 's/^ *Path *REG_[A-Z_]*SZ *//p' >"$work/path"
+  [ "$(cat "$work/path")" = "$2" ] || { cat "$work/path"; return 1; }
+}
+
+search_path() {
+  local folder='C:\Program Files\VelkCom\x64' own='C:\Tools\VelkCom\x64' all="HKLM\\$machine" user='HKCU\Environment'
+  local long short='C:\a;;"C:\b;c";%SystemRoot%\System32;'
+  long=$short$(printf 'C:\\%0.sfiller;' $(seq 600))'C:\end' # six times what a text of the setup program holds
+  wine_run reg add "$all" /v Path /t REG_EXPAND_SZ /d "$long" /f >/dev/null
+  wine_run reg add "$user" /v Path /t REG_SZ /d "$short" /f >/dev/null
+  snapshot before
+  check "setup that puts velk on the path of everybody" install /Path=yes
+  check "  behind a long one" path_is "$all" "$long;$folder"
+  check "  and on nobody else's" path_is "$user" "$short"
+  check "setup over it without a word on the path" install
+  check "  leaves it there, once" path_is "$all" "$long;$folder"
+  check "setup that takes it from the path" install /Path=no
+  check "  leaves the long one" path_is "$all" "$long"
+  check "setup once more" install /Path=yes
+  check "  and removal" uninstall "$drive/Program Files/VelkCom"
+  check "  leave nothing" as_before after-path
+  check "setup that puts velk on the path of this user" install /CurrentUser /Path=yes '/D=C:\Tools\VelkCom'
+  check "  behind a semicolon" path_is "$user" "$short$own;"
+  check "  and no one else's" path_is "$all" "$long"
+  wine_run reg add "$user" /v Path /t REG_SZ /d "$short$own;C:\\later" /f >/dev/null
+  check "  removes what it has put there" uninstall "$drive/Tools/VelkCom"
+  check "  and not what came since" path_is "$user" "$short"'C:\later'
+  wine_run reg add "$user" /v Path /t REG_SZ /d "$short$own" /f >/dev/null
+  install /CurrentUser /Path=yes '/D=C:\Tools\VelkCom'
+  check "  nor an entry that was there before" uninstall "$drive/Tools/VelkCom"
+  check "  of the user's own" path_is "$user" "$short$own"
+  wine_run reg delete "$user" /v Path /f >/dev/null
+  check "setup for a user without a path" install /CurrentUser /Path=yes '/D=C:\Tools\VelkCom'
+  check "  makes one" path_is "$user" "$own"
+  check "  which removal takes away" uninstall "$drive/Tools/VelkCom"
+  check "  whole" not key "$user" /v Path
+  wine_run reg add "$user" /v Path /t REG_BINARY /d 00 /f >/dev/null
+  check "setup that finds no text there says so" ends_with 3 install /CurrentUser /Path=yes '/D=C:\Tools\VelkCom'
+  uninstall "$drive/Tools/VelkCom"
+  rmdir "$drive/Tools" 2>/dev/null
 }
 
 side_by_side() {
@@ -203,5 +274,6 @@ for_everybody
 for_one_user
 side_by_side
 without_registration
+search_path
 
 close
