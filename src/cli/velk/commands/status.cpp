@@ -1,44 +1,15 @@
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
 #include <optional>
 
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
-#include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/round_trips.h"
 #include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/clock.h"
+#include "cli/velk/things/firmware.h"
 #include "controller/ctl_init.h"
 
 namespace velk::cli {
 namespace {
-
-/// How long short reads take, in milliseconds.
-struct Latency {
-  double least;
-  double median;
-  double p95;
-};
-
-Latency measure(Serial& serial) {
-  using std::chrono::steady_clock;
-  constexpr std::size_t reads = 21;
-  std::vector<double> times;
-  for (std::size_t i = 0; i < reads; ++i) {
-    const auto start = steady_clock::now();
-    readMemory(serial, controller::firstSetting, 1);
-    times.push_back(std::chrono::duration<double, std::milli>(steady_clock::now() - start).count());
-  }
-  std::sort(times.begin(), times.end());
-  return {.least = times.front(), .median = times[reads / 2], .p95 = times[reads * 95 / 100]};
-}
-
-std::string milliseconds(double time) {
-  std::array<char, 32> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%.3f ms", time);
-  return {text.data(), static_cast<std::size_t>(length)};
-}
 
 struct Interface {
   std::string kind;
@@ -55,32 +26,9 @@ Interface interfaceOf(const Serial& serial, const LinkOptions& link) {
   return {"S", "Ethernet, kind S, which takes no password"};
 }
 
-/// The bytes of the initialisation block in front of and behind the clock.
-struct Firmware {
-  Bytes settings;    ///< three
-  Bytes controller;  ///< two
-  Byte kind;
-  Bytes further;  ///< three
-};
-
-Firmware readFirmware(Serial& serial) {
-  constexpr Byte clockEnd = 13;
-  Bytes head;
-  Bytes further;
-  const auto read = [&](Bytes& part, Byte count, Byte offset) {
-    expectRead([&] { return serial.Ctl_Init("R", part, count, offset); }, "reading the initialisation block");
-  };
-  read(head, 6, 0);
-  read(further, 3, clockEnd);
-  return {.settings = head.substr(0, 3),
-          .controller = head.substr(3, 2),
-          .kind = byteAt(head, 5),
-          .further = further};
-}
-
 struct StatusReport {
   std::string link;
-  Latency latency;
+  RoundTrips latency;
   std::optional<ClockReading> clock;  ///< none in a backup
   Firmware firmware;
   Interface medium;
@@ -88,21 +36,10 @@ struct StatusReport {
 
 StatusReport readStatus(Serial& serial, const LinkOptions& link) {
   return {.link = nameOf(link),
-          .latency = measure(serial),
+          .latency = measureRoundTrips([&] { readMemory(serial, controller::firstSetting, 1); }),
           .clock = link.backup.empty() ? std::optional(readClock(serial)) : std::nullopt,
           .firmware = readFirmware(serial),
           .medium = interfaceOf(serial, link)};
-}
-
-Json jsonOf(const Firmware& firmware) {
-  return {{"settings", jsonOfBytes(firmware.settings)},
-          {"controller", jsonOfBytes(firmware.controller)},
-          {"kind", firmware.kind},
-          {"further", jsonOfBytes(firmware.further)}};
-}
-
-Json jsonOf(const Latency& latency) {
-  return {{"min", latency.least}, {"median", latency.median}, {"p95", latency.p95}};
 }
 
 Json jsonOf(const StatusReport& status) {
@@ -118,13 +55,11 @@ void print(const StatusReport& status) {
   const auto& [link, latency, clock, firmware, medium] = status;
   std::cout << "link        " << link << '\n'
             << "interface   " << medium.words << '\n'
-            << "round trip  min " << milliseconds(latency.least) << ", median "
-            << milliseconds(latency.median) << ", p95 " << milliseconds(latency.p95) << '\n'
+            << "round trip  " << textOf(latency) << '\n'
             << "clock       "
             << (clock ? textOf(clock->controller) + ", " + deviationOf(*clock) : "none: no backup holds it")
             << '\n'
-            << "firmware    controller " << numbers(firmware.controller) << ", kind " << int{firmware.kind}
-            << ", further " << numbers(firmware.further) << '\n'
+            << "firmware    " << textOf(firmware) << '\n'
             << "settings    " << numbers(firmware.settings) << '\n';
 }
 

@@ -1,70 +1,17 @@
 #include "cli/velk/connection/port_failure.h"
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <termios.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <vector>
+#include <system_error>
 
+#include "cli/velk/connection/posix/device_access.h"
 #include "platform/posix/fd.h"
-#include "values/digits.h"
 
 namespace velk::cli {
 namespace {
-
-namespace fs = std::filesystem;
-
-/// Who may open the device; the group is what a user can join.
-std::string whyForbidden(const std::string& device) {
-  struct stat state {};
-  if (stat(device.c_str(), &state) != 0) return "no permission for its folder";
-  constexpr mode_t both = S_IRGRP | S_IWGRP;
-  const group* const owner = getgrgid(state.st_gid);  // NOLINT(concurrency-mt-unsafe): no other thread asks
-  if ((state.st_mode & both) != both || owner == nullptr || state.st_gid == 0) {
-    return "no permission; only its owner and root may open it";
-  }
-  const std::string name = owner->gr_name;
-  return "no permission; join its group with \"sudo adduser $USER " + name + "\" and log in again";
-}
-
-/// Whether a process, as a folder in /proc, has the device open, as far as this user may know.
-bool holds(const fs::path& process, dev_t device) {
-  std::error_code error;
-  for (fs::directory_iterator open(process / "fd", error), end; !error && open != end;
-       open.increment(error)) {
-    struct stat state {};
-    if (stat(open->path().c_str(), &state) == 0 && S_ISCHR(state.st_mode) && state.st_rdev == device) {
-      return true;
-    }
-  }
-  return false;
-}
-
-std::string programIn(const fs::path& process) {
-  std::string name;
-  std::getline(std::ifstream(process / "comm"), name);
-  return name + " (process " + process.filename().string() + ")";
-}
-
-std::vector<std::string> holdersOf(const std::string& device) {
-  struct stat state {};
-  std::vector<std::string> names;
-  if (stat(device.c_str(), &state) != 0) return names;
-  std::error_code error;
-  for (fs::directory_iterator process("/proc", error), end; !error && process != end;
-       process.increment(error)) {
-    const auto number = wholeNumber<int>(process->path().filename().string());
-    if (!number || *number == getpid()) continue;
-    if (holds(process->path(), state.st_rdev)) names.push_back(programIn(process->path()));
-  }
-  return names;
-}
 
 std::string whyBusy(const std::string& device) {
   std::string who;
