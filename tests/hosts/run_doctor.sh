@@ -2,6 +2,7 @@
 # Runs the doctor's check of the system under Wine: what it reports, and that it leaves nothing behind.
 # Usage: run_doctor.sh BUILD_DIR
 #   BUILD_DIR   a build with the preset windows-x64
+#   VELK_SIM    the simulated controller; bin/velk-sim of the native build when not set
 # Prints one line for each check and a closing line; ends with 1 when a check failed.
 
 set -u
@@ -11,13 +12,16 @@ here=$(cd "$(dirname "$0")" && pwd)
 . "$here/../support/checks.sh"
 build=$(cd "${1:?usage: run_doctor.sh BUILD_DIR}" && pwd) || exit 2
 work=$build/doctor
+sim=${VELK_SIM:-$here/../../build/linux/bin/velk-sim}
 folder="$work/house of Jürg/x64" # a blank and a letter that is not ASCII
 export LC_ALL=C.UTF-8 WINEPREFIX="$work/prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY WAYLAND_DISPLAY
 longest=600 # seconds that a check may take, which needs some twenty
 lines=
+simulator=
 
 end() {
+  [ -z "$simulator" ] || kill "$simulator"
   [ -z "$lines" ] || kill "$lines"
   wineserver -k >/dev/null 2>&1
 }
@@ -132,13 +136,67 @@ stays_registered() {
     diff "$work/there.txt" "$work/after.txt"
 }
 
+# A USB adapter as drivers of one family enter theirs, with a controller behind it: COM7.
+adapter='HKLM\SYSTEM\CurrentControlSet\Enum\FTDIBUS\VID_0403+PID_6001+A5\0000'
+make_adapter() {
+  start_simulator "$sim" --echo --for 7200
+  wine_run reg add 'HKLM\Software\Wine\Ports' /v COM7 /d "$echo_line" /f
+  wine_run reg add "$adapter" /v ClassGUID /d '{4D36E978-E325-11CE-BFC1-08002BE10318}' /f
+  wine_run reg add "$adapter" /v FriendlyName /d 'USB Serial Port (COM7)' /f
+  wine_run reg add "$adapter" /v Service /d FTSER2K /f
+  wine_run reg add "$adapter" /v HardwareID /t REG_MULTI_SZ /d 'FTDIBUS\COMPORT&VID_0403&PID_6001' /f
+  wine_run reg add "$adapter\\Device Parameters" /v PortName /d COM7 /f
+  wineserver -k # ports are made when the system starts
+  timeout -k 5 "$longest" wineserver -w
+}
+latency_is() { # latency_is TYPE VALUE LINE: what the doctor says of a setting
+  wine_run reg add "$adapter\\Device Parameters" /v LatencyTimer /t "$1" /d "$2" /f
+  doctor --serial com7 | grep '  *latency  ' | tee "$work/latency.txt"
+  [ "$(cat "$work/latency.txt")" = "$3" ]
+}
+link_report() { # but for what is measured
+  doctor --serial COM7 | sed 's/^[a-z]*  *\(round trips\|clock\)  .*/\1/'
+  doctor --serial COM9
+}
+expected_link_report() {
+  cat <<'ROWS'
+ok      device       COM7
+ok      adapter      USB Serial Port (COM7) (0403:6001), driver FTSER2K
+ok      opening      at 9600 bit/s
+-       latency      its driver tells no latency setting
+ok      answer       the interface answers in echo mode
+round trips
+clock
+ok      firmware     controller 9 20, kind 3, further 1 2 3
+serial:COM7?baud=9600&address=2 works
+wrong   device       there is no COM9; plug the adapter in; "velk ports" lists the ports that there are
+serial:COM9?baud=9600&address=2 does not work
+ROWS
+}
+links() {
+  check "a serial adapter" make_adapter
+  expected_link_report >"$work/expected.txt"
+  link_report >"$work/links.txt"
+  check "  and the link behind it" diff "$work/links.txt" "$work/expected.txt"
+  check "  whose latency is low" latency_is REG_DWORD 2 \
+    'ok      latency      the adapter holds back what has come for up to 2 ms'
+  for value in 3 255; do
+    check "  or $value ms, which can be mended" latency_is REG_DWORD $value "advice  latency      the adapter holds back \
+what has come for up to $value ms; as an administrator open Device Manager, Ports, USB Serial Port (COM7), Port Settings, \
+Advanced, and set the latency timer to 1 ms"
+  done
+  check "  or not believed" latency_is REG_DWORD 256 '-       latency      its driver tells no latency setting'
+  check "  as is a text" latency_is REG_SZ 16 '-       latency      its driver tells no latency setting'
+}
+
 rm -rf "$work"
 mkdir -p "$folder"
 timeout -k 5 "$longest" wineboot -i >/dev/null 2>&1
 timeout -k 5 "$longest" wineserver -w
+cp "$build"/bin/velk.exe "$folder/"
+links
 wineserver -p >/dev/null 2>&1
 for key in CLSID Interface TypeLib; do wine_run reg add "HKCU\\Software\\Classes\\$key" /f >/dev/null; done
-cp "$build"/bin/velk.exe "$folder/"
 check "without its neighbours the check fails" ends_with 1 --check
 check "  and says why" grep -q '^failed    simulator: velk-sim.exe serves TCP on 127.0.0.1 -- .*velk-sim.exe: error 2' "$work/said.txt"
 check "  and does what it can" grep -q '^1 passed, 1 failed, 1 left out' "$work/said.txt"

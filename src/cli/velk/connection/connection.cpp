@@ -45,7 +45,7 @@ bool savingFailed() {
   return unsaved;
 }
 
-Connection::Connection(const LinkOptions& options) {
+Connection::Connection(const LinkOptions& options, platform::Host& host) {
   if (options.simulate) {
     openSimulator(options);
     return;
@@ -54,7 +54,7 @@ Connection::Connection(const LinkOptions& options) {
     openBackup(options);
     return;
   }
-  serial_ = std::make_unique<Serial>();
+  serial_ = std::make_unique<Serial>(host);
   if (!options.tcp.empty()) openTcp(options);
   if (!options.serial.empty()) openSerial(options);
 }

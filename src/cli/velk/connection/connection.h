@@ -34,7 +34,8 @@ class Connection {
  public:
   /// Opens the link, if one is asked for: `result` tells how that went, like the methods that open it. Throws
   /// std::invalid_argument with a sentence, `Failure` when a backup file cannot be read.
-  explicit Connection(const LinkOptions& options);
+  /// @param host what a serial or TCP link is reached through
+  explicit Connection(const LinkOptions& options, platform::Host& host = platform::threadHost());
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection();

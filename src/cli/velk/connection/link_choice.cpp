@@ -47,10 +47,15 @@ void LinkChoice::declare(const CommandLine& line) {
     option.group(group);
 }
 
+bool LinkChoice::isGiven() const {
+  return !text_.empty() || !house_.empty() || !options_.tcp.empty() || !options_.serial.empty() ||
+         options_.simulate;
+}
+
 std::optional<LinkOptions> LinkChoice::find() const {
   if (!text_.empty()) return parseLink(text_);
   if (!house_.empty()) return houseNamed(house_);
-  if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
+  if (!isGiven()) {
     const auto text = environment("VELK_LINK");
     if (!text || text->empty()) return std::nullopt;
     // Left out it would be the wrong controller, and which of two is meant is no guess of ours.

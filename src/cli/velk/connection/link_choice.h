@@ -18,6 +18,9 @@ class LinkChoice {
   /// The link that is asked for, if one is. Throws std::invalid_argument with a sentence.
   [[nodiscard]] std::optional<LinkOptions> find() const;
 
+  /// Whether the command line names one, not the environment.
+  [[nodiscard]] bool isGiven() const;
+
   /// The link that a command cannot do without. Throws std::invalid_argument as well when there is none.
   [[nodiscard]] LinkOptions required() const;
 

@@ -56,17 +56,17 @@ std::string whyNoGreeting(const platform::Socket& socket) {
                          : "it answers, but is no interface of a controller; check address and port";
 }
 
-std::string reasonOf(const LinkOptions& link, Byte result, bool greeted) {
+}  // namespace
+
+std::string whyNotOpen(const LinkOptions& link, Byte result, bool greeted) {
   if (!link.serial.empty()) return whyNoPort(link.serial, link.baud);
   if (greeted) return whyNoLogin(link, result);
   return result == noReply ? whyNoGreeting(platform::threadHost().socket()) : meaningOf(result);
 }
 
-}  // namespace
-
 std::string failureToOpen(const LinkOptions& link, Byte result, bool greeted) {
   return "cannot open " + (link.serial.empty() ? link.tcp : link.serial) + ": " +
-         reasonOf(link, result, greeted) + " (result " + std::to_string(result) + ")";
+         whyNotOpen(link, result, greeted) + " (result " + std::to_string(result) + ")";
 }
 
 }  // namespace velk::cli

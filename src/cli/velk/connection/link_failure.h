@@ -12,4 +12,7 @@ namespace velk::cli {
 /// @param greeted whether an interface has answered, so that the result is that of the login
 std::string failureToOpen(const LinkOptions& link, Byte result, bool greeted);
 
+/// The reason alone, with what to do behind a semicolon.
+std::string whyNotOpen(const LinkOptions& link, Byte result, bool greeted);
+
 }  // namespace velk::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,9 @@ struct SerialPortFacts {
   std::string usb;      ///< vendor and product as "0403:6001", of a USB adapter
   std::string serial;   ///< its serial number
   std::string driver;
-  std::string stableName;  ///< of a device that keeps this name wherever it is plugged in
+  std::optional<int> latency;  ///< on Windows, where the driver has such a setting: for how many milliseconds
+                               ///< at most the adapter holds back what has come
+  std::string stableName;      ///< of a device that keeps this name wherever it is plugged in
 };
 
 /// All serial ports behind which the system knows hardware, in the order of their names.

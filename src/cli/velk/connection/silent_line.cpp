@@ -21,8 +21,8 @@ bool answers(Byte busAddress, bool fast) {
 
 std::string whySilent(const LinkOptions& link) {
   if (answers(link.busAddress, !link.fast)) {
-    return link.fast ? "the line is in echo mode: leave out --fast (in a link text: \"fast\")"
-                     : "the line is in fast mode: give --fast (in a link text: \"?fast\")";
+    return link.fast ? "the line is in echo mode; leave out --fast (in a link text: \"fast\")"
+                     : "the line is in fast mode; give --fast (in a link text: \"?fast\")";
   }
   if (answers(link.busAddress, link.fast)) return {};
   return "nobody answers; check cable and power, and whether --baud and --address fit";

@@ -47,16 +47,19 @@ std::string whyForbidden(const std::string& device) {
   return "no permission; join its group with \"sudo adduser $USER " + name + "\" and log in again";
 }
 
-std::vector<std::string> holdersOf(const std::string& device) {
+std::string holdersOf(const std::string& device) {
+  constexpr int most = 3;
   struct stat state {};
-  std::vector<std::string> names;
+  std::string names;
   if (stat(device.c_str(), &state) != 0) return names;
   std::error_code error;
+  int count = 0;
   for (fs::directory_iterator process("/proc", error), end; !error && process != end;
        process.increment(error)) {
     const auto number = wholeNumber<int>(process->path().filename().string());
-    if (!number || *number == getpid()) continue;
-    if (holds(process->path(), state.st_rdev)) names.push_back(programIn(process->path()));
+    if (!number || *number == getpid() || !holds(process->path(), state.st_rdev)) continue;
+    if (++count > most) return names + " and more";
+    names += (names.empty() ? "" : ", ") + programIn(process->path());
   }
   return names;
 }

@@ -14,8 +14,7 @@ namespace velk::cli {
 namespace {
 
 std::string whyBusy(const std::string& device) {
-  std::string who;
-  for (const std::string& name : holdersOf(device)) who += (who.empty() ? "" : ", ") + name;
+  const std::string who = holdersOf(device);
   if (who.empty()) return "another program has it open; \"sudo fuser -v " + device + "\" names it";
   return "it is open in " + who;
 }

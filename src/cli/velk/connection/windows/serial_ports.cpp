@@ -51,17 +51,32 @@ std::vector<SerialPortFacts> registeredPorts() {
   return ports;
 }
 
-/// The name that a device's driver key gives its port: "COM3".
-std::string portNameOf(HDEVINFO devices, SP_DEVINFO_DATA& device) {
+/// What a device's own key tells: the name of its port ("COM3") and, of adapters whose driver holds back what
+/// has come, for how many milliseconds.
+struct PortSettings {
+  std::string name;
+  std::optional<int> latency;
+};
+
+PortSettings settingsOf(HDEVINFO devices, SP_DEVINFO_DATA& device) {
+  PortSettings settings;
   HKEY const key = SetupDiOpenDevRegKey(devices, &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_QUERY_VALUE);
-  if (key == INVALID_HANDLE_VALUE) return {};
-  Text value{};
-  DWORD size = sizeof value;
+  if (key == INVALID_HANDLE_VALUE) return settings;
+  Text name{};
+  DWORD size = sizeof name;
   DWORD type = 0;
-  const LSTATUS result =
-      RegQueryValueExW(key, L"PortName", nullptr, &type, reinterpret_cast<BYTE*>(value.data()), &size);
+  LSTATUS result =
+      RegQueryValueExW(key, L"PortName", nullptr, &type, reinterpret_cast<BYTE*>(name.data()), &size);
+  if (result == ERROR_SUCCESS && type == REG_SZ) settings.name = textIn(name, size);
+  constexpr DWORD longest = 255;
+  DWORD latency = 0;
+  size = sizeof latency;
+  result = RegQueryValueExW(key, L"LatencyTimer", nullptr, &type, reinterpret_cast<BYTE*>(&latency), &size);
+  if (result == ERROR_SUCCESS && type == REG_DWORD && latency <= longest) {
+    settings.latency = static_cast<int>(latency);
+  }
   RegCloseKey(key);
-  return result == ERROR_SUCCESS && type == REG_SZ ? textIn(value, size) : std::string();
+  return settings;
 }
 
 std::string propertyOf(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property) {
@@ -94,12 +109,14 @@ void describeAll(std::vector<SerialPortFacts>& ports) {
   SP_DEVINFO_DATA device{};
   device.cbSize = sizeof device;
   for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device) != 0; ++i) {
-    const std::string name = portNameOf(devices, device);
-    const auto port = std::find_if(ports.begin(), ports.end(),
-                                   [&](const SerialPortFacts& facts) { return facts.device == name; });
+    const PortSettings settings = settingsOf(devices, device);
+    const auto port = std::find_if(ports.begin(), ports.end(), [&](const SerialPortFacts& facts) {
+      return facts.device == settings.name;
+    });
     if (port == ports.end()) continue;  // a printer port, most often
     port->adapter = propertyOf(devices, device, SPDRP_FRIENDLYNAME);
     port->usb = usbOf(propertyOf(devices, device, SPDRP_HARDWAREID));
+    port->latency = settings.latency;
     port->driver = propertyOf(devices, device, SPDRP_SERVICE);
   }
   SetupDiDestroyDeviceInfoList(devices);

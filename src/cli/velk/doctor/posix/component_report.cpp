@@ -8,9 +8,15 @@
 
 namespace velk::cli {
 
+bool componentIsHere() {
+  return false;
+}
+
 int reportComponent(bool json) {
   constexpr const char* note =
-      "The component is for Windows; here programs use the library, and \"velk status\" looks at a link.";
+      "The component is for Windows; here programs use the library. \"velk doctor --serial DEVICE\", or with "
+      "any "
+      "other link, checks the link.";
   std::cout << (json ? Json{{"note", note}}.dump() : note) << '\n';
   return success;
 }

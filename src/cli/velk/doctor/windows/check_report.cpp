@@ -1,20 +1,14 @@
 #include "cli/velk/doctor/windows/check_report.h"
 
-#include <algorithm>
 #include <iostream>
 
 #include "cli/shared/exit_status.h"
+#include "cli/velk/doctor/padded.h"
 
 namespace velk::cli {
 namespace {
 
 constexpr std::array<std::string_view, 3> outcomeNames{"passed", "failed", "left out"};
-
-std::string padded(std::string_view text, std::size_t width) {
-  std::string line(text);
-  line.resize(std::max(line.size() + 1, width), ' ');
-  return line;
-}
 
 }  // namespace
 
