@@ -1,16 +1,16 @@
 #include "cli/velk/things/clock.h"
 
 #include "cli/shared/interrupts.h"
-#include "cli/velk/commands/command.h"
+#include "cli/velk/commands/change.h"
 
 namespace velk::cli {
 namespace {
 
-struct ClockOptions : LinkedOptions {
+struct ClockOptions : ChangeOptions {
   std::string action;
 
   void declare(const CommandLine& line) {
-    LinkedOptions::declare(line);
+    ChangeOptions::declare(line);
     line.option("set", action, "Set the clock to the PC's local time").typeName("[set]").oneOf({"set"});
   }
 };
@@ -25,7 +25,7 @@ int carryOutClock(const ClockOptions& options) {
   const ClockReading before = readClock(connection->serial());
   Json json = jsonOf(before);
   if (!options.json) print(before);
-  if (!options.action.empty()) {
+  if (!options.action.empty() && !options.dryRun) {
     // Half an update would leave the clock held.
     watchInterrupts();
     setClock(connection->serial());

@@ -1,9 +1,9 @@
 #include <array>
 
-#include "cli/velk/commands/command.h"
-#include "cli/velk/connection/expect_done.h"
-#include "cli/velk/connection/retry.h"
+#include "cli/shared/escapes.h"
+#include "cli/velk/commands/change.h"
 #include "cli/velk/connection/transfer.h"
+#include "cli/velk/things/words.h"
 #include "controller/ctl_lang.h"
 #include "controller/languages.h"
 
@@ -32,21 +32,32 @@ std::string listOfLanguages() {
   return text;
 }
 
-/// Whether the controller has the display texts of a language.
-bool stands(Serial& serial, const std::string& code) {
-  constexpr Byte size = 16;
-  Byte slot = controller::firstText;
-  for (const std::string_view text : *controller::textsOf(code)) {
-    if (readMemory(serial, controller::displayText(slot++), size) != padded(text, size)) return false;
+/// What stands in the slots from the first on, one text each.
+using DisplayTexts = std::vector<Bytes>;
+
+constexpr std::size_t longestDisplayText = 16;
+
+DisplayTexts readDisplayTexts(Serial& serial) {
+  DisplayTexts texts;
+  for (int slot = controller::firstText; slot <= controller::lastText; ++slot) {
+    texts.push_back(readMemory(serial, controller::displayText(static_cast<Byte>(slot)), longestDisplayText));
   }
-  return true;
+  return texts;
 }
 
-struct LanguageOptions : LinkedOptions {
+Shown shownAs(const DisplayTexts& texts, const std::string& code) {
+  Details details;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    details.push_back({std::to_string(controller::firstText + i), shown(withoutFill(texts[i]))});
+  }
+  return {std::move(details), {{"language", code}}};
+}
+
+struct LanguageOptions : ChangeOptions {
   std::string code;
 
   void declare(const CommandLine& line) {
-    LinkedOptions::declare(line);
+    ChangeOptions::declare(line);
     line.option("CODE", code, "The language's letter").required().oneOf({"N", "E", "F", "D", "B", "P", "S"});
   }
 };
@@ -54,10 +65,16 @@ struct LanguageOptions : LinkedOptions {
 int carryOutLanguage(const LanguageOptions& options) {
   const auto connection = open(options.link.required());
   Serial& serial = connection->serial();
-  const auto write = [&] { return std::get<Byte>(convert(serial.Ctl_Lang(options.code), Type::byte)); };
-  expectDone(retry().write(write, [&] { return stands(serial, options.code); }), "writing the display texts");
-  if (options.json) std::cout << Json{{"language", options.code}} << '\n';
-  return success;
+  const auto read = [&] { return shownAs(readDisplayTexts(serial), options.code); };
+  DisplayTexts wanted;
+  for (const std::string_view text : *controller::textsOf(options.code))
+    wanted.push_back(padded(text, longestDisplayText));
+  return carryOut(
+      options, {.title = "language " + options.code,
+                .before = read(),
+                .after = shownAs(wanted, options.code),
+                .write = [&] { return std::get<Byte>(convert(serial.Ctl_Lang(options.code), Type::byte)); },
+                .read = read});
 }
 
 }  // namespace

@@ -101,6 +101,11 @@ std::string label(std::string_view stored) {
   return shown(stored.substr(first, stored.find_last_not_of(around) - first + 1));
 }
 
+std::string_view withoutFill(std::string_view stored) {
+  const bool isNone = stored.find_first_not_of('\0') == std::string_view::npos;
+  return stored.substr(0, isNone ? 0 : stored.find_last_not_of(' ') + 1);
+}
+
 std::string timeOfDay(int hour, int minute) {
   return twoDigits(hour) + ":" + twoDigits(minute);
 }

@@ -13,6 +13,9 @@ namespace velk::cli {
 /// A stored text without the blanks and zero bytes around it, as people typed it: see `shown`.
 std::string label(std::string_view stored);
 
+/// A text without the blanks that fill it up behind; one of zeros alone is empty.
+std::string_view withoutFill(std::string_view stored);
+
 /// "07:30".
 std::string timeOfDay(int hour, int minute);
 
