@@ -4,6 +4,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "cli/shared/line_words.h"
 #include "values/digits.h"
 
 namespace velk::cli {
@@ -191,8 +192,10 @@ std::optional<int> answerBash(const CommandShape& program, const std::vector<std
                               const ValuesAt& valuesAt) {
   if (arguments.size() != 3) return wrongUsage;
   const auto cursor = wholeNumber<std::size_t>(arguments[1]);
-  std::vector<std::string> words = wordsOfBash(arguments[0].substr(0, cursor.value_or(npos)));
-  words.erase(words.begin());  // the program
+  LineWords line = wordsOf(std::string_view(arguments[0]).substr(0, cursor.value_or(npos)));
+  std::vector<std::string>& words = line.words;
+  if (!line.endsInWord) words.emplace_back();  // the one at the cursor
+  words.erase(words.begin());                  // the program
   if (words.empty()) return wrongUsage;
   const auto found = candidates(program, words, valuesAt);
   // The Bash replaces what stands behind the last "=" or ":" alone.
@@ -209,31 +212,6 @@ std::optional<Candidates> candidates(const CommandShape& program, const std::vec
   Walk walk(program, valuesAt);
   for (auto word = words.begin(); word != std::prev(words.end()); ++word) walk.pass(*word);
   return walk.at(words.back());
-}
-
-std::vector<std::string> wordsOfBash(const std::string& line) {
-  std::vector<std::string> words(1);
-  char quote = 0;
-  bool isWord = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const char c = line[i];
-    if (quote == 0 && (c == ' ' || c == '\t' || c == '\n')) {
-      if (isWord) words.emplace_back();
-      isWord = false;
-      continue;
-    }
-    isWord = true;
-    if (quote == 0 && (c == '"' || c == '\'')) {
-      quote = c;
-    } else if (c == quote) {
-      quote = 0;
-    } else if (c == '\\' && quote != '\'' && i + 1 < line.size()) {
-      words.back() += line[++i];
-    } else {
-      words.back() += c;
-    }
-  }
-  return words;
 }
 
 std::optional<int> answerShell(const CommandShape& program, int argc, char** argv, const ValuesAt& valuesAt) {

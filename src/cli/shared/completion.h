@@ -35,9 +35,6 @@ using ValuesAt = std::function<std::optional<Candidates>(const Place&)>;
 std::optional<Candidates> candidates(const CommandShape& program, const std::vector<std::string>& words,
                                      const ValuesAt& valuesAt);
 
-/// The words of a line of the Bash, without their quotes; the last one, which may be empty, is where it ends.
-std::vector<std::string> wordsOfBash(const std::string& line);
-
 /// Answers the script of a shell when the first word of the command line is "complete":
 ///
 ///     complete bash LINE CURSOR WORD    the line, the cursor's place in bytes, what will be replaced

@@ -8,9 +8,7 @@
 #include <optional>
 #include <stdexcept>
 #include <system_error>
-#include <variant>
 
-#include "cli/shared/failure.h"
 #include "cli/shared/system_files.h"
 #include "values/runtime_error.h"
 
@@ -29,7 +27,8 @@ std::optional<Failure> failureOfOutput() {
   return Failure(badFile, "standard output cannot be written" + why);
 }
 
-/// What `carryOut` returns, or why it has failed.
+}  // namespace
+
 std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
   try {
     return carryOut();
@@ -47,8 +46,6 @@ std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
     return Failure(runtimeError, error.what());
   }
 }
-
-}  // namespace
 
 bool asksForJson(int argc, char** argv) {
   char** const end = std::find(argv, argv + argc, std::string_view("--"));

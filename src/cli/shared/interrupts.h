@@ -17,4 +17,14 @@ bool isInterrupted();
 /// Throws `Failure` with `interrupted` when one has come.
 void checkInterrupt();
 
+/// From now on none ends the program where nobody watches: `checkBreak` finds it there. Behind `unwatchInterrupts` it
+/// ends the wait for a person.
+void surviveInterrupts();
+
+/// Like `checkInterrupt` where nobody watches; does nothing where somebody does.
+void checkBreak();
+
+/// Forgets a Ctrl-C that has come. Returns false when something else has, which asks for more than that.
+bool forgetInterrupt();
+
 }  // namespace velk::cli

@@ -58,6 +58,7 @@ void addCommands(const CommandLine& line, Job& job) {
         addDoctor,   addCompletion, addCall,        addMethods,    addHelp}) {
     add(line, job);
   }
+  for (const auto add : {addApply}) add(line, job, addCommands);
 }
 
 int carryOut(int argc, char** argv) {
@@ -71,7 +72,7 @@ int carryOut(int argc, char** argv) {
   if (const auto status = printManual(shape, "VelkCom " VELK_VERSION, argc, argv)) return *status;
   if (const auto status = answerShell(shape, argc, argv, valuesAt)) return *status;
   if (const auto status = line.parse(argc, argv)) return *status;
-  return job();
+  return job.carryOut();
 }
 
 }  // namespace

@@ -1,33 +1,37 @@
-#include "cli/shared/interrupts.h"
-
-#include <atomic>
 #include <csignal>
 
-namespace velk::cli {
+#include "cli/shared/system_interrupts.h"
+
+namespace velk::cli::system {
 namespace {
 
-std::atomic<bool> came{false};
-static_assert(std::atomic<bool>::is_always_lock_free);
+void (*noteInterrupt)(Interrupt) = nullptr;
 
-void handle(void (*handler)(int)) {
+void onSignal(int number) {
+  noteInterrupt(number == SIGINT ? Interrupt::breaks : Interrupt::end);
+}
+
+void handle(void (*handler)(int), int flags) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = flags;
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     // What was ignored from the start stays so: `nohup` and background jobs of simple shells rely on it.
-    if (std::signal(number, handler) == SIG_IGN) std::signal(number, SIG_IGN);
+    struct sigaction before {};
+    sigaction(number, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
   }
 }
 
 }  // namespace
 
-void watchInterrupts() {
-  handle([](int) { came = true; });
+void handleInterrupts(void (*note)(Interrupt), Waits waits) {
+  noteInterrupt = note;
+  handle(onSignal, waits == Waits::goOn ? SA_RESTART : 0);
 }
 
-void unwatchInterrupts() {
-  handle(SIG_DFL);
+void leaveInterrupts() {
+  handle(SIG_DFL, 0);
 }
 
-bool isInterrupted() {
-  return came;
-}
-
-}  // namespace velk::cli
+}  // namespace velk::cli::system

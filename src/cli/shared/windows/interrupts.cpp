@@ -1,37 +1,34 @@
-#include "cli/shared/interrupts.h"
-
 #include <windows.h>
 
-#include <atomic>
+#include "cli/shared/system_interrupts.h"
 
-namespace velk::cli {
+namespace velk::cli::system {
 namespace {
 
-std::atomic<bool> came{false};
+void (*noteInterrupt)(Interrupt) = nullptr;
 
 /// Runs on a thread of its own. Windows ends the process when this returns from an event that closes the
 /// console or ends the session, and a few seconds later in any case: it does not return before the program
 /// has ended by itself.
 BOOL WINAPI onEvent(DWORD event) {
-  came = true;
-  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(INFINITE);
+  const bool breaks = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+  noteInterrupt(breaks ? Interrupt::breaks : Interrupt::end);
+  if (!breaks) Sleep(INFINITE);
   return TRUE;
 }
 
 }  // namespace
 
-void watchInterrupts() {
+/// The console ends its waits for a person at Ctrl-C by itself.
+void handleInterrupts(void (*note)(Interrupt), Waits /*waits*/) {
+  noteInterrupt = note;
   // Each call would add it once more, and one removal leave the others.
   SetConsoleCtrlHandler(onEvent, FALSE);
   SetConsoleCtrlHandler(onEvent, TRUE);
 }
 
-void unwatchInterrupts() {
+void leaveInterrupts() {
   SetConsoleCtrlHandler(onEvent, FALSE);
 }
 
-bool isInterrupted() {
-  return came;
-}
-
-}  // namespace velk::cli
+}  // namespace velk::cli::system

@@ -3,6 +3,7 @@
 #include "cli/shared/interrupts.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/shared_link.h"
 #include "values/result.h"
 
 namespace velk::cli {
@@ -40,7 +41,8 @@ int carryOut(const ChangeOptions& options, const Change& change) {
   if (options.json) printJson(now, changes, writes);
   if (writes) std::cerr << "velk: written and read back\n";
   if (changes.empty()) std::cerr << "velk: nothing to write: " << change.title << " is so already\n";
-  checkInterrupt();
+  // Where many share a link it is for who carries them out: this one is done.
+  if (SharedLink::current() == nullptr) checkInterrupt();
   return success;
 }
 

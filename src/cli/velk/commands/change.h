@@ -9,16 +9,6 @@
 /// How a command changes a thing: it is shown as it is and as it will be, written, read back, and told.
 namespace velk::cli {
 
-/// Options of the commands that change a thing.
-struct ChangeOptions : LinkedOptions {
-  bool dryRun = false;
-
-  void declare(const CommandLine& line) {
-    LinkedOptions::declare(line);
-    line.flag("--dry-run", dryRun, "Show what would change and write nothing");
-  }
-};
-
 /// A thing for people and for programs.
 struct Shown {
   Details details;

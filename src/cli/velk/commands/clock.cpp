@@ -1,7 +1,8 @@
 #include "cli/velk/things/clock.h"
 
 #include "cli/shared/interrupts.h"
-#include "cli/velk/commands/change.h"
+#include "cli/velk/commands/command.h"
+#include "cli/velk/connection/shared_link.h"
 
 namespace velk::cli {
 namespace {
@@ -35,7 +36,7 @@ int carryOutClock(const ClockOptions& options) {
     if (!options.json) std::cout << "set; deviation now: " << deviationOf(after) << '\n';
   }
   if (options.json) std::cout << json << '\n';
-  checkInterrupt();
+  if (SharedLink::current() == nullptr) checkInterrupt();
   return success;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -17,9 +18,6 @@
 /// error.
 namespace velk::cli {
 
-/// Carries a command out; returns the exit status.
-using Job = std::function<int()>;
-
 /// Options of every command that talks to a controller.
 struct LinkedOptions {
   LinkChoice link;
@@ -31,13 +29,40 @@ struct LinkedOptions {
   }
 };
 
+/// Options of the commands that change a thing. They look at their words before they open the link and do nothing else
+/// there, so that `velk apply` can check many of them first: it takes these commands alone.
+struct ChangeOptions : LinkedOptions {
+  bool dryRun = false;
+
+  void declare(const CommandLine& line) {
+    LinkedOptions::declare(line);
+    line.flag("--dry-run", dryRun, "Show what would change and write nothing");
+  }
+};
+
+/// What a command line has to do.
+struct Job {
+  std::function<int()> carryOut;                 ///< returns the exit status
+  std::shared_ptr<LinkedOptions> linked = {};    ///< of a command that works on a link
+  std::shared_ptr<ChangeOptions> changing = {};  ///< of one that changes a thing
+};
+
+template <class Base, class Options>
+std::shared_ptr<Base> optionsAs(const std::shared_ptr<Options>& options) {
+  if constexpr (std::derived_from<Options, Base>) return options;
+  return nullptr;
+}
+
 /// Adds a command. `carryOut` is called with its options, which `declare` has put on the command line.
 template <class Options, class CarryOut>
 CommandLine addCommand(const CommandLine& velk, Job& job, const std::string& name, const std::string& help,
                        const std::string& examples, CarryOut carryOut) {
   const auto options = std::make_shared<Options>();
-  CommandLine line = velk.addCommand(
-      name, help, [&job, options, carryOut] { job = [options, carryOut] { return carryOut(*options); }; });
+  CommandLine line = velk.addCommand(name, help, [&job, options, carryOut] {
+    job = {.carryOut = [options, carryOut] { return carryOut(*options); },
+           .linked = optionsAs<LinkedOptions>(options),
+           .changing = optionsAs<ChangeOptions>(options)};
+  });
   options->declare(line);
   line.footer("\nExamples:\n" + examples);
   return line;
@@ -66,6 +91,10 @@ void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);
 void addHelp(const CommandLine& velk, Job& job);
+
+/// Adds all commands; those below carry out lines that name them.
+using AddCommands = void (*)(const CommandLine& velk, Job& job);
+void addApply(const CommandLine& velk, Job& job, AddCommands addCommands);
 
 /// What "velk help" tells beside the commands, as the end of a help.
 std::string topics();

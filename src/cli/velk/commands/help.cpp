@@ -21,7 +21,8 @@ is refused. \xNN is a byte, \\ a backslash. Names are shown as they were typed, 
     Topic{"changes",
           R"(Changes:
 Commands that change a thing in words show what was and what will be, write it, read it back and tell so.
---dry-run writes nothing. With --json the thing is printed as it is then, with what changed.
+--dry-run writes nothing. With --json the thing is printed as it is then, with what changed. "velk apply"
+carries out many of them, from a file.
 An output is its number, 1 to 99, or its name. The beginning of a name is enough when no other name begins
 so; capitals do not count. When several fit they are listed, and nothing is done. A name has up to 16
 characters and lies in a place chosen for it; a controller may keep something else there.

@@ -1,5 +1,6 @@
 #include "cli/velk/connection/link_choice.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "cli/shared/ask_password.h"
@@ -12,6 +13,7 @@
 #include "cli/velk/connection/link_failure.h"
 #include "cli/velk/connection/link_text.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/shared_link.h"
 #include "cli/velk/connection/silent_line.h"
 
 namespace velk::cli {
@@ -43,8 +45,13 @@ void LinkChoice::declare(const CommandLine& line) {
   const Option fast =
       line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
   address_ = address;
-  for (const Option& option : {tcp, serial, simulate, text, house, password, address, baud, fast})
-    option.group(group);
+  declared_ = {tcp, serial, simulate, text, house, password, address, baud, fast};
+  for (const Option& option : declared_) option.group(group);
+}
+
+bool LinkChoice::isGiven() const {
+  return std::any_of(declared_.begin(), declared_.end(),
+                     [](const Option& option) { return option.isGiven(); });
 }
 
 bool LinkChoice::isGiven() const {
@@ -53,6 +60,7 @@ bool LinkChoice::isGiven() const {
 }
 
 std::optional<LinkOptions> LinkChoice::find() const {
+  if (const SharedLink* const shared = SharedLink::current()) return shared->link();
   if (!text_.empty()) return parseLink(text_);
   if (!house_.empty()) return houseNamed(house_);
   if (!isGiven()) {
@@ -87,8 +95,14 @@ bool wantsPassword(const LinkOptions& link, Connection& connection) {
 
 }  // namespace
 
-std::unique_ptr<Connection> open(const LinkOptions& link) {
-  auto connection = std::make_unique<Connection>(link);
+std::shared_ptr<Connection> open(const LinkOptions& link) {
+  if (SharedLink* const shared = SharedLink::current()) return shared->connection();
+  LinkOptions own = link;
+  return openAnew(own);
+}
+
+std::shared_ptr<Connection> openAnew(LinkOptions& link) {
+  auto connection = std::make_shared<Connection>(link);
   const auto explainSilence = [link] {
     const std::string reason = whySilent(link);
     if (!reason.empty()) throw Failure(noLink, link.serial + ": " + reason);
@@ -96,11 +110,10 @@ std::unique_ptr<Connection> open(const LinkOptions& link) {
   retry().whenFirstIsLost(link.serial.empty() ? nullptr : std::function<void()>(explainSilence));
   if (connection->result() == 0) return connection;
   if (wantsPassword(link, *connection) && inputIsTerminal() && errorIsTerminal()) {
-    LinkOptions complete = link;
-    complete.password = checkedPassword(unescaped(askPassword("password of " + link.tcp + ": ")));
+    link.password = checkedPassword(unescaped(askPassword("password of " + link.tcp + ": ")));
     // An empty line would be refused as before, and asked for again.
     connection->serial().CloseTCP();
-    if (!complete.password.empty()) return open(complete);
+    if (!link.password.empty()) return openAnew(link);
   }
   throw Failure(noLink, failureToOpen(link, connection->result(), connection->serial().TCP),
                 connection->result());

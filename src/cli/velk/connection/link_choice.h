@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/shared/command_line.h"
 #include "cli/velk/connection/connection.h"
@@ -15,7 +16,11 @@ class LinkChoice {
  public:
   void declare(const CommandLine& line);
 
-  /// The link that is asked for, if one is. Throws std::invalid_argument with a sentence.
+  /// Whether one of the options stands on the command line, once that is read.
+  [[nodiscard]] bool isGiven() const;
+
+  /// The link that is asked for, if one is: the shared one, where there is one. Throws
+  /// std::invalid_argument with a sentence.
   [[nodiscard]] std::optional<LinkOptions> find() const;
 
   /// Whether the command line names one, not the environment.
@@ -31,10 +36,15 @@ class LinkChoice {
   std::string password_;
   int baud_ = LinkOptions().baud;
   int busAddress_ = LinkOptions().busAddress;
+  std::vector<Option> declared_;
   std::optional<Option> address_;
 };
 
-/// Opens a link. Throws `Failure` with `noLink` when it does not open.
-std::unique_ptr<Connection> open(const LinkOptions& link);
+/// Opens a link, or hands out the shared one, where there is one. Throws `Failure` with `noLink` when it does
+/// not open.
+std::shared_ptr<Connection> open(const LinkOptions& link);
+
+/// Opens a link anew. A password that is asked for is kept in it.
+std::shared_ptr<Connection> openAnew(LinkOptions& link);
 
 }  // namespace velk::cli

@@ -34,7 +34,7 @@ Retry& retry() {
 }
 
 void tellRepeats() {
-  if (const int count = retry().repeated(); count != 0) {
+  if (const int count = retry().takeRepeated(); count != 0) {
     std::cerr << "velk: " << count << (count == 1 ? " request was" : " requests were")
               << " lost on the way and repeated\n";
   }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <utility>
 
+#include "cli/shared/interrupts.h"
 #include "cli/velk/connection/expect_done.h"
 #include "platform/host.h"
 
@@ -27,9 +28,11 @@ class Retry {
 
   explicit Retry(platform::Host& host) : host_(host) {}
 
-  /// Carries out a read until its outcome is not lost; returns the last one.
+  /// Carries out a read until its outcome is not lost; returns the last one. A Ctrl-C that came before breaks
+  /// it off: see `checkBreak`.
   template <class Read, class Lost>
   auto read(Read read, Lost lost) {
+    checkBreak();
     return repeat(read, read, lost);
   }
 
@@ -57,6 +60,7 @@ class Retry {
 
   /// How many requests were repeated so far.
   [[nodiscard]] int repeated() const { return repeated_; }
+  int takeRepeated() { return std::exchange(repeated_, 0); }
 
  private:
   template <class First, class Next, class Lost>
@@ -81,7 +85,7 @@ class Retry {
 /// That of the program's own link.
 Retry& retry();
 
-/// Says at the end of a command how many requests were lost on the way and repeated.
+/// Says at the end of a command how many requests were lost on the way and repeated since it was last called.
 void tellRepeats();
 
 /// Carries out a read as `Retry` does. Throws `Failure` that names what was tried, unless its result is 0.
