@@ -11,6 +11,7 @@ std::string describe(const link::Request& request) {
   text.append(" ").append(nameOf(at.area)) +=
       " " + capitalHex(Bytes{character(request.high), character(request.low)});
   if (!request.data.empty()) text += " " + capitalHex(request.data, " ");
+  if ((request.command & link::shortReply) != 0) text += " short";
   const std::string name = memory::nameOf(at);
   return name.empty() ? text : text + "  " + name;
 }

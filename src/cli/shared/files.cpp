@@ -49,6 +49,13 @@ std::string putAside(const std::string& path) {
   });
 }
 
+std::unique_ptr<Sink> openGrowing(const std::string& path) {
+  return named(path, [&] {
+    Destination destination = system::open(path);
+    return destination.sink ? std::move(destination.sink) : system::create(destination.file);
+  });
+}
+
 OutputFile::OutputFile(std::string path, std::string like)
     : path_(std::move(path)),
       like_(std::move(like)),

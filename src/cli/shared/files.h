@@ -33,6 +33,10 @@ class Sink {
   virtual void write(std::string_view text) = 0;
 };
 
+/// Opens a file that grows as work goes on; what stood in it is gone. A device, a pipe or standard output is
+/// written to.
+std::unique_ptr<Sink> openGrowing(const std::string& path);
+
 /// Where a name leads when it is opened to be written.
 struct Destination {
   std::string file;            ///< a file of a folder, behind all links

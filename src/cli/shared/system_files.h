@@ -16,6 +16,9 @@ std::string read(const std::string& path, std::size_t atMost);
 /// folder; neither is changed.
 Destination open(const std::string& path);
 
+/// Opens a file of a folder and empties it, or makes it.
+std::unique_ptr<Sink> create(const std::string& file);
+
 /// Replaces a file, or makes it, when all its bytes are on the disk. It has the mode and owner of the file
 /// before, else those of the file named `like`, if it is there.
 void replace(const std::string& file, const std::string& like, std::string_view text);

@@ -156,6 +156,12 @@ Destination open(const std::string& path) {
   return {.file = std::move(file), .sink = nullptr};
 }
 
+std::unique_ptr<Sink> create(const std::string& file) {
+  Fd fd(::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+  check(static_cast<bool>(fd));
+  return std::make_unique<OpenFile>(std::move(fd));
+}
+
 void replace(const std::string& file, const std::string& like, std::string_view text) {
   struct stat model {};
   bool hasModel = false;

@@ -151,6 +151,12 @@ Destination open(const std::string& path) {
   return {.file = utf8Of(file), .sink = nullptr};
 }
 
+std::unique_ptr<Sink> create(const std::string& file) {
+  Handle handle = openFile(wideOf(file), GENERIC_WRITE, CREATE_ALWAYS);
+  check(static_cast<bool>(handle));
+  return std::make_unique<OpenFile>(std::move(handle));
+}
+
 /// A new file has the access rights that its folder hands down.
 void replace(const std::string& file, const std::string& /*like*/, std::string_view text) {
   const std::wstring name = wideOf(file);

@@ -41,16 +41,17 @@ struct CallOptions : LinkedOptions {
 };
 
 /// The result stands as it is; why nothing came back on a serial line is said beside it.
-void explainLoss(const LinkOptions& link, const MethodCall& call, const CallResult& result) {
+void explainLoss(const LinkOptions& link, Connection& connection, const MethodCall& call,
+                 const CallResult& result) {
   if (link.serial.empty() || result.errorNumber || !isLost(codeOf(call, result.result).value_or(0))) return;
-  if (const std::string reason = whySilent(link); !reason.empty()) {
+  if (const std::string reason = whySilent(link, connection.host()); !reason.empty()) {
     std::cerr << "velk: " << link.serial << ": " << reason << '\n';
   }
 }
 
 int carryOutCall(const CallOptions& options) {
   MethodCall call = parseCall(options.method, options.arguments);
-  const LinkOptions link = options.link.find().value_or(LinkOptions());
+  const LinkOptions link = options.link.orNone();
   const auto connection = open(link);
   for (const std::string& property : options.properties) setProperty(connection->serial(), property);
   const CallResult result = perform(connection->serial(), call);
@@ -61,7 +62,7 @@ int carryOutCall(const CallOptions& options) {
   } else {
     std::cout << textOf(call, result);
   }
-  explainLoss(link, call, result);
+  explainLoss(link, *connection, call, result);
   return exitStatusOf(call, result);
 }
 

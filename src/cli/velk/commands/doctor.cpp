@@ -31,7 +31,7 @@ std::vector<std::string> splitAtComma(const std::string& text) {
 
 int check(const DoctorOptions& options) {
   SelfCheckOptions check{.json = options.json};
-  if (options.link.isGiven()) {
+  if (options.link.namesLink()) {
     const LinkOptions link = options.link.required();
     if (link.serial.empty()) throw std::invalid_argument("--check takes no link but --serial COM5,COM6");
     check.serial = splitAtComma(link.serial);
@@ -44,7 +44,7 @@ int examine(const DoctorOptions& options) {
   if (place.size() == 2) return useWithoutRegistration(place[0], place[1]);
   if (options.check) return check(options);
   // Where there is a component, the environment's link does not hide it.
-  const bool wantsLink = options.link.isGiven() || !componentIsHere();
+  const bool wantsLink = options.link.namesLink() || !componentIsHere();
   const auto link = wantsLink ? options.link.find() : std::nullopt;
   return link ? reportLink(*link, options.json) : reportComponent(options.json);
 }

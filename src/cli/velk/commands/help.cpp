@@ -52,6 +52,17 @@ in which, where the system tells), refused, nobody answers, something answers th
 first request on a serial line is lost, it asks in the other mode, too, and says whether --fast has to be
 given or left out.
 )"},
+    Topic{"traces",
+          R"(Traces:
+--trace=FILE, or --trace alone for standard error, writes what goes over a link, a line a request, like
+velk-sim --trace. An example is
+  12.5   4.3  read  1 V 0501  output 5, mode -> 05
+In front stand the milliseconds since the link was opened, which the head tells, and those until the reply
+was there. Behind the bytes, the area, the address and, in a write, the data stands what lies there; behind
+the arrow what came: data, ok, a status other than 0, "no reply", or bytes that are none. What ends
+with (late) came when nobody waited any more. Each attempt has a line. Of a login the outcome alone is told:
+a trace holds no password. A file that is there is replaced when it is a trace, and nothing else is.
+)"},
     Topic{"lost-requests",
           R"(Lost requests:
 A read that gets no answer, or no answer of its own, is repeated up to three times. A write is repeated
@@ -71,7 +82,8 @@ struct HelpOptions {
   std::string command;
 
   void declare(const CommandLine& line) {
-    line.option("COMMAND", command, "A command, or one of texts, changes, houses, links and lost-requests")
+    line.option("COMMAND", command,
+                "A command, or one of texts, changes, houses, links, traces and\nlost-requests")
         .typeName("COMMAND");
   }
 };

@@ -79,7 +79,7 @@ std::optional<LinkOptions> linkOf(const Place& place) {
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());
   if (line.parse(static_cast<int>(arguments.size()), arguments.data())) return std::nullopt;
-  std::optional<LinkOptions> link = choice.find();
+  std::optional<LinkOptions> link = choice.withoutTrace();
   if (!link || !link->serial.empty()) return std::nullopt;
   return link;
 }
@@ -171,6 +171,7 @@ constexpr std::array rows{
     Row{"diff", "A", files},
     Row{"diff", "B", files},
     Row{"", "--serial", files},
+    Row{"", "--trace", files},
     Row{"", "--link", linkTexts},
     Row{"", "--house", houses},
     Row{"", "--only", sectionNames},

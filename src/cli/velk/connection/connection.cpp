@@ -7,6 +7,7 @@
 
 #include "cli/shared/serial_line.h"
 #include "cli/velk/connection/house_file.h"
+#include "cli/velk/connection/link_text.h"
 #include "simulator/clock.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
@@ -45,7 +46,7 @@ bool savingFailed() {
   return unsaved;
 }
 
-Connection::Connection(const LinkOptions& options, platform::Host& host) {
+Connection::Connection(const LinkOptions& options, platform::Host& host) : reached_(host) {
   if (options.simulate) {
     openSimulator(options);
     return;
@@ -54,9 +55,28 @@ Connection::Connection(const LinkOptions& options, platform::Host& host) {
     openBackup(options);
     return;
   }
-  serial_ = std::make_unique<Serial>(host);
+  makeSerial(options);
   if (!options.tcp.empty()) openTcp(options);
   if (!options.serial.empty()) openSerial(options);
+}
+
+platform::Host& Connection::loopbackOrReached() {
+  return host_ ? *host_ : reached_;
+}
+
+/// With a tap between it and the link only where somebody listens.
+void Connection::makeSerial(const LinkOptions& options) {
+  platform::Host& below = loopbackOrReached();
+  WireListener listener = options.listener;
+  if (options.trace) {
+    WireListener trace = options.trace->begin(nameOf(options), below.steady());
+    listener = [trace, other = std::move(listener)](const WireEvent& event) {
+      trace(event);
+      if (other) other(event);
+    };
+  }
+  if (listener) tap_.emplace(below, std::move(listener));
+  serial_ = std::make_unique<Serial>(host());
 }
 
 Connection::~Connection() {
@@ -93,7 +113,7 @@ void Connection::openSimulator(const LinkOptions& options) {
   host_->listen(name, port, [this, session] {
     return std::make_unique<simulator::EthernetQSession>(*controller_, session);
   });
-  serial_ = std::make_unique<Serial>(*host_);
+  makeSerial(options);
   result_ = serial_->OpenTCP(name, port, "", options.busAddress);
 }
 
@@ -104,7 +124,7 @@ void Connection::openBackup(const LinkOptions& options) {
   host_ = std::make_unique<simulator::LoopbackHost>();
   host_->transferTime = std::chrono::milliseconds(1);
   host_->listen(name, port, [this, address = options.busAddress] { return house_->session(address); });
-  serial_ = std::make_unique<Serial>(*host_);
+  makeSerial(options);
   result_ = serial_->OpenTCP(name, port, "", options.busAddress);
 }
 

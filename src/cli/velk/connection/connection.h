@@ -1,8 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "cli/velk/trace/tapped_host.h"
+#include "cli/velk/trace/trace_file.h"
 #include "component/serial.h"
 
 namespace velk::simulator {
@@ -21,7 +24,9 @@ struct LinkOptions {
   std::int16_t baud = 9600;
   bool fast = false;
   bool simulate = false;
-  std::string backup;  ///< a backup file: the house in it
+  std::string backup;                     ///< a backup file: the house in it
+  std::optional<TraceOutput> trace = {};  ///< takes what goes over the link
+  WireListener listener = {};             ///< is told of it as well; may be empty
 };
 
 class HouseFile;
@@ -43,15 +48,22 @@ class Connection {
   [[nodiscard]] Serial& serial() { return *serial_; }
   [[nodiscard]] Byte result() const { return result_; }
 
+  /// The host that the object works on.
+  [[nodiscard]] platform::Host& host() { return tap_ ? *tap_ : loopbackOrReached(); }
+
  private:
+  platform::Host& loopbackOrReached();
+  void makeSerial(const LinkOptions& options);
   void openTcp(const LinkOptions& options);
   void openSerial(const LinkOptions& options);
   void openSimulator(const LinkOptions& options);
   void openBackup(const LinkOptions& options);
 
+  platform::Host& reached_;
   std::unique_ptr<HouseFile> house_;
   std::unique_ptr<simulator::Controller> controller_;
   std::unique_ptr<simulator::LoopbackHost> host_;
+  std::optional<TappedHost> tap_;
   std::unique_ptr<Serial> serial_;
   Byte result_ = 0;
 };

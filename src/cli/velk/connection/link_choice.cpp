@@ -45,7 +45,12 @@ void LinkChoice::declare(const CommandLine& line) {
   const Option fast =
       line.flag("--fast", options_.fast, "Fast mode on the serial link, not echo mode").needs(serial);
   address_ = address;
-  declared_ = {tcp, serial, simulate, text, house, password, address, baud, fast};
+  const Option trace =
+      line.option("--trace", trace_, "Write what goes over the link, with times, to standard error or a file")
+          .typeName("[FILE]")
+          .valueOptional();
+  traceOption_ = trace;
+  declared_ = {tcp, serial, simulate, text, house, password, address, baud, fast, trace};
   for (const Option& option : declared_) option.group(group);
 }
 
@@ -54,16 +59,32 @@ bool LinkChoice::isGiven() const {
                      [](const Option& option) { return option.isGiven(); });
 }
 
-bool LinkChoice::isGiven() const {
+bool LinkChoice::namesLink() const {
   return !text_.empty() || !house_.empty() || !options_.tcp.empty() || !options_.serial.empty() ||
          options_.simulate;
 }
 
 std::optional<LinkOptions> LinkChoice::find() const {
   if (const SharedLink* const shared = SharedLink::current()) return shared->link();
+  std::optional<LinkOptions> link = withoutTrace();
+  if (link) addTrace(*link);
+  return link;
+}
+
+LinkOptions LinkChoice::orNone() const {
+  LinkOptions link = withoutTrace().value_or(LinkOptions());
+  addTrace(link);
+  return link;
+}
+
+void LinkChoice::addTrace(LinkOptions& link) const {
+  if (traceOption_->isGiven()) link.trace.emplace(trace_);
+}
+
+std::optional<LinkOptions> LinkChoice::withoutTrace() const {
   if (!text_.empty()) return parseLink(text_);
   if (!house_.empty()) return houseNamed(house_);
-  if (!isGiven()) {
+  if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
     const auto text = environment("VELK_LINK");
     if (!text || text->empty()) return std::nullopt;
     // Left out it would be the wrong controller, and which of two is meant is no guess of ours.
@@ -103,8 +124,8 @@ std::shared_ptr<Connection> open(const LinkOptions& link) {
 
 std::shared_ptr<Connection> openAnew(LinkOptions& link) {
   auto connection = std::make_shared<Connection>(link);
-  const auto explainSilence = [link] {
-    const std::string reason = whySilent(link);
+  const auto explainSilence = [link, &host = connection->host()] {
+    const std::string reason = whySilent(link, host);
     if (!reason.empty()) throw Failure(noLink, link.serial + ": " + reason);
   };
   retry().whenFirstIsLost(link.serial.empty() ? nullptr : std::function<void()>(explainSilence));

@@ -112,6 +112,7 @@ LinkOptions parseLink(const std::string& text) {
 std::string nameOf(const LinkOptions& link) {
   if (link.simulate) return "simulate:";
   if (!link.backup.empty()) return "backup:" + link.backup;
+  if (link.tcp.empty() && link.serial.empty()) return "none";
   const std::string address = "address=" + std::to_string(link.busAddress);
   if (!link.tcp.empty()) return "tcp://" + link.tcp + "?" + address;
   return "serial:" + link.serial + (link.fast ? "?fast&baud=" : "?baud=") + std::to_string(link.baud) + "&" +

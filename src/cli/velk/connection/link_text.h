@@ -20,7 +20,7 @@ LinkOptions parseLink(const std::string& text);
 /// Sets the bus address. Throws std::invalid_argument with a sentence.
 void setBusAddress(LinkOptions& link, const std::string& digits);
 
-/// The link as such a text, without its password.
+/// The link as such a text, without its password; "none" when there is none.
 std::string nameOf(const LinkOptions& link);
 
 /// The rates that serial links take, in bit/s.

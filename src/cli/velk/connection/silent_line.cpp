@@ -7,10 +7,10 @@ namespace velk::cli {
 namespace {
 
 /// Whether a read of one byte comes back, with whatever status.
-bool answers(Byte busAddress, bool fast) {
+bool answers(platform::Host& host, Byte busAddress, bool fast) {
   // An object of its own: its first request goes out behind a line break, which ends what the interface may
   // wait for after requests of the other mode.
-  Serial serial;
+  Serial serial(host);
   serial.NoEcho = fast;
   serial.SerAddress = busAddress;
   const Bytes reply = serial.ReadCom(1, controller::firstSetting.high(), controller::firstSetting.low(), "V");
@@ -19,12 +19,12 @@ bool answers(Byte busAddress, bool fast) {
 
 }  // namespace
 
-std::string whySilent(const LinkOptions& link) {
-  if (answers(link.busAddress, !link.fast)) {
+std::string whySilent(const LinkOptions& link, platform::Host& host) {
+  if (answers(host, link.busAddress, !link.fast)) {
     return link.fast ? "the line is in echo mode; leave out --fast (in a link text: \"fast\")"
                      : "the line is in fast mode; give --fast (in a link text: \"?fast\")";
   }
-  if (answers(link.busAddress, link.fast)) return {};
+  if (answers(host, link.busAddress, link.fast)) return {};
   return "nobody answers; check cable and power, and whether --baud and --address fit";
 }
 
