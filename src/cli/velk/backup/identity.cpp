@@ -18,18 +18,22 @@ std::string nameIn(const Lines& lines, int output) {
   return found == lines.end() ? std::string() : label(found->second);
 }
 
-/// What the controller keeps for itself of the initialisation block.
-Bytes firmwareIn(const Lines& lines) {
-  constexpr std::array places{Address{.page = 0, .offset = 2}, Address{.page = 0, .offset = 3},
+constexpr std::array firmware{Address{.page = 0, .offset = 2}, Address{.page = 0, .offset = 3},
                               Address{.page = 0, .offset = 7}, Address{.page = 0, .offset = 8},
                               Address{.page = 2, .offset = 8}, Address{.page = 2, .offset = 9},
                               Address{.page = 2, .offset = 10}};
+
+Bytes firmwareIn(const Lines& lines) {
   Bytes words;
-  for (const Address at : places) words += character(byteOf(lines, at));
+  for (const Address at : firmware) words += character(byteOf(lines, at));
   return words;
 }
 
 }  // namespace
+
+std::span<const Address> firmwarePlaces() {
+  return firmware;
+}
 
 Lines readIdentity(Serial& serial, const Lines& backup) {
   Lines lines;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "cli/house/backup_file.h"
@@ -8,6 +9,9 @@
 /// Which house lines are of: the names of its outputs tell, and where there are none the firmware words of the
 /// initialisation block.
 namespace velk::cli {
+
+/// The bytes of the initialisation block that the controller keeps for itself.
+std::span<const Address> firmwarePlaces();
 
 /// Reads the lines that tell whether a controller is that of a backup: the initialisation block, and the names
 /// of the outputs that have one there. Throws `Failure`.

@@ -11,6 +11,7 @@
 #include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"
 #include "cli/velk/commands/command.h"
+#include "cli/velk/commands/consent.h"
 #include "cli/velk/connection/expect_done.h"
 #include "values/result.h"
 #include "values/runtime_error.h"
@@ -21,10 +22,8 @@ namespace {
 struct RestoreOptions : LinkedOptions {
   std::string file;
   std::vector<std::string> only;
-  bool dryRun = false;
-  bool yes = false;
+  Consent consent;
   bool edited = false;
-  bool otherHouse = false;
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
@@ -33,10 +32,8 @@ struct RestoreOptions : LinkedOptions {
         .delimiter(',')
         .typeName("SECTION,...")
         .oneValueEach();
-    line.flag("--dry-run", dryRun, "Show what would change and write nothing");
-    line.flag("--yes", yes, "Do not ask");
+    consent.declare(line);
     line.flag("--edited", edited, "Take a backup that was changed by hand, or is of format 1");
-    line.flag("--other-house", otherHouse, "Do not ask when the controller looks like another house");
   }
 };
 
@@ -183,17 +180,6 @@ Json jsonOf(const Account& account, const std::vector<Difference>& differences,
           {"failure", account.failure.empty() ? Json() : Json(account.failure)}};
 }
 
-bool agreed(const std::string& question) {
-  std::cerr << question << " [y/N] ";
-  std::string answer;
-  unwatchInterrupts();
-  if (!std::getline(std::cin, answer)) std::cerr << '\n';
-  watchInterrupts();
-  const bool yes = answer == "y" || answer == "Y" || answer == "yes";
-  if (!yes) std::cerr << "velk: nothing is written\n";
-  return yes;
-}
-
 /// Whether to go on with a backup that is not as velk wrote it: what a person typed there is a person's to
 /// confirm, and a line that format 1 does not have would be written as zeros.
 bool isTrusted(const RestoreOptions& options, const Backup& backup) {
@@ -203,23 +189,12 @@ bool isTrusted(const RestoreOptions& options, const Backup& backup) {
   } catch (const std::invalid_argument& error) {
     throw Failure(badFile, options.file + ": " + error.what());
   }
-  const bool isReadOnly = options.dryRun && backup.condition == Condition::edited;
+  const bool isReadOnly = options.consent.dryRun && backup.condition == Condition::edited;
   if (options.edited || isReadOnly) return true;
-  if (backup.condition == Condition::unverified || options.yes || !inputIsTerminal()) {
+  if (backup.condition == Condition::unverified || options.consent.yes || !inputIsTerminal()) {
     throw Failure(wrongUsage, options.file + ": only --edited restores such a file");
   }
   return agreed("Go on with a file that was changed?");
-}
-
-/// Whether to go on when the controller looks like another house than the backup's.
-bool isExpected(const RestoreOptions& options, const std::string& strangeness) {
-  if (strangeness.empty()) return true;
-  std::cerr << "velk: " << options.file << ": this looks like another house: " << strangeness << '\n';
-  if (options.otherHouse || options.dryRun) return true;
-  if (options.yes || !inputIsTerminal()) {
-    throw Failure(wrongUsage, options.file + ": only --other-house restores it here");
-  }
-  return agreed("Restore it here all the same?");
 }
 
 /// A module's model and firmware are told, but cannot be written.
@@ -234,14 +209,12 @@ int carryOutRestore(const RestoreOptions& options) {
   const LinkOptions link = options.link.required();
   const Sections sections = parseSections(options.only);
   const Backup backup = loadBackup(options.file);
-  if (!options.dryRun && !options.yes && !inputIsTerminal()) {
-    throw Failure(wrongUsage, "nobody can be asked here; --yes writes without asking");
-  }
+  options.consent.expectSomebody();
   if (!isTrusted(options, backup)) return badResult;
   const auto connection = open(link);
   watchInterrupts();
   Lines here = readIdentity(connection->serial(), backup.lines);
-  if (!isExpected(options, strangenessOf(backup.lines, here))) return badResult;
+  if (!options.consent.covers(options.file, strangenessOf(backup.lines, here))) return badResult;
   const Backup now = readLike(connection->serial(), backup, sections, std::move(here));
   const auto differences = compare(now, backup, sections);
   const LeftOut left = leftOut(backup, now);
@@ -254,11 +227,11 @@ int carryOutRestore(const RestoreOptions& options) {
   std::copy_if(differences.begin(), differences.end(), std::back_inserter(writable),
                [&](const Difference& d) { return isWritable(d) && !left.contains(d.title); });
   Account account;
-  const bool writes = !options.dryRun && !writable.empty();
-  if (writes && !options.yes && !agreed("Write this to the controller?")) return badResult;
+  const bool writes = !options.consent.dryRun && !writable.empty();
+  if (writes && !options.consent.covers()) return badResult;
   if (writes) account = restoreAll(connection->serial(), writable, backup);
   if (options.json) std::cout << jsonOf(account, differences, writable, left) << '\n';
-  if (!options.dryRun || writable.empty()) printAccount(account, writable);
+  if (!options.consent.dryRun || writable.empty()) printAccount(account, writable);
   return account.status;
 }
 
