@@ -45,14 +45,14 @@ bool addTcpSteps(LinkSteps& steps, const LinkOptions& link, Connection& connecti
 }
 
 /// The first request to a serial line, which tells whether anybody is there.
-Step answerStep(const LinkOptions& link, Serial& serial) {
+Step answerStep(const LinkOptions& link, Connection& connection) {
   const auto at = controller::firstSetting;
-  const Bytes reply = serial.ReadCom(1, at.high(), at.low(), "V");
+  const Bytes reply = connection.serial().ReadCom(1, at.high(), at.low(), "V");
   const std::string mode = link.fast ? "fast mode" : "echo mode";
   if (!reply.empty() && !isLost(byteValue(reply.front()))) {
     return {"answer", Verdict::fine, "the interface answers in " + mode, ""};
   }
-  const std::string reason = whySilent(link);
+  const std::string reason = whySilent(link, connection.host());
   if (!reason.empty()) return wrongStep("answer", reason);
   return {"answer", Verdict::advice, "the interface answers in " + mode + ", but not to the first request",
           "if that happens again look at the cable"};
@@ -65,7 +65,7 @@ bool addSerialSteps(LinkSteps& steps, const LinkOptions& link, Connection& conne
   }
   steps.add({"opening", Verdict::fine, "at " + std::to_string(link.baud) + " bit/s", ""});
   steps.add(latency.whileOpen());
-  return steps.add(answerStep(link, connection.serial()));
+  return steps.add(answerStep(link, connection));
 }
 
 /// How long a read of one byte is on the wire, in milliseconds; in echo mode byte by byte there and back.
