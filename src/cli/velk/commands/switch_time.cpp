@@ -45,7 +45,7 @@ WantedTime parseTimeSet(const std::vector<std::string>& words) {
     } else if (const auto days = parseDays(words[i])) {
       setOnce(wanted.days, *days, words[i]);
     } else {
-      wanted.entries.push_back(parseEntry(words[i]));
+      wanted.entries.push_back(parseSwitchEntry(words[i]));
     }
   }
   return wanted;

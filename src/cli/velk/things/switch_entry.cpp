@@ -1,10 +1,8 @@
 #include "cli/velk/things/switch_entry.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "memory/map.h"
-#include "values/digits.h"
 
 namespace velk::cli {
 namespace {
@@ -17,15 +15,6 @@ constexpr std::size_t sizeOfEntry = 3;
 
 [[noreturn]] void refuse(const std::string& sentence) {
   throw std::invalid_argument(sentence);
-}
-
-/// A number of a typed entry. Throws with its range.
-Byte numberIn(const std::string& typed, std::string_view text, const char* what, int first, int last) {
-  const auto number = wholeNumber<int>(text);
-  if (!number || *number < first || *number > last) {
-    refuse("\"" + typed + "\": " + what + " is " + std::to_string(first) + " to " + std::to_string(last));
-  }
-  return static_cast<Byte>(*number);
 }
 
 /// "101.2".
@@ -65,33 +54,18 @@ std::size_t roomFor(Byte block) {
       "3:255:2, or an action, as in 101.2");
 }
 
-/// Where the output ends, whose name may hold both signs: at the last "=" before the colon between the numbers, or
-/// at another colon. 0 when there is neither, or no output.
-std::size_t endOfOutput(std::string_view text, std::size_t colon) {
-  if (colon == std::string_view::npos || colon == 0) return 0;
-  for (const char sign : {'=', ':'}) {
-    const auto end = text.rfind(sign, colon - 1);
-    if (end != std::string_view::npos) return end;
-  }
-  return 0;
-}
-
 }  // namespace
 
-TypedEntry parseEntry(const std::string& typed) {
+TypedEntry parseSwitchEntry(const std::string& typed) {
   const std::string_view text = typed;
   const auto point = text.find('.');
   if (point != std::string_view::npos && isDigits(text.substr(0, point)) &&
       isDigits(text.substr(point + 1))) {
     return parseAction(typed, point);
   }
-  const auto colon = text.rfind(':');
-  const auto start = endOfOutput(text, colon);
-  if (start == 0) refuseEntry(typed);
-  constexpr const char* what = "each of the two numbers behind an output";
-  return {.output = typed.substr(0, start),
-          .bytes = {character(numberIn(typed, text.substr(start + 1, colon - start - 1), what, 0, 255)),
-                    character(numberIn(typed, text.substr(colon + 1), what, 0, 255))}};
+  const auto entry = parseEntry(typed, 2);
+  if (!entry) refuseEntry(typed);
+  return *entry;
 }
 
 Bytes dataOf(const std::vector<TypedEntry>& entries, OutputNames& names) {
