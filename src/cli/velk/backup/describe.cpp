@@ -53,7 +53,8 @@ Details describeText(Serial& serial, int slot) {
 }
 
 Details describePreset(Serial& serial, int number) {
-  Details details = detailsOf(readPreset(serial, static_cast<Byte>(number)));
+  OutputNames names(serial);
+  Details details = detailsOf(readPreset(serial, static_cast<Byte>(number)), names);
   std::erase_if(details, [](const Detail& detail) { return detail.name == "simulation"; });
   return details;
 }

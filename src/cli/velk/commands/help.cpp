@@ -31,6 +31,9 @@ and another's place, item:4 or place:4 tells which.
 Days are Mon, Mon-Fri, Sat,Sun, weekdays, weekend or daily. In a switch time an output, 3 to 99, is followed
 by the two bytes that it is told, 0 to 255 each: "Hall=255:2". 101.1 to 124.4 is an action, which stands
 alone. A switch time has room for 17 outputs, the last one for 14.
+In a preset a record, 3 to 99 as outputs are, has four bytes, 0 or 2 to 255 each: "Hall=7:0:4:2"; 0:0:0:0 is
+none. "velk preset copy" copies what stands there, also a byte of 1. A preset that is cleared has blanks for
+a text, and zeros.
 )"},
     Topic{"houses",
           R"(Houses:

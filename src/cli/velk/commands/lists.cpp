@@ -76,8 +76,8 @@ void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
     const Preset preset = readPreset(serial, number, Records::withoutMost);
     if (!isUsed(preset)) continue;
     const std::string delay2 = preset.delay2 == 0 ? "" : std::to_string(preset.delay2);
-    list.add(jsonOfHead(preset), {std::to_string(number), preset.text, std::to_string(preset.delay1), delay2,
-                                  preset.simulated ? "yes" : "no"});
+    list.add(jsonOfHead(preset), {std::to_string(number), textOf(preset), std::to_string(preset.delay1),
+                                  delay2, preset.simulated ? "yes" : "no"});
   }
 }
 

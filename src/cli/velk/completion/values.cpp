@@ -124,7 +124,7 @@ Found outputs(const Place& place) {
 Found presets(const Place& place) {
   return numbered(place, lastPresetNumber, [](Serial& serial, Byte number) -> std::optional<std::string> {
     const Preset preset = readPreset(serial, number, Records::withoutMost);
-    return isUsed(preset) ? std::optional(preset.text) : std::nullopt;
+    return isUsed(preset) ? std::optional(textOf(preset)) : std::nullopt;
   });
 }
 
@@ -142,6 +142,12 @@ Found changeOfOutput(const Place& place) {
       found.push_back({std::to_string(item) + "=", "at " + placeOf(layout->items[item])});
   }
   return found;
+}
+
+Found changeOfPreset(const Place& place) {
+  if (place.before.front() == "copy") return place.before.size() > 2 ? Candidates() : presets(place);
+  if (place.before.size() > 1) return Candidates();
+  return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
 }
 
 Found changeOfSwitchTime(const Place& place) {
@@ -179,6 +185,7 @@ constexpr std::array rows{
     Row{"output", "set", changeOfOutput},
     Row{"switch-time", "set", changeOfSwitchTime},
     Row{"preset", "N", presets},
+    Row{"preset", "set", changeOfPreset},
     Row{"call", "--set", properties},
     Row{"call", "METHOD", methodNames},
     Row{"call", "ARGUMENTS", arguments},

@@ -1,29 +1,36 @@
 #pragma once
 
+#include <map>
 #include <string>
-#include <vector>
 
 #include "cli/shared/json.h"
 #include "cli/velk/things/details.h"
+#include "cli/velk/things/output_names.h"
 #include "component/serial.h"
 
 namespace velk::cli {
 
 constexpr Byte lastPresetNumber = 92;
+constexpr Byte presetTextSize = 16;
+
+/// Records are numbered by address, as outputs are. A record has four bytes.
+constexpr Byte firstPresetRecord = 3;
+constexpr Byte lastPresetRecord = 99;
+constexpr std::size_t presetRecordSize = 4;
+
+/// Delays that can be stored, each alone. Two that come to more than `longestDelays` together read back as one.
+constexpr int shortestDelay = 5;
+constexpr int longestDelay = 200;
+constexpr int longestDelays = 254;
 
 /// A preset: text, delays and the records that are not all zero.
 struct Preset {
-  struct Record {
-    Byte number;  ///< 3 to 99
-    Bytes bytes;  ///< four
-  };
-
   Byte number = 0;
-  std::string text;
+  Bytes stored = Bytes(presetTextSize, ' ');  ///< the text as it lies there
   Byte delay1 = 0;
   Byte delay2 = 0;  ///< 0 for none
   bool simulated = false;
-  std::vector<Record> records;
+  std::map<Byte, Bytes> records;  ///< by their numbers, four bytes each
 };
 
 enum class Records : bool { withoutMost, all };
@@ -31,14 +38,26 @@ enum class Records : bool { withoutMost, all };
 /// Reads a preset; without most records that is much faster, and `records` stays empty.
 Preset readPreset(Serial& serial, Byte number, Records records = Records::all);
 
+/// Writes what differs from `before`, which stands there. Throws `Failure`.
+void writePreset(Serial& serial, const Preset& before, const Preset& after);
+
 /// Whether anything is stored.
 bool isUsed(const Preset& preset);
 
-Json jsonOf(const Preset& preset);
+/// The text as people read it.
+std::string textOf(const Preset& preset);
+
+/// "preset 3".
+std::string titleOf(const Preset& preset);
+
+Json jsonOf(const Preset& preset, OutputNames& names);
 
 /// The same without records.
 Json jsonOfHead(const Preset& preset);
 
-Details detailsOf(const Preset& preset);
+/// The details without records, which need no names.
+Details detailsOfHead(const Preset& preset);
+
+Details detailsOf(const Preset& preset, OutputNames& names);
 
 }  // namespace velk::cli
