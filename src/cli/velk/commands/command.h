@@ -74,6 +74,7 @@ void addStatus(const CommandLine& velk, Job& job);
 void addOutputs(const CommandLine& velk, Job& job);
 void addOutput(const CommandLine& velk, Job& job);
 void addClock(const CommandLine& velk, Job& job);
+void addLink(const CommandLine& velk, Job& job);
 void addLinks(const CommandLine& velk, Job& job);
 void addPresets(const CommandLine& velk, Job& job);
 void addPreset(const CommandLine& velk, Job& job);

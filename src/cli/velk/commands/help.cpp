@@ -34,6 +34,8 @@ alone. A switch time has room for 17 outputs, the last one for 14.
 In a preset a record, 3 to 99 as outputs are, has four bytes, 0 or 2 to 255 each: "Hall=7:0:4:2"; 0:0:0:0 is
 none. "velk preset copy" copies what stands there, also a byte of 1. A preset that is cleared has blanks for
 a text, and zeros.
+A link has two numbers, 0 to 15 each, and edges: "velk link 30.0 set output hall 3,10 rising". One to an
+input, 1 to 127, has no edges, and the second number alone, from input 101 on.
 )"},
     Topic{"houses",
           R"(Houses:

@@ -12,6 +12,8 @@
 #include "cli/velk/connection/link_choice.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"
+#include "cli/velk/things/soft_link.h"
+#include "cli/velk/things/words.h"
 #include "component/methods.h"
 #include "parameters/layouts.h"
 
@@ -93,24 +95,32 @@ void endSoon() {
   }).detach();
 }
 
-/// What `read` says of the numbers up to the last; nothing without a link that answers.
+/// What `read` finds; nothing without a link that answers.
 template <class Read>
-Found numbered(const Place& place, int last, Read read) {
+Found asked(const Place& place, Read read) {
   Candidates found;
   try {
     const auto link = linkOf(place);
     if (!link) return found;
     endSoon();
     const auto connection = open(*link);
-    for (int number = 1; number <= last; ++number) {
-      if (auto help = read(connection->serial(), static_cast<Byte>(number))) {
-        found.push_back({std::to_string(number), *std::move(help)});
-      }
-    }
+    read(connection->serial(), found);
   } catch (const std::exception&) {
     // Whoever carries the command out will be told.
   }
   return found;
+}
+
+/// What `read` says of the numbers up to the last.
+template <class Read>
+Found numbered(const Place& place, int last, Read read) {
+  return asked(place, [&](Serial& serial, Candidates& found) {
+    for (int number = 1; number <= last; ++number) {
+      if (auto help = read(serial, static_cast<Byte>(number))) {
+        found.push_back({std::to_string(number), *std::move(help)});
+      }
+    }
+  });
 }
 
 Found outputs(const Place& place) {
@@ -125,6 +135,16 @@ Found presets(const Place& place) {
   return numbered(place, lastPresetNumber, [](Serial& serial, Byte number) -> std::optional<std::string> {
     const Preset preset = readPreset(serial, number, Records::withoutMost);
     return isUsed(preset) ? std::optional(textOf(preset)) : std::nullopt;
+  });
+}
+
+Found softLinks(const Place& place) {
+  return asked(place, [](Serial& serial, Candidates& found) {
+    OutputNames names(serial);
+    for (const Byte source : linkSources()) {
+      for (const SoftLink& link : readLinks(serial, source))
+        found.push_back({titleOf(link), named(destinationOf(link), destinationName(link, names))});
+    }
   });
 }
 
@@ -148,6 +168,16 @@ Found changeOfPreset(const Place& place) {
   if (place.before.front() == "copy") return place.before.size() > 2 ? Candidates() : presets(place);
   if (place.before.size() > 1) return Candidates();
   return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
+}
+
+Found changeOfLink(const Place& place) {
+  if (place.before.size() == 1) {
+    return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Remove it"}};
+  }
+  if (place.before[1] != "set" || place.before.back() == "input") return Candidates();
+  if (place.before.back() == "output") return outputs(place);
+  return Candidates{{"output", "Where it leads"}, {"input", "Where it leads"}, {"rising", "Its edges"},
+                    {"falling", "Its edges"},     {"both", "Its edges"},       {"none", "Its edges"}};
 }
 
 Found changeOfSwitchTime(const Place& place) {
@@ -184,6 +214,8 @@ constexpr std::array rows{
     Row{"output", "OUTPUT", outputs},
     Row{"output", "set", changeOfOutput},
     Row{"switch-time", "set", changeOfSwitchTime},
+    Row{"link", "LINK", softLinks},
+    Row{"link", "set", changeOfLink},
     Row{"preset", "N", presets},
     Row{"preset", "set", changeOfPreset},
     Row{"call", "--set", properties},

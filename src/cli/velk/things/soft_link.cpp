@@ -11,6 +11,16 @@ namespace velk::cli {
 namespace {
 
 constexpr Byte linkSize = 2;
+constexpr Byte lastSource = 124;
+
+/// `Ctl_Soft` reads an input link as nothing, so that it is taken from its record.
+SoftLink inputLink(Byte source, Byte sub, Byte first, Byte second) {
+  return {.source = source,
+          .sub = sub,
+          .destination = first,
+          .parameters1 = static_cast<Byte>(second / 16),
+          .parameters2 = static_cast<Byte>(second & 15)};
+}
 
 SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
   SoftLink link{.source = source, .sub = sub, .toOutput = true};
@@ -25,38 +35,56 @@ SoftLink readOutputLink(Serial& serial, Byte source, Byte sub) {
 
 /// The first byte of link 0.0 is also the last that the mailbox for modules uses: what a module's data left
 /// there is no link. One that does anything has edges, or parameters in its second byte.
-bool isLeftover(Serial& serial, Byte source, Byte sub, const Bytes& records) {
+bool isLeftover(Serial& serial, Byte source, Byte sub, Byte second) {
   constexpr Byte edgesOfFirst = 0x11;
-  if (source != 0 || sub != 0 || byteAt(records, 1) != 0) return false;
+  if (source != 0 || sub != 0 || second != 0) return false;
   return (byteAt(readMemory(serial, controller::flanksOf(source), 1), 0) & edgesOfFirst) == 0;
+}
+
+/// The link that a record stands for.
+std::optional<SoftLink> linkOf(Serial& serial, Byte source, Byte sub, std::string_view record) {
+  constexpr Byte outputBit = 128;
+  const Byte first = byteAt(record, 0);
+  const Byte second = byteAt(record, 1);
+  if (first == 0 || isLeftover(serial, source, sub, second)) return std::nullopt;
+  return first >= outputBit ? readOutputLink(serial, source, sub) : inputLink(source, sub, first, second);
 }
 
 }  // namespace
 
+bool isLinkSource(int address) {
+  return address >= 0 && address <= lastSource && address != 1 && address != 2 && address != 100;
+}
+
 std::vector<Byte> linkSources() {
-  constexpr Byte last = 124;
   std::vector<Byte> sources;
-  for (Byte source = 0; source <= last; ++source) {
-    if (source != 1 && source != 2 && source != 100) sources.push_back(source);
+  for (Byte source = 0; source <= lastSource; ++source) {
+    if (isLinkSource(source)) sources.push_back(source);
   }
   return sources;
 }
 
 std::vector<SoftLink> readLinks(Serial& serial, Byte source) {
-  constexpr Byte outputBit = 128;
   std::vector<SoftLink> links;
   // All four records at once: most sources have none.
   const Bytes records =
       readMemory(serial, controller::linkRecord(source, 0), std::size_t{linksOfSource} * linkSize);
   for (Byte sub = 0; sub < linksOfSource; ++sub) {
-    const Byte first = byteAt(records, std::size_t{sub} * linkSize);
-    if (first == 0 || isLeftover(serial, source, sub, records)) continue;
-    if (first >= outputBit) links.push_back(readOutputLink(serial, source, sub));
-    // `Ctl_Soft` reads an input link as nothing, so that its destination is taken from the record.
-    else
-      links.push_back({.source = source, .sub = sub, .destination = first});
+    const auto link = linkOf(serial, source, sub, slice(records, std::size_t{sub} * linkSize, linkSize));
+    if (link) links.push_back(*link);
   }
   return links;
+}
+
+std::optional<SoftLink> readLink(Serial& serial, Byte source, Byte sub) {
+  return linkOf(serial, source, sub, readMemory(serial, controller::linkRecord(source, sub), linkSize));
+}
+
+Byte writeLink(Serial& serial, SoftLink link) {
+  const bool isRemoved = link.destination == 0;
+  std::string kind = link.toOutput || isRemoved ? "O" : "I";
+  return serial.Ctl_Soft("W", link.source, link.sub, link.destination, kind, link.parameters1,
+                         link.parameters2, link.rising, link.falling);
 }
 
 std::string titleOf(const SoftLink& link) {
@@ -85,21 +113,25 @@ Json jsonOf(const SoftLink& link, OutputNames& names) {
             {"sub", link.sub},
             {"kind", link.toOutput ? "output" : "input"},
             {"destination", link.destination}};
-  if (!link.toOutput) return json;
-  json["name"] = names.of(link.destination);
+  if (link.toOutput) json["name"] = names.of(link.destination);
   json["parameters"] = {link.parameters1, link.parameters2};
+  if (!link.toOutput) return json;
   json["rising"] = link.rising;
   json["falling"] = link.falling;
   return json;
 }
 
+Details detailsOf(const std::optional<SoftLink>& link, OutputNames& names) {
+  if (!link) return {{"destination", "none"}};
+  return {{"destination", named(destinationOf(*link), destinationName(*link, names))},
+          {"parameters", parametersOf(*link)},
+          {"edges", edgesOf(*link)}};
+}
+
 Details detailsOf(const std::vector<SoftLink>& links, Byte sub, OutputNames& names) {
   const auto found =
       std::find_if(links.begin(), links.end(), [&](const SoftLink& link) { return link.sub == sub; });
-  if (found == links.end()) return {{"destination", "none"}};
-  return {{"destination", named(destinationOf(*found), destinationName(*found, names))},
-          {"parameters", parametersOf(*found)},
-          {"edges", edgesOf(*found)}};
+  return detailsOf(found == links.end() ? std::nullopt : std::optional(*found), names);
 }
 
 }  // namespace velk::cli

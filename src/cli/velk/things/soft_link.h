@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,17 @@ struct SoftLink {
   Byte sub = 0;  ///< sub-address of the source, 0 to 3
   bool toOutput = false;
   Byte destination = 0;
-  Byte parameters1 = 0;  ///< 0 to 15; of links to outputs
-  Byte parameters2 = 0;
-  bool rising = false;
+  Byte parameters1 = 0;  ///< 0 to 15; 0 of links to inputs
+  Byte parameters2 = 0;  ///< 0 to 15
+  bool rising = false;   ///< of links to outputs
   bool falling = false;
 };
+
+/// From this input on a link to an input has `parameters2`.
+constexpr Byte firstParametrisedInput = 101;
+
+/// Whether an address can be the source of links.
+bool isLinkSource(int address);
 
 /// All addresses that can be the source of links.
 std::vector<Byte> linkSources();
@@ -30,6 +37,12 @@ std::vector<Byte> linkSources();
 /// The links of a source that are there. A record of link 0.0 that only the mailbox for modules can have
 /// written is none.
 std::vector<SoftLink> readLinks(Serial& serial, Byte source);
+
+/// One of them; none when it is not there.
+std::optional<SoftLink> readLink(Serial& serial, Byte source, Byte sub);
+
+/// Writes a link by `Ctl_Soft`, whose result it returns; one without a destination is removed.
+Byte writeLink(Serial& serial, SoftLink link);
 
 /// "30.1".
 std::string titleOf(const SoftLink& link);
@@ -48,7 +61,10 @@ std::string edgesOf(const SoftLink& link);
 
 Json jsonOf(const SoftLink& link, OutputNames& names);
 
-/// What the link `sub` among the links of a source does; one detail that says so when it is not there.
+/// What a link does; one detail that says so when it is not there.
+Details detailsOf(const std::optional<SoftLink>& link, OutputNames& names);
+
+/// What the link `sub` among the links of a source does.
 Details detailsOf(const std::vector<SoftLink>& links, Byte sub, OutputNames& names);
 
 }  // namespace velk::cli
