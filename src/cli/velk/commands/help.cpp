@@ -36,6 +36,8 @@ none. "velk preset copy" copies what stands there, also a byte of 1. A preset th
 a text, and zeros.
 A link has two numbers, 0 to 15 each, and edges: "velk link 30.0 set output hall 3,10 rising". One to an
 input, 1 to 127, has no edges, and the second number alone, from input 101 on.
+Recorded events are replaced by days and hour: "velk simulation Mon-Fri 07 set 07:15:30 hall=0:2". An hour has
+room for 51.
 )"},
     Topic{"houses",
           R"(Houses:

@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "cli/velk/commands/command.h"
-#include "cli/velk/things/event.h"
 #include "cli/velk/things/module.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"
@@ -91,13 +90,6 @@ void listSwitchTimes(Serial& serial, const LinkedOptions& /*options*/, List& lis
   }
 }
 
-void listEvents(Serial& serial, const LinkedOptions& /*options*/, List& list) {
-  OutputNames names(serial);
-  for (const Event& event : readEvents(serial)) {
-    list.add(jsonOf(event, names), {weekday(event.day), timeOf(event), actionOf(event, names)});
-  }
-}
-
 struct ModulesOptions : LinkedOptions {
   std::vector<std::string> serials;
 
@@ -160,16 +152,6 @@ void addSwitchTimes(const CommandLine& velk, Job& job) {
                           {"Block", "Time", "Days", "Switches"},
                           "there are no switch times",
                           listSwitchTimes});
-}
-
-void addSimulation(const CommandLine& velk, Job& job) {
-  addList<LinkedOptions>(velk, job,
-                         {"simulation",
-                          "List the recorded events of the simulation",
-                          "  velk simulation --simulate\n  velk simulation --json\n",
-                          {"Day", "Time", "Event"},
-                          "there are no recorded events",
-                          listEvents});
 }
 
 void addModules(const CommandLine& velk, Job& job) {

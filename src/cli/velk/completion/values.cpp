@@ -185,6 +185,18 @@ Found changeOfSwitchTime(const Place& place) {
   return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
 }
 
+Found dayWords(const Place& /*place*/) {
+  Candidates found;
+  for (int day = 0; day < weekdays; ++day) found.push_back({weekday(day), ""});
+  for (const char* const group : {"weekdays", "weekend", "daily"}) found.push_back({group, ""});
+  return found;
+}
+
+Found changeOfSimulation(const Place& place) {
+  if (place.before.size() > 2) return Candidates();
+  return Candidates{{"set", "Put other events in place of the hour's"}, {"clear", "Remove them"}};
+}
+
 Found houses(const Place& /*place*/) {
   Candidates found;
   try {
@@ -218,6 +230,8 @@ constexpr std::array rows{
     Row{"link", "set", changeOfLink},
     Row{"preset", "N", presets},
     Row{"preset", "set", changeOfPreset},
+    Row{"simulation", "DAYS", dayWords},
+    Row{"simulation", "set", changeOfSimulation},
     Row{"call", "--set", properties},
     Row{"call", "METHOD", methodNames},
     Row{"call", "ARGUMENTS", arguments},

@@ -1,23 +1,46 @@
 #include "cli/velk/things/event.h"
 
+#include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
+#include "values/result.h"
 
 namespace velk::cli {
+namespace {
 
-std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
+std::string readingOf(const RecordedHour& list) {
+  return "reading the simulation of " + weekday(list.day) + " " + timeOfDay(list.hour, 0);
+}
+
+}  // namespace
+
+RecordedHour readHour(Serial& serial, Byte day, Byte hour) {
   constexpr std::size_t recordSize = 5;
+  RecordedHour list{.day = day, .hour = hour};
   Bytes data;
-  expectRead([&] { return serial.Simulation("R", day, hour, data); },
-             "reading the simulation of " + weekday(day) + " " + timeOfDay(hour, 0));
-  std::vector<Event> events;
+  const Byte result = retry().read([&] { return serial.Simulation("R", day, hour, data); });
+  list.readable = result != otherFailure;  // what is stored there are no events
+  if (!list.readable) return list;
+  expectDone(result, readingOf(list));
   for (std::size_t i = 0; i + recordSize <= data.size(); i += recordSize) {
     Bytes record = data.substr(i, recordSize);
     if (record == Bytes(recordSize, '\0')) continue;
-    events.push_back({.day = day, .hour = hour, .record = std::move(record)});
+    list.events.push_back({.day = day, .hour = hour, .record = std::move(record)});
   }
-  return events;
+  return list;
+}
+
+Byte writeHour(Serial& serial, const RecordedHour& list) {
+  Bytes data;
+  for (const Event& event : list.events) data += event.record;
+  return serial.Simulation("W", list.day, list.hour, data);
+}
+
+std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
+  RecordedHour list = readHour(serial, day, hour);
+  if (!list.readable) expectDone(otherFailure, readingOf(list));
+  return std::move(list.events);
 }
 
 std::vector<Event> readEvents(Serial& serial) {

@@ -15,9 +15,30 @@ struct Event {
   Byte day = 0;  ///< 0 is Monday
   Byte hour = 0;
   Bytes record;  ///< minute, second and three bytes that say what was switched
+
+  friend bool operator==(const Event&, const Event&) = default;
 };
 
-/// The events of a weekday and hour. Records of zeros, as an empty controller holds them, are left out.
+/// The events of a weekday and hour: what is written at once.
+struct RecordedHour {
+  Byte day = 0;
+  Byte hour = 0;
+  std::vector<Event> events = {};
+  bool readable = true;  ///< false for bytes that are no events
+
+  friend bool operator==(const RecordedHour&, const RecordedHour&) = default;
+};
+
+/// An hour has no room for more.
+constexpr std::size_t eventsOfHour = 51;
+
+/// Reads the events of an hour; records of zeros, as an empty controller holds them, are left out.
+RecordedHour readHour(Serial& serial, Byte day, Byte hour);
+
+/// Writes them by `Simulation`, whose result it returns.
+Byte writeHour(Serial& serial, const RecordedHour& list);
+
+/// The events of a weekday and hour. Throws `Failure` when they are none.
 std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour);
 
 /// The events of the whole week.
