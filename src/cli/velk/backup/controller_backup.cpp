@@ -1,8 +1,8 @@
 #include "cli/velk/backup/controller_backup.h"
 
+#include "cli/shared/progress.h"
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/backup/memory_reader.h"
-#include "cli/velk/backup/progress.h"
 #include "cli/velk/things/module.h"
 
 namespace velk::cli {

@@ -1,9 +1,9 @@
 #include <chrono>
 #include <optional>
 
+#include "cli/shared/progress.h"
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/part_file.h"
-#include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"
 #include "cli/velk/backup/series.h"
 #include "cli/velk/commands/command.h"

@@ -3,12 +3,12 @@
 
 #include "cli/house/check.h"
 #include "cli/house/event_list.h"
+#include "cli/shared/progress.h"
 #include "cli/shared/terminal.h"
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/backup/identity.h"
 #include "cli/velk/backup/memory_reader.h"
-#include "cli/velk/backup/progress.h"
 #include "cli/velk/backup/restorable_module.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/commands/consent.h"

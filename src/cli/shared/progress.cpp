@@ -1,4 +1,4 @@
-#include "cli/velk/backup/progress.h"
+#include "cli/shared/progress.h"
 
 #include <iostream>
 
