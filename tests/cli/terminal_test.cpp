@@ -111,10 +111,27 @@ TEST(Terminal, ABackupShowsHowFarItIs) {
   EXPECT_FALSE(velk(backup).tells(" % ")) << "but not in a file or a pipe";
 }
 
+TEST(Terminal, AllLongReadsShowHowFarTheyAre) {
+  for (const auto& [command, bar] : {std::pair("outputs", "outputs ["),
+                                     {"links", "links ["},
+                                     {"presets", "presets ["},
+                                     {"switch-times --json", "switch times ["},
+                                     {"simulation", "simulation ["},
+                                     {"week", "switch times ["},
+                                     {"output nobody", "names ["}}) {
+    const House house("--fault late=150@2-9");
+    const Ended ended = onTerminal(house.with(command));
+    EXPECT_TRUE(ended.shows("\r\x1b[?7l" + std::string(bar) + "..............................] "))
+        << ended.text;
+    EXPECT_TRUE(ended.shows("\x1b[K\x1b[?7h\r\x1b[K")) << "taken away at the end";
+    EXPECT_FALSE(house.velk(command).tells(" % ")) << command;
+  }
+}
+
 TEST(Terminal, HeadingsAreBoldUnlessUnwanted) {
   EXPECT_TRUE(onTerminal("presets --simulate").shows("\x1b[1mPreset"));
   setenv("NO_COLOR", "1", 1);  // NOLINT(concurrency-mt-unsafe)
-  EXPECT_FALSE(onTerminal("presets --simulate").shows("\x1b"));
+  EXPECT_FALSE(onTerminal("presets --simulate").shows("\x1b[1m"));
   unsetenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe)
 }
 

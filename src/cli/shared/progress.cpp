@@ -17,12 +17,13 @@ void Progress::show(std::size_t done, std::size_t total) {
   const auto now = std::chrono::steady_clock::now();
   if (now < next_ || !errorIsTerminal()) return;
   next_ = now + interval;
-  if (!shown_) {
-    shown_ = true;
+  if (!begun_) {
+    begun_ = true;
     first_ = done;
     start_ = now;
     return;
   }
+  shown_ = true;
   const double seconds = std::chrono::duration<double>(now - start_).count();
   const double rate = static_cast<double>(done - first_) / seconds;
   const std::size_t filled = width * done / total;

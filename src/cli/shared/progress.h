@@ -1,7 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <iterator>
+#include <ranges>
 #include <string>
+#include <utility>
 
 namespace velk::cli {
 
@@ -20,7 +23,52 @@ class Progress {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::chrono::steady_clock::time_point next_ = start_;
   std::size_t first_ = 0;  ///< what was done before
-  bool shown_ = false;
+  bool begun_ = false;
+  bool shown_ = false;  ///< on the terminal, where it is taken away at the end
 };
+
+/// Goes through a range whose size is known, each element of which takes a request or more, and shows how far
+/// it is:
+///
+///     for (const Byte source : counted("links", linkSources()))
+template <class Range>
+class Counted {
+ public:
+  Counted(std::string what, Range range) : progress_(std::move(what)), range_(std::move(range)) {}
+
+  class Iterator {
+   public:
+    Iterator(Counted& all, decltype(std::begin(std::declval<const Range&>())) at) : all_(all), at_(at) {}
+    decltype(auto) operator*() const { return *at_; }
+    Iterator& operator++() {
+      ++at_;
+      all_.progress_.show(++all_.done_, std::size(all_.range_));
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return at_ != other.at_; }
+
+   private:
+    Counted& all_;
+    decltype(std::begin(std::declval<const Range&>())) at_;
+  };
+
+  Iterator begin() { return {*this, std::begin(std::as_const(range_))}; }
+  Iterator end() { return {*this, std::end(std::as_const(range_))}; }
+
+ private:
+  Progress progress_;
+  Range range_;
+  std::size_t done_ = 0;
+};
+
+template <class Range>
+Counted<Range> counted(std::string what, Range range) {
+  return {std::move(what), std::move(range)};
+}
+
+/// The same with the numbers from `first` to `last`.
+inline auto counted(std::string what, int first, int last) {
+  return counted(std::move(what), std::views::iota(first, last + 1));
+}
 
 }  // namespace velk::cli

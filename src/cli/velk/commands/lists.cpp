@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/shared/progress.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/things/module.h"
 #include "cli/velk/things/output.h"
@@ -52,8 +53,8 @@ void addList(const CommandLine& velk, Job& job, const ListCommand<Options>& comm
 }
 
 void listOutputs(Serial& serial, const LinkedOptions& /*options*/, List& list) {
-  for (Byte number = 1; number <= lastOutput; ++number) {
-    const Output output = readOutputHead(serial, number);
+  for (const int number : counted("outputs", 1, lastOutput)) {
+    const Output output = readOutputHead(serial, static_cast<Byte>(number));
     if (output.mode.empty() && output.name.empty()) continue;
     list.add(jsonOfHead(output),
              {std::to_string(number), output.name, output.mode, std::string(meaningOfMode(output.mode))});
@@ -62,7 +63,7 @@ void listOutputs(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 
 void listLinks(Serial& serial, const LinkedOptions& /*options*/, List& list) {
   OutputNames names(serial);
-  for (const Byte source : linkSources()) {
+  for (const Byte source : counted("links", linkSources())) {
     for (const SoftLink& link : readLinks(serial, source)) {
       list.add(jsonOf(link, names), {titleOf(link), destinationOf(link), destinationName(link, names),
                                      parametersOf(link), edgesOf(link)});
@@ -71,8 +72,8 @@ void listLinks(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 }
 
 void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
-  for (Byte number = 1; number <= lastPresetNumber; ++number) {
-    const Preset preset = readPreset(serial, number, Records::withoutMost);
+  for (const int number : counted("presets", 1, lastPresetNumber)) {
+    const Preset preset = readPreset(serial, static_cast<Byte>(number), Records::withoutMost);
     if (!isUsed(preset)) continue;
     const std::string delay2 = preset.delay2 == 0 ? "" : std::to_string(preset.delay2);
     list.add(jsonOfHead(preset), {std::to_string(number), textOf(preset), std::to_string(preset.delay1),
@@ -82,7 +83,7 @@ void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 
 void listSwitchTimes(Serial& serial, const LinkedOptions& /*options*/, List& list) {
   OutputNames names(serial);
-  for (int block = 0; block < switchTimes; ++block) {
+  for (const int block : counted("switch times", 0, switchTimes - 1)) {
     const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     if (!isUsed(time)) continue;
     list.add(jsonOf(time, names),
@@ -100,7 +101,7 @@ struct ModulesOptions : LinkedOptions {
 };
 
 void listModules(Serial& serial, const ModulesOptions& options, List& list) {
-  for (const std::string& number : options.serials) {
+  for (const std::string& number : counted("modules", options.serials)) {
     try {
       const Module module = readModule(serial, number);
       list.add(jsonOf(module), {module.serial, module.model, std::to_string(module.cpuType), module.firmware,

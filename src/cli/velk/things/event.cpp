@@ -1,5 +1,6 @@
 #include "cli/velk/things/event.h"
 
+#include "cli/shared/progress.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
@@ -45,11 +46,10 @@ std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
 
 std::vector<Event> readEvents(Serial& serial) {
   std::vector<Event> week;
-  for (Byte day = 0; day < weekdays; ++day) {
-    for (Byte hour = 0; hour < hoursOfDay; ++hour) {
-      const std::vector<Event> events = readEvents(serial, day, hour);
-      week.insert(week.end(), events.begin(), events.end());
-    }
+  for (const int hour : counted("simulation", 0, weekdays * hoursOfDay - 1)) {
+    const std::vector<Event> events =
+        readEvents(serial, static_cast<Byte>(hour / hoursOfDay), static_cast<Byte>(hour % hoursOfDay));
+    week.insert(week.end(), events.begin(), events.end());
   }
   return week;
 }

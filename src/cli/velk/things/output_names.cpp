@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "cli/shared/escapes.h"
+#include "cli/shared/progress.h"
 #include "cli/velk/things/words.h"
 #include "values/digits.h"
 
@@ -54,7 +55,8 @@ Byte OutputNames::find(const std::string& typed) {
   const Bytes wanted = comparable(typed);
   std::vector<Byte> whole;
   std::vector<Byte> beginnings;
-  for (Byte number = 1; number <= lastOutput && !wanted.empty(); ++number) {
+  for (const int each : counted("names", 1, wanted.empty() ? 0 : lastOutput)) {
+    const auto number = static_cast<Byte>(each);
     const Bytes name = comparable(of(number));
     if (name == wanted) whole.push_back(number);
     if (name.starts_with(wanted)) beginnings.push_back(number);

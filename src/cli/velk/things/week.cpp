@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "cli/shared/progress.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
 
@@ -14,7 +15,7 @@ constexpr int slotMinutes = 30;
 constexpr int slots = hoursOfDay * minutesOfHour / slotMinutes;
 
 void addSwitchTimes(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
-  for (int block = 0; block < switchTimes; ++block) {
+  for (const int block : counted("switch times", 0, switchTimes - 1)) {
     const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     for (int day = 0; time.readable && day < weekdays; ++day) {
       if ((time.days >> day & 1) == 0) continue;
@@ -31,7 +32,7 @@ void addEvents(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
 }
 
 void addLinks(Serial& serial, OutputNames& names, std::vector<NamedLink>& links) {
-  for (const Byte source : linkSources()) {
+  for (const Byte source : counted("links", linkSources())) {
     for (const SoftLink& link : readLinks(serial, source)) {
       links.push_back({link, named(destinationOf(link), destinationName(link, names)), jsonOf(link, names)});
     }
