@@ -35,11 +35,11 @@ constexpr const char* notes =
     "\nExit status:\n"
     "  0  done\n"
     "  1  the controller refused or did not answer; diff: there are differences, and nothing else;\n"
-    "     restore: declined;\n"
+    "     replay: something was answered differently; restore, replay: declined;\n"
     "     doctor: the component cannot be created, or a check failed\n"
     "  2  the command line is wrong\n"
     "  3  a run-time error of the link\n"
-    "  4  the link could not be opened; diff: it failed\n"
+    "  4  the link could not be opened; diff, replay: it failed\n"
     "  5  a file, or standard output, cannot be read or written\n"
     "  6  backup --keep: nothing has changed, and nothing was written\n"
     "  130  Ctrl-C, or what else asks a program to end, came while it read or wrote\n"
@@ -52,10 +52,10 @@ constexpr const char* notes =
 
 void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
-       {addStatus,       addOutputs,  addOutput,     addClock,       addLink,       addLinks,
-        addPresets,      addPreset,   addSwitchTime, addSwitchTimes, addSimulation, addModules,
-        addInfraredText, addLanguage, addBackup,     addDiff,        addRestore,    addWeek,
-        addPorts,        addDoctor,   addCompletion, addCall,        addMethods,    addHelp}) {
+       {addStatus,     addOutputs,    addOutput,      addClock,      addLink,    addLinks,        addPresets,
+        addPreset,     addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage,
+        addBackup,     addDiff,       addRestore,     addWeek,       addPorts,   addReplay,       addDoctor,
+        addCompletion, addCall,       addMethods,     addHelp}) {
     add(line, job);
   }
   for (const auto add : {addApply}) add(line, job, addCommands);

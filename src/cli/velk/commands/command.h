@@ -87,6 +87,8 @@ void addLanguage(const CommandLine& velk, Job& job);
 void addBackup(const CommandLine& velk, Job& job);
 void addDiff(const CommandLine& velk, Job& job);
 void addRestore(const CommandLine& velk, Job& job);
+void addReplay(const CommandLine& velk, Job& job);
+void addWatch(const CommandLine& velk, Job& job);
 void addWeek(const CommandLine& velk, Job& job);
 void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);

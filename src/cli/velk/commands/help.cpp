@@ -69,6 +69,7 @@ was there. Behind the bytes, the area, the address and, in a write, the data sta
 the arrow what came: data, ok, a status other than 0, "no reply", or bytes that are none. What ends
 with (late) came when nobody waited any more. Each attempt has a line. Of a login the outcome alone is told:
 a trace holds no password. A file that is there is replaced when it is a trace, and nothing else is.
+"velk replay" sends the requests of a trace again.
 )"},
     Topic{"lost-requests",
           R"(Lost requests:

@@ -216,6 +216,7 @@ struct Row {
 // The first row that fits tells. Options whose words are declared with them (`Option::oneOf`) need none.
 constexpr std::array rows{
     Row{"", "FILE", files},
+    Row{"replay", "TRACE", files},
     Row{"diff", "A", files},
     Row{"diff", "B", files},
     Row{"", "--serial", files},
