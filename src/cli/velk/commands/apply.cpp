@@ -1,6 +1,7 @@
 #include <optional>
 #include <sstream>
 
+#include "cli/shared/amount.h"
 #include "cli/shared/files.h"
 #include "cli/shared/guarded.h"
 #include "cli/shared/interrupts.h"
@@ -41,10 +42,6 @@ class CapturedOutput {
   std::streambuf* before_;
 };
 
-std::string counted(std::size_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 /// Those of a text, numbered from 1.
 std::vector<FileLine> linesOf(const std::string& text) {
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -79,7 +76,7 @@ class Application {
       }
     }
     if (wrong == 0) return commands;
-    throw Failure(wrongUsage, name() + ": " + counted(wrong, "line") + " to be mended; nothing was done");
+    throw Failure(wrongUsage, name() + ": " + amount(wrong, "line") + " to be mended; nothing was done");
   }
 
   int carryOut(const std::vector<FileLine>& lines) {
@@ -100,7 +97,7 @@ class Application {
     }
     if (options_.json) printJson();
     if (first) throw Failure(first->status, sentence(*first), first->result);
-    std::cerr << "velk: " << counted(done_, "command")
+    std::cerr << "velk: " << amount(done_, "command")
               << (options_.dryRun ? " gone through, nothing written\n" : " done\n");
     return success;
   }
@@ -147,7 +144,7 @@ class Application {
   }
 
   [[nodiscard]] std::string sentence(const Failure& first) const {
-    const std::string all = " of " + counted(all_, "command");
+    const std::string all = " of " + amount(all_, "command");
     if (!options_.dryRun) {
       return std::string(first.what()) + "; stopped there, " + std::to_string(done_) + all + " done";
     }

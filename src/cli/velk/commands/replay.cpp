@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "cli/shared/amount.h"
 #include "cli/shared/interrupts.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/commands/consent.h"
@@ -166,19 +167,15 @@ void print(const OddLine& line) {
   std::cerr << "velk: line " << line.number << " is left out: it " << line.why << '\n';
 }
 
-std::string counted(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 void tell(const ReplayAccount& account) {
-  std::cerr << "velk: " << counted(account.sent, "request") << " sent, " << account.changes.size()
+  std::cerr << "velk: " << amount(account.sent, "request") << " sent, " << account.changes.size()
             << " answered differently";
   if (account.notCompared != 0) {
-    std::cerr << "; " << counted(account.notCompared, "answer")
+    std::cerr << "; " << amount(account.notCompared, "answer")
               << " not compared: clock, mailbox and the like";
   }
   if (account.writesLeft != 0) {
-    std::cerr << "; " << counted(account.writesLeft, "write") << " not sent: give --writes";
+    std::cerr << "; " << amount(account.writesLeft, "write") << " not sent: give --writes";
   }
   std::cerr << '\n';
 }

@@ -3,6 +3,7 @@
 
 #include "cli/house/check.h"
 #include "cli/house/event_list.h"
+#include "cli/shared/amount.h"
 #include "cli/shared/progress.h"
 #include "cli/shared/terminal.h"
 #include "cli/velk/backup/controller_backup.h"
@@ -158,7 +159,7 @@ void printAccount(const Account& account, const std::vector<Difference>& differe
     return;
   }
   if (account.failure.empty()) {
-    std::cerr << "velk: " << account.done << (all == 1 ? " thing" : " things") << " written and read back\n";
+    std::cerr << "velk: " << amount(account.done, "thing") << " written and read back\n";
     return;
   }
   std::cerr << "velk: stopped: " << account.failure
