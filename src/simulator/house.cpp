@@ -70,20 +70,25 @@ constexpr std::array links{
     HouseLink{31, 3, 11, 0x01, false, true},
 };
 
+struct PresetRecord {
+  Byte address;  ///< none: 0
+  std::array<Byte, 4> bytes;
+};
+
 struct HousePreset {
   Byte number;
   std::string_view text;
   Byte delay1;
   Byte delay2;  ///< 255: none
   bool simulated;
-  std::array<std::array<Byte, 4>, 3> records;  ///< records 3 to 5
+  std::array<PresetRecord, 3> records;
 };
 
 constexpr std::array presets{
-    HousePreset{1, "All lights off", 20, 255, false, {{{3, 0, 0, 0}, {5, 0, 0, 0}, {6, 0, 0, 0}}}},
-    HousePreset{2, "Evening", 10, 40, true, {{{3, 255, 2, 0}, {5, 30, 2, 0}, {7, 0, 4, 2}}}},
-    HousePreset{30, "Film", 5, 255, false, {{{6, 80, 3, 0}, {7, 100, 4, 2}, {0, 0, 0, 0}}}},
-    HousePreset{61, "Holiday", 60, 120, true, {{{11, 9, 9, 9}, {13, 8, 8, 8}, {0, 0, 0, 0}}}},
+    HousePreset{1, "All lights off", 20, 255, false, {{{3, {0, 2}}, {5, {0, 2}}, {6, {0, 2}}}}},
+    HousePreset{2, "Evening", 10, 40, true, {{{3, {255, 2}}, {5, {30, 2}}, {7, {0, 4, 2}}}}},
+    HousePreset{30, "Film", 5, 255, false, {{{6, {80, 3}}, {7, {100, 4, 2}}}}},
+    HousePreset{61, "Holiday", 60, 120, true, {{{11, {9, 9, 9, 9}}, {13, {8, 8, 8, 8}}}}},
 };
 
 Address presetRecord(int number, int record) {
@@ -121,9 +126,10 @@ void putPresets(Store& store) {
     store.write(at(group, member * 2 + 8), bytes({preset.delay1, preset.delay2}));
     Byte& flags = store[at(group, 18)];
     if (preset.simulated) flags = static_cast<Byte>(flags | 1 << member);
-    for (std::size_t i = 0; i < preset.records.size(); ++i) {
-      const auto& r = preset.records.at(i);
-      store.write(presetRecord(preset.number, static_cast<int>(i) + 3), bytes({r[0], r[1], r[2], r[3]}));
+    for (const PresetRecord& record : preset.records) {
+      const auto& [b0, b1, b2, b3] = record.bytes;
+      if (record.address != 0)
+        store.write(presetRecord(preset.number, record.address), bytes({b0, b1, b2, b3}));
     }
   }
 }

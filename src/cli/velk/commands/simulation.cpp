@@ -2,6 +2,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "cli/shared/progress.h"
 #include "cli/velk/commands/change.h"
 #include "cli/velk/things/event.h"
 #include "cli/velk/things/typed_entry.h"
@@ -117,6 +118,16 @@ std::vector<Byte> daysIn(const WantedEvents& wanted) {
   return days;
 }
 
+/// Pairs of day and hour.
+std::vector<std::pair<Byte, Byte>> hoursIn(const WantedEvents& wanted) {
+  std::vector<std::pair<Byte, Byte>> hours;
+  for (const Byte day : daysIn(wanted)) {
+    for (Byte hour = wanted.hour.value_or(0); hour <= wanted.hour.value_or(hoursOfDay - 1); ++hour)
+      hours.emplace_back(day, hour);
+  }
+  return hours;
+}
+
 /// The wanted hour of each day.
 using Hours = std::vector<RecordedHour>;
 
@@ -184,12 +195,10 @@ int carryOutSimulation(const SimulationOptions& options) {
   OutputNames names(serial);
   Json json = Json::array();
   Table table({"Day", "Time", "Event"});
-  for (const Byte day : daysIn(wanted)) {
-    for (Byte hour = wanted.hour.value_or(0); hour <= wanted.hour.value_or(hoursOfDay - 1); ++hour) {
-      for (const Event& event : readEvents(serial, day, hour)) {
-        json.push_back(jsonOf(event, names));
-        table.add({weekday(day), timeOf(event), actionOf(event, names)});
-      }
+  for (const auto& [day, hour] : counted("simulation", hoursIn(wanted))) {
+    for (const Event& event : readEvents(serial, day, hour)) {
+      json.push_back(jsonOf(event, names));
+      table.add({weekday(day), timeOf(event), actionOf(event, names)});
     }
   }
   if (options.json) {
