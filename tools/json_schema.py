@@ -43,9 +43,11 @@ for file in sorted((root / "tests/cli/transcripts").glob("*.txt")):
 with tempfile.TemporaryDirectory() as folder:
     for words in ("status --simulate", "clock --simulate", "clock --simulate set", "backup --simulate house.json",
                   "backup --simulate --keep 2 .", "diff --simulate house.json", "restore --simulate --yes house.json",
-                  "ports", "doctor", "methods"):
+                  "ports", "doctor", "methods", "watch --simulate --only infrared --for 0"):
         printed = subprocess.run([velk, *words.split(), "--json"], cwd=folder, capture_output=True, text=True)
-        check("velk-" + words.split()[0], printed.stdout, words)
+        lines = printed.stdout.splitlines() if words.startswith("watch") else [printed.stdout]
+        for line in lines:
+            check("velk-" + words.split()[0], line, words)
 
 named = {f"velk-{command}" for command in complete("=") if "--json" in complete(command, "=--json")}
 faults += [f"no schema for {name}" for name in sorted(named - schema["$defs"].keys())]

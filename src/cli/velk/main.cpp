@@ -52,10 +52,10 @@ constexpr const char* notes =
 
 void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
-       {addStatus,     addOutputs,    addOutput,      addClock,      addLink,    addLinks,        addPresets,
-        addPreset,     addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage,
-        addBackup,     addDiff,       addRestore,     addWeek,       addPorts,   addReplay,       addDoctor,
-        addCompletion, addCall,       addMethods,     addHelp}) {
+       {addStatus, addOutputs,    addOutput,      addClock,      addLink,    addLinks,        addPresets,
+        addPreset, addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage,
+        addBackup, addDiff,       addRestore,     addWeek,       addPorts,   addReplay,       addWatch,
+        addDoctor, addCompletion, addCall,        addMethods,    addHelp}) {
     add(line, job);
   }
   for (const auto add : {addApply}) add(line, job, addCommands);

@@ -1,6 +1,7 @@
 #include "cli/velk/connection/connection.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -107,7 +108,11 @@ void Connection::openSimulator(const LinkOptions& options) {
   controller_ = std::make_unique<simulator::Controller>(simulator::house());
   host_ = std::make_unique<simulator::LoopbackHost>();
   host_->transferTime = std::chrono::milliseconds(1);
-  controller_->attach(std::make_unique<simulator::Clock>([host = host_.get()] { return host->elapsed(); }));
+  // Requests take time on this link and none of the PC's: its clock shall not run ahead of that.
+  using std::chrono::steady_clock;
+  controller_->attach(std::make_unique<simulator::Clock>([host = host_.get(), start = steady_clock::now()] {
+    return std::min<steady_clock::duration>(host->elapsed(), steady_clock::now() - start);
+  }));
   simulator::attachModules(*controller_);
   const simulator::SessionOptions session{.busAddress = options.busAddress};
   host_->listen(name, port, [this, session] {
