@@ -28,7 +28,7 @@ constexpr std::array areas{Area::external, Area::block, Area::highBlock};
 Json jsonOf(const Lines& lines) {
   Json json = Json::object();
   for (const Area area : areas) json[nameOf(area)] = Json::object();
-  for (const auto& [at, bytes] : lines) json[nameOf(at.area)][digitsOf(at)] = hex(bytes);
+  for (const auto& [at, bytes] : lines) json[nameOf(at.area)].append(digitsOf(at), hex(bytes));
   return json;
 }
 

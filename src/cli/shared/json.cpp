@@ -183,6 +183,10 @@ void Json::push_back(Json element) {
   std::get<Array>(content_).push_back(std::move(element));
 }
 
+void Json::append(std::string_view name, Json value) {
+  std::get<Object>(content_).emplace_back(name, std::move(value));
+}
+
 Json& Json::operator[](std::string_view name) {
   if (std::holds_alternative<std::nullptr_t>(content_)) content_ = Object();
   auto& members = std::get<Object>(content_);

@@ -61,6 +61,9 @@ class Json {
   /// Appends to an array; null becomes one.
   void push_back(Json element);
 
+  /// Appends a member to an object that has none of that name, which nobody looks for: objects may be long.
+  void append(std::string_view name, Json value);
+
   /// A member, which is added as null when there is none; null becomes an object.
   Json& operator[](std::string_view name);
 
