@@ -1,6 +1,6 @@
 #!/bin/sh
-# Measures the speed of the library and of the component; prints a table, leaves JSON beside the build and the
-# table with its date in docs/performance.md.
+# Measures the speed of the library, of the component and of whole jobs of velk; prints tables, leaves JSON beside the
+# build and the tables with their date in docs/performance.md.
 # Usage: bench.sh BUILD [WINDOWS_BUILD]
 #   BUILD           a build of the preset linux
 #   WINDOWS_BUILD   a build with the preset windows-x64 and VELK_BENCH; without it, Wine's rows are left out
@@ -111,6 +111,10 @@ run_wine() {
   measure wine-requests wine_requests
 }
 
+echo "  jobs, some eight minutes" >&2
+prompt="chrt --fifo 1" # what waits runs on at once, whatever else the machine does; needs root
+$prompt true 2>/dev/null || prompt=
+taskset -c $core $prompt python3 "$here/jobs.py" "$build" "$here/../docs/performance.md"
 keep_other_core_busy
 for start in $(seq "$starts"); do
   for section in tcp lines paced wait threads memory; do

@@ -80,11 +80,16 @@ def lines(all_figures):
         yield f"| {measure} | {against} | {form.format(figure)} | {sign} {limit} | {'yes' if reached else '**no**'} |"
 
 
-def replace_figures(path, text):
+def replace_figures(path, text, name="figures"):
     """Puts the text between the marks of the document, whose other words are written by hand."""
-    before, begin, rest = path.read_text().partition("<!-- figures -->\n")
-    _, end, after = rest.partition("<!-- end of figures -->\n")
+    before, begin, rest = path.read_text().partition(f"<!-- {name} -->\n")
+    _, end, after = rest.partition(f"<!-- end of {name} -->\n")
     path.write_text(before + begin + text + "\n" + end + after)
+
+
+def written():
+    system = f"Linux {platform.release().split('-')[0]}, {os.cpu_count()} cores"
+    return f"Written by `./run bench` on {datetime.date.today()}, {system}."
 
 
 def main(folder, json_path, markdown_path):
@@ -99,7 +104,7 @@ def main(folder, json_path, markdown_path):
         ("tcp.velk", "tcp.bare", "tcp.modbus", "fast.velk", "fast.bare", "fast.modbus", "echo.velk", "echo.bare")
         if name + ".p50" in medians)
     replace_figures(pathlib.Path(markdown_path), f"""
-Written by `./run bench` on {datetime.date.today()}, Linux {platform.release().split('-')[0]}, {os.cpu_count()} cores.
+{written()}
 
 {chr(10).join(table)}
 
