@@ -16,11 +16,15 @@ set_property(SOURCE src/cli/shared/json.cpp PROPERTY SKIP_UNITY_BUILD_INCLUSION 
 
 target_include_directories(velk_cli_sim PUBLIC src/cli/sim/${PLATFORM})
 # Too much for one compilation: each room by itself.
-foreach(room backup commands completion connection doctor things trace)
+foreach(room backup commands completion connection doctor shell things trace)
   file(GLOB_RECURSE together src/cli/velk/${room}/*.cpp)
   set_property(SOURCE ${together} PROPERTY UNITY_GROUP ${room})
 endforeach()
 set_target_properties(velk_cli_velk PROPERTIES UNITY_BUILD_MODE GROUP)
+
+if(NOT WIN32)
+  target_link_libraries(velk_cli_velk PRIVATE edit)
+endif()
 
 foreach(program velk sim)
   set_property(SOURCE src/cli/${program}/main.cpp APPEND PROPERTY COMPILE_DEFINITIONS VELK_VERSION="${PROJECT_VERSION}")

@@ -9,10 +9,15 @@
 namespace velk::cli {
 namespace {
 
-/// Runs velk on a terminal of its own, where `answer` is typed at a question, which ends so. Its text is what the terminal
-/// shows.
-Ended onTerminal(const std::string& line, const std::string& answer = {},
-                 const std::string& question = "[y/N] ") {
+/// What a person types when the terminal shows a text, behind what the last one waited for.
+struct Typed {
+  std::string shown;
+  std::string keys;
+  bool again = false;  ///< until the next text is shown
+};
+
+/// Runs velk on a terminal of its own. Its text is what the terminal shows.
+Ended talkTo(const std::string& line, const std::vector<Typed>& talk) {
   int terminal = -1;
   const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (pid == 0) become("exec velk " + line);
@@ -20,19 +25,39 @@ Ended onTerminal(const std::string& line, const std::string& answer = {},
   std::string text;
   std::array<char, 4096> buffer{};
   pollfd watched{.fd = terminal, .events = POLLIN, .revents = 0};
-  bool asked = false;
-  while (poll(&watched, 1, patience) > 0) {
+  const auto type = [&](const std::string& keys) {
+    EXPECT_EQ(write(terminal, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  };
+  std::size_t seen = 0;
+  const Typed* repeated = nullptr;
+  auto next = talk.begin();
+  for (int left = patience; left > 0;) {
+    constexpr int pause = 200;  // ms
+    if (poll(&watched, 1, pause) == 0) {
+      left -= pause;
+      if (repeated != nullptr) type(repeated->keys);
+      continue;
+    }
     const auto n = read(terminal, buffer.data(), buffer.size());
     if (n <= 0) break;
     text.append(buffer.data(), static_cast<std::size_t>(n));
-    if (!asked && text.find(question) != std::string::npos) {
-      asked = true;
-      EXPECT_EQ(write(terminal, answer.data(), answer.size()), static_cast<ssize_t>(answer.size()));
+    for (; next != talk.end() && text.find(next->shown, seen) != std::string::npos; ++next) {
+      seen = text.find(next->shown, seen) + next->shown.size();
+      repeated = next->again ? &*next : nullptr;
+      type(next->keys);
     }
   }
+  EXPECT_TRUE(next == talk.end()) << next->shown << " was not shown in\n" << text;
+  if (next != talk.end()) kill(pid, SIGKILL);
   int status = 0;
   waitpid(pid, &status, 0);
   return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1, .text = text, .complaint = {}};
+}
+
+/// The same, where a person answers one question, which may not come.
+Ended onTerminal(const std::string& line, const std::string& answer = {},
+                 const std::string& question = "[y/N] ") {
+  return answer.empty() ? talkTo(line, {}) : talkTo(line, {{question, answer}});
 }
 
 TEST(Terminal, ARestorationAsksBeforeItWrites) {
@@ -133,6 +158,59 @@ TEST(Terminal, HeadingsAreBoldUnlessUnwanted) {
   setenv("NO_COLOR", "1", 1);  // NOLINT(concurrency-mt-unsafe)
   EXPECT_FALSE(onTerminal("presets --simulate").shows("\x1b[1m"));
   unsetenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe)
+}
+
+/// As long as it lives, velk finds its history in a folder.
+class StateFolder {
+ public:
+  explicit StateFolder(const std::string& path) { setenv("XDG_STATE_HOME", path.c_str(), 1); }
+  ~StateFolder() { unsetenv("XDG_STATE_HOME"); }
+  StateFolder(const StateFolder&) = delete;
+  StateFolder& operator=(const StateFolder&) = delete;
+};
+
+constexpr const char* prompt = "velk> ";
+
+TEST(Shell, CompletesAndRemembersOnOneLink) {
+  const Folder folder;
+  const StateFolder state(folder.path);
+  const House house("--trace");
+  const Ended ended = talkTo(house.with("shell"), {{prompt, "outp\t \t"},
+                                                   {"\n5   Hall ceiling\r\n", ""},
+                                                   {"velk> output ", "5 na\t\"H\xc3\xa9\"\n"},
+                                                   {"output 5: name Hall ceiling -> H\xc3\xa9\r\n", ""},
+                                                   {prompt, "output h\xc3\xa9\n"},
+                                                   {"output 5 H\xc3\xa9: T1 timer 1", ""},
+                                                   {prompt, "outputs --tcp h --password 1234\n"},
+                                                   {"no line has options for it", ""},
+                                                   {prompt, "\x04"}});
+  EXPECT_EQ(ended.status, 0);
+  const std::string kept = "output 5 name \"H\xc3\xa9\"\noutput h\xc3\xa9\n";
+  EXPECT_EQ(contentOf(folder / "velk/history"), kept) << "no password";
+  EXPECT_EQ(std::filesystem::status(folder / "velk/history").permissions(), std::filesystem::perms{0600});
+  // The next one finds the lines, the last one first.
+  const Ended next = talkTo(house.with("shell"), {{prompt, "\x10\x10\n"}, {"is so already", "exit\n"}});
+  EXPECT_EQ(next.status, 0) << next.text;
+  EXPECT_EQ(contentOf(folder / "velk/history"), kept + "output 5 name \"H\xc3\xa9\"\n");
+}
+
+TEST(Shell, CtrlCBreaksOffTheCommandAlone) {
+  const Folder folder;
+  const StateFolder state(folder.path);
+  // The first connection reads a minute long, without a sign of it: Ctrl-C at the prompt does no harm.
+  const House house("--fault late=600@*");
+  const std::string file = folder / "a.json";
+  const Ended ended = talkTo(house.with("shell"), {{prompt, "half a line\x03"},
+                                                   {prompt, "outputs\n"},
+                                                   {"outputs\r\n", "\x03", true},
+                                                   {"velk: interrupted", ""},
+                                                   {prompt, "backup " + file + "\n"},
+                                                   {" % ", "\x03", true},
+                                                   {"the same command goes on from there", ""},
+                                                   {prompt, "ir-text 3 A --dry-run\n"},
+                                                   {"text (none) -> A", "quit\n"}});
+  EXPECT_EQ(ended.status, 0) << ended.text;
+  EXPECT_FALSE(ended.shows("there is no command")) << ended.text;
 }
 
 }  // namespace

@@ -58,7 +58,7 @@ void addCommands(const CommandLine& line, Job& job) {
         addDoctor, addCompletion, addCall,        addMethods,    addHelp}) {
     add(line, job);
   }
-  for (const auto add : {addApply}) add(line, job, addCommands);
+  for (const auto add : {addApply, addShell}) add(line, job, addCommands);
 }
 
 int carryOut(int argc, char** argv) {

@@ -1,6 +1,7 @@
 #include "cli/velk/commands/command.h"
 #include "cli/velk/commands/method_call.h"
 #include "cli/velk/connection/retry.h"
+#include "cli/velk/connection/shared_link.h"
 #include "cli/velk/connection/silent_line.h"
 
 namespace velk::cli {
@@ -49,8 +50,18 @@ void explainLoss(const LinkOptions& link, Connection& connection, const MethodCa
   }
 }
 
+/// What all commands share is left as it is.
+void checkShared(const CallOptions& options, const MethodCall& call) {
+  if (SharedLink::current() == nullptr) return;
+  const bool opens = call.method->name.starts_with("Open") || call.method->name.starts_with("Close");
+  if (!opens && options.properties.empty()) return;
+  throw std::invalid_argument(
+      "the link is the same for all lines: none opens or closes it, nor sets its properties");
+}
+
 int carryOutCall(const CallOptions& options) {
   MethodCall call = parseCall(options.method, options.arguments);
+  checkShared(options, call);
   const LinkOptions link = options.link.orNone();
   const auto connection = open(link);
   for (const std::string& property : options.properties) setProperty(connection->serial(), property);

@@ -98,6 +98,7 @@ void addHelp(const CommandLine& velk, Job& job);
 /// Adds all commands; those below carry out lines that name them.
 using AddCommands = void (*)(const CommandLine& velk, Job& job);
 void addApply(const CommandLine& velk, Job& job, AddCommands addCommands);
+void addShell(const CommandLine& velk, Job& job, AddCommands addCommands);
 
 /// What "velk help" tells beside the commands, as the end of a help.
 std::string topics();

@@ -1,5 +1,6 @@
 #include "cli/velk/commands/consent.h"
 
+#include <cstdio>
 #include <iostream>
 
 #include "cli/shared/failure.h"
@@ -12,7 +13,12 @@ bool agreed(const std::string& question) {
   std::cerr << question << " [y/N] ";
   std::string answer;
   unwatchInterrupts();
-  if (!std::getline(std::cin, answer)) std::cerr << '\n';
+  if (!std::getline(std::cin, answer)) {
+    std::cerr << '\n';
+    // A shell may ask once more.
+    std::cin.clear();
+    std::clearerr(stdin);
+  }
   watchInterrupts();
   const bool isYes = answer == "y" || answer == "Y" || answer == "yes";
   if (!isYes) std::cerr << "velk: nothing is written\n";

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 
 #include "cli/house/check.h"

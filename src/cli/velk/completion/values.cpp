@@ -10,6 +10,7 @@
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/connection/houses.h"
 #include "cli/velk/connection/link_choice.h"
+#include "cli/velk/connection/shared_link.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"
 #include "cli/velk/things/soft_link.h"
@@ -87,24 +88,28 @@ std::optional<LinkOptions> linkOf(const Place& place) {
 }
 
 /// A person waits with a finger on the key: what a link has not told until then is left out.
+constexpr std::chrono::seconds patience{2};
+
 void endSoon() {
-  static constexpr std::chrono::seconds patience{2};
   std::thread([] {
     std::this_thread::sleep_for(patience);
     std::_Exit(success);
   }).detach();
 }
 
-/// What `read` finds; nothing without a link that answers.
+using Moment = std::chrono::steady_clock::time_point;
+
+/// What `read` finds until the moment that it is given; nothing without a link that answers.
 template <class Read>
 Found asked(const Place& place, Read read) {
   Candidates found;
   try {
     const auto link = linkOf(place);
-    if (!link) return found;
-    endSoon();
+    const SharedLink* const shared = SharedLink::current();
+    if (!link || (shared != nullptr && !shared->isOpen())) return found;
+    if (shared == nullptr) endSoon();
     const auto connection = open(*link);
-    read(connection->serial(), found);
+    read(connection->serial(), found, std::chrono::steady_clock::now() + patience);
   } catch (const std::exception&) {
     // Whoever carries the command out will be told.
   }
@@ -114,8 +119,8 @@ Found asked(const Place& place, Read read) {
 /// What `read` says of the numbers up to the last.
 template <class Read>
 Found numbered(const Place& place, int last, Read read) {
-  return asked(place, [&](Serial& serial, Candidates& found) {
-    for (int number = 1; number <= last; ++number) {
+  return asked(place, [&](Serial& serial, Candidates& found, Moment end) {
+    for (int number = 1; number <= last && std::chrono::steady_clock::now() < end; ++number) {
       if (auto help = read(serial, static_cast<Byte>(number))) {
         found.push_back({std::to_string(number), *std::move(help)});
       }
@@ -139,9 +144,10 @@ Found presets(const Place& place) {
 }
 
 Found softLinks(const Place& place) {
-  return asked(place, [](Serial& serial, Candidates& found) {
+  return asked(place, [](Serial& serial, Candidates& found, Moment end) {
     OutputNames names(serial);
     for (const Byte source : linkSources()) {
+      if (std::chrono::steady_clock::now() >= end) break;
       for (const SoftLink& link : readLinks(serial, source))
         found.push_back({titleOf(link), named(destinationOf(link), destinationName(link, names))});
     }

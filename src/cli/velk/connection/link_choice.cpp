@@ -65,7 +65,6 @@ bool LinkChoice::namesLink() const {
 }
 
 std::optional<LinkOptions> LinkChoice::find() const {
-  if (const SharedLink* const shared = SharedLink::current()) return shared->link();
   std::optional<LinkOptions> link = withoutTrace();
   if (link) addTrace(*link);
   return link;
@@ -82,6 +81,7 @@ void LinkChoice::addTrace(LinkOptions& link) const {
 }
 
 std::optional<LinkOptions> LinkChoice::withoutTrace() const {
+  if (const SharedLink* const shared = SharedLink::current()) return shared->link();
   if (!text_.empty()) return parseLink(text_);
   if (!house_.empty()) return houseNamed(house_);
   if (options_.tcp.empty() && options_.serial.empty() && !options_.simulate) {
