@@ -167,7 +167,7 @@ void print(const OddLine& line) {
   std::cerr << "velk: line " << line.number << " is left out: it " << line.why << '\n';
 }
 
-void tell(const ReplayAccount& account) {
+void tellOutcome(const ReplayAccount& account) {
   std::cerr << "velk: " << amount(account.sent, "request") << " sent, " << account.changes.size()
             << " answered differently";
   if (account.notCompared != 0) {
@@ -280,7 +280,7 @@ int carryOutReplay(const ReplayOptions& options) {
     for (const TraceLine& line : lines) {
       if (!sendOne(replay, options, !link.backup.empty(), line, account)) break;
     }
-    tell(account);
+    tellOutcome(account);
   }
   if (options.json) std::cout << jsonOf(account, planned) << '\n';
   return account.changes.empty() ? success : badResult;

@@ -238,7 +238,7 @@ class Watch {
   LinkOptions link_;
   Sections sections_;
   Log log_;
-  std::unique_ptr<Connection> connection_;
+  std::shared_ptr<Connection> connection_;
   Lines known_;
   std::optional<ClockReading> clock_;  ///< the last one that was told
   SteadyClock::time_point clockTold_;
