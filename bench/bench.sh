@@ -114,7 +114,7 @@ run_wine() {
 echo "  jobs, some eight minutes" >&2
 prompt="chrt --fifo 1" # what waits runs on at once, whatever else the machine does; needs root
 $prompt true 2>/dev/null || prompt=
-taskset -c $core $prompt python3 "$here/jobs.py" "$build" "$here/../docs/performance.md"
+taskset -c $core $prompt python3 -B "$here/jobs.py" "$build" "$here/../docs/performance.md"
 keep_other_core_busy
 for start in $(seq "$starts"); do
   for section in tcp lines paced wait threads memory; do
