@@ -5,41 +5,11 @@
 #include "cli/shared/failure.h"
 #include "cli/shared/nearest.h"
 #include "cli/velk/backup/describe.h"
-#include "cli/velk/connection/expect_done.h"
+#include "cli/velk/backup/offline.h"
 #include "cli/velk/things/module.h"
-#include "simulator/controller.h"
-#include "simulator/ethernet_sessions.h"
-#include "simulator/loopback_host.h"
 
 namespace velk::cli {
 namespace {
-
-/// A controller that is not there: a backup's memory behind a link of its own, so that it is read like any
-/// other.
-class Offline {
- public:
-  explicit Offline(const Lines& lines) : controller_(storeOf(lines)), serial_(host_) {
-    constexpr const char* name = "backup";
-    host_.listen(name, 1, [this] {
-      return std::make_unique<simulator::EthernetSSession>(controller_, simulator::SessionOptions{});
-    });
-    expectDone(serial_.OpenTCP(name, 1), "opening a backup");
-  }
-
-  /// Nothing for bytes that are no such thing.
-  Details describe(Thing thing) {
-    try {
-      return cli::describe(serial_, thing);
-    } catch (const Failure&) {
-      return {};
-    }
-  }
-
- private:
-  simulator::Controller controller_;
-  simulator::LoopbackHost host_;
-  Serial serial_;
-};
 
 using Things = std::map<Thing, std::vector<Address>>;
 
@@ -56,6 +26,15 @@ Things differingThings(const Lines& from, const Lines& to, const Sections& secti
     }
   }
   return things;
+}
+
+/// Nothing for bytes that are no such thing.
+Details described(Offline& house, Thing thing) {
+  try {
+    return describe(house.serial(), thing);
+  } catch (const Failure&) {
+    return {};
+  }
 }
 
 /// What differs between two outputs, or other things. Items of different modes have nothing to do with each
@@ -111,7 +90,7 @@ std::vector<Difference> compare(const Backup& from, const Backup& to, const Sect
   Offline before(from.lines);
   Offline after(to.lines);
   for (const auto& [thing, addresses] : differingThings(from.lines, to.lines, sections)) {
-    auto changes = changesOfThings(before.describe(thing), after.describe(thing));
+    auto changes = changesOfThings(described(before, thing), described(after, thing));
     if (changes.empty()) changes = changesOf(addresses, from.lines, to.lines);
     differences.push_back({titleOf(thing), addresses, std::move(changes)});
   }
