@@ -16,7 +16,7 @@ set_property(SOURCE src/cli/shared/json.cpp PROPERTY SKIP_UNITY_BUILD_INCLUSION 
 
 target_include_directories(velk_cli_sim PUBLIC src/cli/sim/${PLATFORM})
 # Too much for one compilation: each room by itself.
-foreach(room backup commands completion connection doctor shell things trace)
+foreach(room backup commands completion connection doctor report shell things trace)
   file(GLOB_RECURSE together src/cli/velk/${room}/*.cpp)
   set_property(SOURCE ${together} PROPERTY UNITY_GROUP ${room})
 endforeach()

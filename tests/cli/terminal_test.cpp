@@ -16,10 +16,11 @@ struct Typed {
   bool again = false;  ///< until the next text is shown
 };
 
-/// Runs velk on a terminal of its own. Its text is what the terminal shows.
-Ended talkTo(const std::string& line, const std::vector<Typed>& talk) {
+/// Runs velk on a terminal of its own, of so many columns. Its text is what the terminal shows.
+Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned short columns = 80) {
   int terminal = -1;
-  const pid_t pid = forkpty(&terminal, nullptr, nullptr, nullptr);
+  winsize size{.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+  const pid_t pid = forkpty(&terminal, nullptr, nullptr, &size);
   if (pid == 0) become("exec velk " + line);
   const platform::Fd fd(terminal);
   std::string text;
@@ -56,8 +57,9 @@ Ended talkTo(const std::string& line, const std::vector<Typed>& talk) {
 
 /// The same, where a person answers one question, which may not come.
 Ended onTerminal(const std::string& line, const std::string& answer = {},
-                 const std::string& question = "[y/N] ") {
-  return answer.empty() ? talkTo(line, {}) : talkTo(line, {{question, answer}});
+                 const std::string& question = "[y/N] ", unsigned short columns = 80) {
+  return talkTo(line, answer.empty() ? std::vector<Typed>() : std::vector<Typed>{{question, answer}},
+                columns);
 }
 
 TEST(Terminal, ARestorationAsksBeforeItWrites) {
@@ -151,6 +153,21 @@ TEST(Terminal, AllLongReadsShowHowFarTheyAre) {
     EXPECT_TRUE(ended.shows("\x1b[K\x1b[?7h\r\x1b[K")) << "taken away at the end";
     EXPECT_FALSE(house.velk(command).tells(" % ")) << command;
   }
+}
+
+TEST(Terminal, TheWeekTakesItsWidthAndHalfBlocksInTwoColours) {
+  const std::string coloured = onTerminal("week --simulate", "", "", 200).text;
+  const std::string times = "\x1b[94m\u2580\x1b[0m";
+  const std::string events = "\x1b[33m\u2584\x1b[0m";
+  EXPECT_NE(coloured.find("  |" + std::string(45, ' ') + times + std::string(63, ' ') + events +
+                          std::string(34, ' ') + "|"),
+            std::string::npos)
+      << coloured;
+  setenv("NO_COLOR", "1", 1);  // NOLINT(concurrency-mt-unsafe)
+  const std::string plain = onTerminal("week --simulate", "", "", 40).text;
+  unsetenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe)
+  EXPECT_NE(plain.find("\r\nMon       |       #          .     |\r\n"), std::string::npos) << plain;
+  EXPECT_EQ(plain.find('\x1b'), std::string::npos);
 }
 
 TEST(Terminal, HeadingsAreBoldUnlessUnwanted) {

@@ -10,6 +10,12 @@ bool outputIsTerminal();
 bool errorIsTerminal();
 bool inputIsTerminal();
 
+/// How many columns standard output has: what COLUMNS says, else the terminal, else 80.
+int outputWidth();
+
+/// Those of the terminal that is standard output; 0 when it is none, or does not know.
+int terminalWidth();
+
 /// Whether standard output is coloured: on a terminal, unless NO_COLOR is set.
 bool colours();
 

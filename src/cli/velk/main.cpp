@@ -54,8 +54,8 @@ void addCommands(const CommandLine& line, Job& job) {
   for (const auto add :
        {addStatus, addOutputs,    addOutput,      addClock,      addLink,    addLinks,        addPresets,
         addPreset, addSwitchTime, addSwitchTimes, addSimulation, addModules, addInfraredText, addLanguage,
-        addBackup, addDiff,       addRestore,     addWeek,       addPorts,   addReplay,       addWatch,
-        addDoctor, addCompletion, addCall,        addMethods,    addHelp}) {
+        addBackup, addDiff,       addRestore,     addWeek,       addReport,  addPorts,        addReplay,
+        addWatch,  addDoctor,     addCompletion,  addCall,       addMethods, addHelp}) {
     add(line, job);
   }
   for (const auto add : {addApply, addShell}) add(line, job, addCommands);

@@ -1,5 +1,6 @@
 #include "cli/shared/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace velk::cli {
@@ -14,6 +15,11 @@ bool errorIsTerminal() {
 
 bool inputIsTerminal() {
   return isatty(STDIN_FILENO) != 0;
+}
+
+int terminalWidth() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 }  // namespace velk::cli

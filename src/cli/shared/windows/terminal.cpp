@@ -28,4 +28,10 @@ bool inputIsTerminal() {
   return isConsole(STD_INPUT_HANDLE);
 }
 
+int terminalWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  const bool isKnown = GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) != 0;
+  return isKnown ? info.srWindow.Right - info.srWindow.Left + 1 : 0;
+}
+
 }  // namespace velk::cli

@@ -90,6 +90,7 @@ void addRestore(const CommandLine& velk, Job& job);
 void addReplay(const CommandLine& velk, Job& job);
 void addWatch(const CommandLine& velk, Job& job);
 void addWeek(const CommandLine& velk, Job& job);
+void addReport(const CommandLine& velk, Job& job);
 void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);

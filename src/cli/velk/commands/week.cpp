@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 #include "cli/shared/files.h"
+#include "cli/shared/terminal.h"
 #include "cli/velk/commands/command.h"
+#include "cli/velk/connection/link_text.h"
+#include "cli/velk/report/page.h"
+#include "cli/velk/report/week_text.h"
 
 namespace velk::cli {
 namespace {
@@ -27,6 +32,24 @@ std::optional<OutputFile> fileOf(const std::string& path) {
   return std::optional<OutputFile>(std::in_place, path);
 }
 
+std::string svgOf(HouseView& house) {
+  Drawings drawings;
+  for (const Chapter& chapter : weekChapters()) {
+    if (chapter.draw == nullptr) continue;
+    Drawings some = chapter.draw(house, nullptr);
+    std::move(some.begin(), some.end(), std::back_inserter(drawings));
+  }
+  return standAlone(std::move(drawings), "The week, and the links");
+}
+
+/// The picture, then what happens when.
+void print(HouseView& house) {
+  std::cout << textOf(lanesOf(momentsOf(house.week(), house.names())), outputWidth(), colours()) << '\n';
+  for (const Mark& mark : marksOf(house.week(), house.names(), true)) {
+    std::cout << timeOf(mark.days, mark.minute) << (mark.event ? " . " : " # ") << mark.text << '\n';
+  }
+}
+
 int carryOutWeek(const WeekOptions& options) {
   const LinkOptions link = options.link.required();
   const std::array onOutput{options.svg == standardStream, options.html == standardStream, options.json};
@@ -36,13 +59,15 @@ int carryOutWeek(const WeekOptions& options) {
   auto svg = fileOf(options.svg);
   auto html = fileOf(options.html);
   const auto connection = open(link);
-  const Week week = readWeek(connection->serial());
-  if (svg) svg->write(svgOf(week));
-  if (html) html->write(htmlOf(week));
+  OutputNames names(connection->serial());
+  const std::vector<Module> none;
+  HouseView house(connection->serial(), names, none);
+  if (svg) svg->write(svgOf(house));
+  if (html) html->write(pageOf({.title = "The week", .from = {nameOf(link)}}, weekChapters(), house));
   if (options.json) {
-    std::cout << jsonOf(week) << '\n';
+    std::cout << jsonOf(house.week(), house.serial(), names) << '\n';
   } else if (options.svg.empty() && options.html.empty()) {
-    std::cout << gridOf(week);
+    print(house);
   }
   return success;
 }
@@ -51,7 +76,12 @@ int carryOutWeek(const WeekOptions& options) {
 
 void addWeek(const CommandLine& velk, Job& job) {
   addCommand<WeekOptions>(velk, job, "week", "Show the week: switch times and simulation",
-                          "  velk week --simulate\n  velk week --html week.html\n", carryOutWeek);
+                          "  velk week --simulate\n  velk week --html week.html\n"
+                          "\nEach output that is switched has a lane, where days that are the same share a "
+                          "line. The picture is as\n"
+                          "wide as the terminal, from 40 to 200 columns, or as COLUMNS says. \"velk report\" "
+                          "tells of all the house.\n",
+                          carryOutWeek);
 }
 
 }  // namespace velk::cli

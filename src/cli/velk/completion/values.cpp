@@ -225,6 +225,8 @@ constexpr std::array rows{
     Row{"replay", "TRACE", files},
     Row{"diff", "A", files},
     Row{"diff", "B", files},
+    Row{"report", "A", files},
+    Row{"report", "B", files},
     Row{"", "--serial", files},
     Row{"", "--trace", files},
     Row{"", "--link", linkTexts},

@@ -1,9 +1,9 @@
 #include "cli/velk/things/week.h"
 
 #include <algorithm>
-#include <array>
+#include <tuple>
 
-#include "cli/shared/progress.h"
+#include "cli/velk/things/soft_link.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
 
@@ -11,91 +11,125 @@ namespace velk::cli {
 namespace {
 
 constexpr int minutesOfHour = 60;
-constexpr int slotMinutes = 30;
-constexpr int slots = hoursOfDay * minutesOfHour / slotMinutes;
 
-void addSwitchTimes(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
-  for (const int block : counted("switch times", 0, switchTimes - 1)) {
-    const SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
-    for (int day = 0; time.readable && day < weekdays; ++day) {
-      if ((time.days >> day & 1) == 0) continue;
-      marks.push_back({day, time.hour * minutesOfHour + time.minute, false, actionOf(time, names)});
+constexpr Byte onlyDay(int day) {
+  return static_cast<Byte>(1 << day);
+}
+
+std::string clockTime(int minute) {
+  return timeOfDay(minute / minutesOfHour, minute % minutesOfHour);
+}
+
+int minuteOf(const SwitchTime& time) {
+  return time.hour * minutesOfHour + time.minute;
+}
+
+int minuteOf(const Event& event) {
+  return event.hour * minutesOfHour + byteAt(event.record, 0);
+}
+
+/// An action has two bytes, an entry an output in front of them.
+Moment momentOf(const SwitchTime& time, const Bytes& entry, OutputNames& names) {
+  constexpr std::size_t sizeOfAction = 2;
+  Moment moment{.lane = entry, .title = {}, .days = time.days, .minute = minuteOf(time), .text = {}};
+  if (entry.size() <= sizeOfAction) {
+    moment.title = "action " + std::to_string(byteAt(entry, 0)) + "." + numbers(slice(entry, 1));
+    return moment;
+  }
+  moment.lane.resize(1);
+  moment.title = names.titleOf(byteAt(entry, 0));
+  moment.text = numbers(slice(entry, 1));
+  return moment;
+}
+
+int firstOf(Byte days) {
+  int day = 0;
+  while (day < weekdays && (days >> day & 1) == 0) ++day;
+  return day;
+}
+
+/// What both have in common but the days becomes one.
+void fold(std::vector<Mark>& marks) {
+  std::vector<Mark> folded;
+  for (Mark& mark : marks) {
+    const auto same = std::find_if(folded.begin(), folded.end(), [&](const Mark& other) {
+      return std::tie(other.minute, other.event, other.text) ==
+                 std::tie(mark.minute, mark.event, mark.text) &&
+             (other.days & mark.days) == 0;
+    });
+    if (same == folded.end()) {
+      folded.push_back(std::move(mark));
+    } else {
+      same->days = static_cast<Byte>(same->days | mark.days);
     }
   }
-}
-
-void addEvents(Serial& serial, OutputNames& names, std::vector<Mark>& marks) {
-  for (const Event& event : readEvents(serial)) {
-    marks.push_back(
-        {event.day, event.hour * minutesOfHour + byteAt(event.record, 0), true, actionOf(event, names)});
-  }
-}
-
-void addLinks(Serial& serial, OutputNames& names, std::vector<NamedLink>& links) {
-  for (const Byte source : counted("links", linkSources())) {
-    for (const SoftLink& link : readLinks(serial, source)) {
-      links.push_back({link, named(destinationOf(link), destinationName(link, names)), jsonOf(link, names)});
-    }
-  }
-}
-
-std::string timeOf(const Mark& mark) {
-  return timeOfDay(mark.minute / minutesOfHour, mark.minute % minutesOfHour);
-}
-
-/// The rows of the grid, a character each half hour.
-using Rows = std::array<std::string, weekdays>;
-
-Rows rowsOf(const Week& week) {
-  Rows rows;
-  rows.fill(std::string(slots, ' '));
-  for (const Mark& mark : week.marks) {
-    char& cell = rows.at(static_cast<std::size_t>(mark.day))
-                     .at(static_cast<std::size_t>(std::min(mark.minute / slotMinutes, slots - 1)));
-    const char sign = mark.event ? '.' : '#';
-    cell = cell == ' ' || cell == sign ? sign : '*';
-  }
-  return rows;
+  marks = std::move(folded);
 }
 
 }  // namespace
 
 Week readWeek(Serial& serial) {
   Week week;
-  OutputNames names(serial);
-  addSwitchTimes(serial, names, week.marks);
-  addEvents(serial, names, week.marks);
-  std::stable_sort(week.marks.begin(), week.marks.end(), [](const Mark& a, const Mark& b) {
-    return std::pair(a.day, a.minute) < std::pair(b.day, b.minute);
-  });
-  addLinks(serial, names, week.links);
+  for (int block = 0; block < switchTimes; ++block) {
+    SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
+    if (isUsed(time)) week.times.push_back(std::move(time));
+  }
+  week.events = readEvents(serial);
   return week;
 }
 
-std::string gridOf(const Week& week) {
-  std::string text = "     ";
-  for (int hour = 0; hour < hoursOfDay; hour += 3) text += timeOfDay(hour, 0) + " ";
-  text += '\n';
-  int day = 0;
-  for (const std::string& row : rowsOf(week)) text += weekday(day++).substr(0, 3) + " |" + row + "|\n";
-  text += "     # switch time   . simulation   * both\n\n";
-  for (const Mark& mark : week.marks) {
-    text +=
-        weekday(mark.day).substr(0, 3) + " " + timeOf(mark) + (mark.event ? " . " : " # ") + mark.text + "\n";
+std::vector<Moment> momentsOf(const Week& week, OutputNames& names) {
+  std::vector<Moment> moments;
+  for (const SwitchTime& time : week.times) {
+    if (!time.readable || firstOf(time.days) == weekdays) continue;
+    for (const Bytes& entry : entriesOf(time)) moments.push_back(momentOf(time, entry, names));
   }
-  return text;
+  for (const Event& event : week.events) {
+    const Byte output = byteAt(event.record, 2);
+    moments.push_back({.lane = Bytes(1, character(output)),
+                       .title = names.titleOf(output),
+                       .days = onlyDay(event.day),
+                       .minute = minuteOf(event),
+                       .event = true,
+                       .text = numbers(slice(event.record, 3))});
+  }
+  return moments;
 }
 
-Json jsonOf(const Week& week) {
+std::vector<Mark> marksOf(const Week& week, OutputNames& names, bool folded) {
+  std::vector<Mark> marks;
+  for (const SwitchTime& time : week.times) {
+    for (int day = 0; time.readable && day < weekdays; ++day) {
+      if ((time.days >> day & 1) == 0) continue;
+      marks.push_back({.days = onlyDay(day), .minute = minuteOf(time), .text = actionOf(time, names)});
+    }
+  }
+  for (const Event& event : week.events) {
+    marks.push_back({onlyDay(event.day), minuteOf(event), true, actionOf(event, names)});
+  }
+  if (folded) fold(marks);
+  std::stable_sort(marks.begin(), marks.end(), [](const Mark& a, const Mark& b) {
+    return std::pair(firstOf(a.days), a.minute) < std::pair(firstOf(b.days), b.minute);
+  });
+  return marks;
+}
+
+std::string timeOf(Byte days, int minute) {
+  return daysOf(days) + " " + clockTime(minute);
+}
+
+Json jsonOf(const Week& week, Serial& serial, OutputNames& names) {
   Json marks = Json::array();
-  for (const Mark& mark : week.marks) {
-    marks.push_back({{"day", weekday(mark.day)},
-                     {"time", timeOf(mark)},
+  for (const Mark& mark : marksOf(week, names, false)) {
+    marks.push_back({{"day", weekday(firstOf(mark.days))},
+                     {"time", clockTime(mark.minute)},
                      {"kind", mark.event ? "simulation" : "switch time"},
                      {"text", mark.text}});
   }
   Json links = Json::array();
-  for (const NamedLink& link : week.links) links.push_back(link.json);
+  for (const Byte source : linkSources()) {
+    for (const SoftLink& link : readLinks(serial, source)) links.push_back(jsonOf(link, names));
+  }
   return {{"marks", std::move(marks)}, {"links", std::move(links)}};
 }
 

@@ -4,45 +4,48 @@
 #include <vector>
 
 #include "cli/velk/things/event.h"
-#include "cli/velk/things/soft_link.h"
+#include "cli/velk/things/output_names.h"
 #include "cli/velk/things/switch_time.h"
 #include "component/serial.h"
 
-/// The week as a picture.
+/// What happens when: switch times, and the events of the simulation.
 namespace velk::cli {
 
-/// Something that happens in the week.
-struct Mark {
-  int day;     ///< 0 for Monday
-  int minute;  ///< of the day
-  bool event;  ///< of the simulation; else a switch time
-  std::string text;
-};
-
-/// A link with the names that people know.
-struct NamedLink {
-  SoftLink link;
-  std::string destination;  ///< "output 5 Hall ceiling"
-  Json json;
-};
-
 struct Week {
-  std::vector<Mark> marks;
-  std::vector<NamedLink> links;
+  std::vector<SwitchTime> times;  ///< those that are used
+  std::vector<Event> events;
 };
 
 Week readWeek(Serial& serial);
 
-/// A line a day, a column each half hour: "#" a switch time, "." an event of the simulation, "*" both; then
-/// what happens when.
-std::string gridOf(const Week& week);
+/// One thing that is switched at a time of some days.
+struct Moment {
+  Bytes lane;          ///< what is switched: an output's number, or an action's two bytes
+  std::string title;   ///< "output 3 Kitchen ceiling", "action 101.2"
+  Byte days = 0;       ///< bit 0 for Monday
+  int minute = 0;      ///< of the day
+  bool event = false;  ///< of the simulation; else a switch time
+  std::string text;    ///< the two bytes that an output is told
+};
 
-/// The calendar, with the graph of links below it.
-std::string svgOf(const Week& week);
+/// All of the week, an entry of a switch time each; in no order.
+std::vector<Moment> momentsOf(const Week& week, OutputNames& names);
 
-/// A page that needs no other file.
-std::string htmlOf(const Week& week);
+/// What a switch time or an event does, on the days on which it does the same at the same time.
+struct Mark {
+  Byte days = 0;
+  int minute = 0;
+  bool event = false;
+  std::string text;  ///< "output 3 Kitchen ceiling: 255 2; output 7 Bedroom shutter: 0 4"
+};
 
-Json jsonOf(const Week& week);
+/// In the order of days and times; equal ones of several days are one, a day each when they are not `folded`.
+std::vector<Mark> marksOf(const Week& week, OutputNames& names, bool folded);
+
+/// "Mon-Fri 07:30".
+std::string timeOf(Byte days, int minute);
+
+/// With the links.
+Json jsonOf(const Week& week, Serial& serial, OutputNames& names);
 
 }  // namespace velk::cli

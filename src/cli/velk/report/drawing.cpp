@@ -1,0 +1,54 @@
+#include "cli/velk/report/drawing.h"
+
+#include <algorithm>
+
+namespace velk::cli {
+namespace {
+
+/// Fonts differ: rather too much than words across each other. Of two characters:
+constexpr int widthOfTwo = 13;
+
+bool startsCharacter(char c) {
+  return (c & '\xC0') != '\x80';
+}
+
+}  // namespace
+
+Element rectangle(const char* style, int x, int y, int width, int height, int radius) {
+  return Element("rect", {{"class", style},
+                          {"x", std::to_string(x)},
+                          {"y", std::to_string(y)},
+                          {"width", std::to_string(width)},
+                          {"height", std::to_string(height)},
+                          {"rx", std::to_string(radius)}});
+}
+
+Element path(const char* style, const std::string& way) {
+  return Element("path", {{"class", style}, {"d", way}});
+}
+
+Element words(const char* style, int x, int y, const std::string& text) {
+  Element::Attributes attributes{{"x", std::to_string(x)}, {"y", std::to_string(y)}};
+  if (*style != '\0') attributes.emplace(attributes.begin(), "class", style);
+  return {"text", std::move(attributes), text};
+}
+
+int widthOf(std::string_view text) {
+  return widthOfTwo * static_cast<int>(std::count_if(text.begin(), text.end(), startsCharacter)) / 2;
+}
+
+std::string fitted(const std::string& text, int width) {
+  if (widthOf(text) <= width) return text;
+  std::string cut;
+  for (const char c : text) {
+    if (startsCharacter(c) && widthOf(cut) + widthOfTwo > width) break;
+    cut += c;
+  }
+  return cut + "\u2026";
+}
+
+Element tip(const std::string& text) {
+  return {"title", text};
+}
+
+}  // namespace velk::cli

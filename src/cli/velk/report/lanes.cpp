@@ -1,0 +1,110 @@
+#include "cli/velk/report/lanes.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+#include "cli/velk/things/words.h"
+
+namespace velk::cli {
+namespace {
+
+/// Outputs in front of actions.
+struct LaneKey {
+  std::size_t kind;
+  Bytes lane;
+
+  auto operator<=>(const LaneKey&) const = default;
+};
+
+struct Days {
+  std::string title;
+  std::array<std::vector<Spot>, weekdays> spots;
+};
+
+using LaneMap = std::map<LaneKey, Days>;
+
+LaneMap sorted(const std::vector<Moment>& moments) {
+  LaneMap lanes;
+  for (const Moment& moment : moments) {
+    Days& days = lanes[{moment.lane.size(), moment.lane}];
+    days.title = moment.title;
+    for (int day = 0; day < weekdays; ++day) {
+      if ((moment.days >> day & 1) == 0) continue;
+      days.spots.at(static_cast<std::size_t>(day)).push_back({moment.minute, moment.event, moment.text});
+    }
+  }
+  for (auto& [key, days] : lanes) {
+    for (std::vector<Spot>& spots : days.spots) std::sort(spots.begin(), spots.end());
+  }
+  return lanes;
+}
+
+/// Equal days become one row.
+std::vector<LaneDays> rowsOf(const Days& days) {
+  std::vector<LaneDays> rows;
+  for (std::size_t day = 0; day < weekdays; ++day) {
+    const std::vector<Spot>& spots = days.spots.at(day);
+    if (spots.empty()) continue;
+    auto same =
+        std::find_if(rows.begin(), rows.end(), [&](const LaneDays& row) { return row.spots == spots; });
+    if (same == rows.end()) same = rows.insert(rows.end(), {.days = 0, .spots = spots});
+    same->days = static_cast<Byte>(same->days | 1 << day);
+  }
+  return rows;
+}
+
+bool holds(const std::vector<LaneDays>& rows, const LaneDays& wanted) {
+  return std::any_of(rows.begin(), rows.end(), [&](const LaneDays& row) {
+    return row.days == wanted.days && row.spots == wanted.spots;
+  });
+}
+
+std::vector<LaneDays> merged(const std::vector<LaneDays>& was, const std::vector<LaneDays>& is) {
+  std::vector<LaneDays> rows;
+  for (LaneDays row : was) {
+    if (holds(is, row)) continue;
+    row.side = Side::was;
+    rows.push_back(std::move(row));
+  }
+  for (LaneDays row : is) {
+    row.side = holds(was, row) ? Side::both : Side::is;
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+}  // namespace
+
+std::vector<Lane> lanesOf(const std::vector<Moment>& moments) {
+  std::vector<Lane> lanes;
+  for (const auto& [key, days] : sorted(moments)) lanes.push_back({days.title, rowsOf(days)});
+  return lanes;
+}
+
+std::vector<Lane> lanesOf(const std::vector<Moment>& was, const std::vector<Moment>& is) {
+  LaneMap before = sorted(was);
+  LaneMap now = sorted(is);
+  for (const auto& [key, days] : before) now.try_emplace(key, Days{.title = days.title, .spots = {}});
+  std::vector<Lane> lanes;
+  for (const auto& [key, days] : now) {
+    lanes.push_back({days.title, merged(rowsOf(before[key]), rowsOf(days))});
+  }
+  return lanes;
+}
+
+std::string textOf(const LaneDays& row) {
+  std::string text = daysOf(row.days) + (row.side == Side::both  ? ""
+                                         : row.side == Side::was ? " was"
+                                                                 : " is");
+  const char* gap = ": ";
+  for (const Spot& spot : row.spots) {
+    text += gap + std::string(spot.event ? "simulation " : "switch time ") +
+            timeOfDay(spot.minute / minutesOfHour, spot.minute % minutesOfHour) +
+            (spot.text.empty() ? "" : " " + spot.text);
+    gap = ", ";
+  }
+  return text;
+}
+
+}  // namespace velk::cli
