@@ -102,6 +102,11 @@ def line(*values):
     return bytes(values).ljust(16, b"\0").hex()
 
 
+def backup(memory, events, begun="2024-03-04 10:20:30"):
+    return json.dumps({"format": "velk-backup", "version": 1, "begun": begun, "link": "<x>&", "complete": True,
+                       "memory": {"V": memory, "H": {}, "H+": events}, "modules": []})
+
+
 def full_house():
     """A hundred links of 25 sources, a switch time in each block, events in each hour, names to be escaped."""
     memory, events = {}, {}
@@ -120,8 +125,13 @@ def full_house():
         for hour in range(24):
             events[f"{day * 36 + hour // 10 * 16 + hour % 10:02x}00"] = line(
                 0, 0x30, 3 + hour % 6, 255, 2, 0x30, 0x15, 3 + day, 0, 2, 0x59, 0, 3 + hour % 4, 100, 2, 255)
-    return json.dumps({"format": "velk-backup", "version": 1, "begun": "2024-03-04 10:20:30", "link": "", "complete": True,
-                       "memory": {"V": memory, "H": {}, "H+": events}, "modules": []})
+    return backup(memory, events)
+
+
+def odd_house():
+    """Bytes that are no events, no switch time and no mode, and a date that is none."""
+    return backup({"0500": line(0, 200), "80c0": line(*[0] * 8, 127, 170, 170, 5, 255, 255)},
+                  {"1800": line(0xAA, 0xBB, 3, 255, 2, 255)}, "\0<b>")
 
 
 def run(*words):
@@ -130,8 +140,10 @@ def run(*words):
 
 with tempfile.TemporaryDirectory() as folder:
     (pathlib.Path(folder) / "full.json").write_text(full_house())
+    (pathlib.Path(folder) / "odd.json").write_text(odd_house())
     run("backup", "--simulate", "--modules", "090500,110100", "house.json")
     pages = {"house": run("report", "house.json", "--title", b"<&\"'\x07\xff\xc0\xaf\xed\xa0\x80>", "-o", "-"),
+             "odd": run("report", "odd.json", "-o", "-"),
              "full": run("report", "full.json", "-o", "-"),
              "changes": run("report", "house.json", "full.json", "-o", "-"),
              "week": run("week", "--link", "backup:full.json", "--html", "-")}
@@ -141,6 +153,9 @@ with tempfile.TemporaryDirectory() as folder:
     faults += [] if picture.tag == "{http://www.w3.org/2000/svg}svg" else ["the picture is none"]
     for wanted in ('aria-labelledby="links-25-title links-25-words"', "&lt;Bath &amp; &quot;Spa&quot;\\x00\\x1b\\x81", '<a href="#links">Links</a>\n<span>100</span>'):
         faults += [] if wanted in pages["full"] else [f"full: there is no {wanted}"]
+    for wanted in ("saved \ufffd&lt;b&gt; from &lt;x&gt;&amp;<", "<span>Mon 18:00</span></th><td data-h=\"Events\"><span>not readable<",
+                   "<span>(not readable)<"):
+        faults += [] if wanted in pages["odd"] else [f"odd: there is no {wanted}"]
     escaped = "&lt;&amp;&quot;'" + 5 * "\ufffd" + "&gt;"
     faults += [] if f"<h1>{escaped}</h1>" in pages["house"] else ["house: the title is not escaped"]
 sys.exit("\n".join(faults) or None)

@@ -61,7 +61,7 @@ int carryOutWeek(const WeekOptions& options) {
   const auto connection = open(link);
   OutputNames names(connection->serial());
   const std::vector<Module> none;
-  HouseView house(connection->serial(), names, none);
+  HouseView house(connection->serial(), names, none, Unreadable::fails);
   if (svg) svg->write(svgOf(house));
   if (html) html->write(pageOf({.title = "The week", .from = {nameOf(link)}}, weekChapters(), house));
   if (options.json) {

@@ -206,6 +206,9 @@ Rows readSimulation(HouseView& house) {
     }
     rows.push_back({keyOf(output), {cellOf(house.names().titleOf(output)), {std::move(details)}}, count});
   }
+  for (const std::string& hour : house.week().unreadable) {
+    rows.push_back({hour, {cellOf(hour), cellOf("not readable")}});
+  }
   return rows;
 }
 

@@ -3,7 +3,7 @@
 namespace velk::cli {
 
 const Week& HouseView::week() {
-  if (!week_) week_ = readWeek(serial_);
+  if (!week_) week_ = readWeek(serial_, unreadable_);
   return *week_;
 }
 

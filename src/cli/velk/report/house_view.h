@@ -15,8 +15,9 @@ namespace velk::cli {
 class HouseView {
  public:
   /// Names are those of one house in all of a comparison, so that a new name changes the output alone.
-  HouseView(Serial& serial, OutputNames& names, const std::vector<Module>& modules)
-      : serial_(serial), names_(names), modules_(modules) {}
+  HouseView(Serial& serial, OutputNames& names, const std::vector<Module>& modules,
+            Unreadable unreadable = Unreadable::isNoted)
+      : serial_(serial), names_(names), modules_(modules), unreadable_(unreadable) {}
 
   [[nodiscard]] Serial& serial() { return serial_; }
   [[nodiscard]] OutputNames& names() { return names_; }
@@ -28,6 +29,7 @@ class HouseView {
   Serial& serial_;
   OutputNames& names_;
   const std::vector<Module>& modules_;
+  Unreadable unreadable_;
   std::optional<Week> week_;
   std::optional<std::vector<SoftLink>> links_;
 };

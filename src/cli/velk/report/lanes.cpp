@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <tuple>
 
 #include "cli/velk/things/words.h"
 
@@ -22,6 +23,10 @@ struct Days {
   std::array<std::vector<Spot>, weekdays> spots;
 };
 
+bool isBefore(const Spot& a, const Spot& b) {
+  return std::tie(a.minute, a.event, a.text) < std::tie(b.minute, b.event, b.text);
+}
+
 using LaneMap = std::map<LaneKey, Days>;
 
 LaneMap sorted(const std::vector<Moment>& moments) {
@@ -35,7 +40,7 @@ LaneMap sorted(const std::vector<Moment>& moments) {
     }
   }
   for (auto& [key, days] : lanes) {
-    for (std::vector<Spot>& spots : days.spots) std::sort(spots.begin(), spots.end());
+    for (std::vector<Spot>& spots : days.spots) std::sort(spots.begin(), spots.end(), isBefore);
   }
   return lanes;
 }

@@ -20,7 +20,7 @@ struct Spot {
   bool event = false;
   std::string text;
 
-  auto operator<=>(const Spot&) const = default;
+  friend bool operator==(const Spot&, const Spot&) = default;
 };
 
 /// Days on which a lane has the same spots.

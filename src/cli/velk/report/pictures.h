@@ -31,7 +31,7 @@ struct DrawnLink {
 Drawing draw(const std::vector<DrawnLink>& links);
 
 /// "output 5 Hall ceiling, rising, parameters 3, 10".
-std::string wordsOf(const DrawnLink& link);
+std::string wordsOf(const DrawnLink& drawn);
 
 /// A drawing as a picture of a page. `id` is its own there.
 Element inlined(Drawing drawing, const std::string& id);

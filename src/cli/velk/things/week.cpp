@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <tuple>
 
+#include "cli/shared/failure.h"
 #include "cli/velk/things/soft_link.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
+#include "values/result.h"
 
 namespace velk::cli {
 namespace {
@@ -68,13 +70,23 @@ void fold(std::vector<Mark>& marks) {
 
 }  // namespace
 
-Week readWeek(Serial& serial) {
+Week readWeek(Serial& serial, Unreadable unreadable) {
   Week week;
   for (int block = 0; block < switchTimes; ++block) {
     SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     if (isUsed(time)) week.times.push_back(std::move(time));
   }
-  week.events = readEvents(serial);
+  for (Byte day = 0; day < weekdays; ++day) {
+    for (Byte hour = 0; hour < hoursOfDay; ++hour) {
+      try {
+        const std::vector<Event> events = readEvents(serial, day, hour);
+        week.events.insert(week.events.end(), events.begin(), events.end());
+      } catch (const Failure& failure) {
+        if (unreadable == Unreadable::fails || failure.result != otherFailure) throw;
+        week.unreadable.push_back(timeOf(onlyDay(day), hour * minutesOfHour));
+      }
+    }
+  }
   return week;
 }
 

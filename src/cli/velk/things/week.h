@@ -14,9 +14,13 @@ namespace velk::cli {
 struct Week {
   std::vector<SwitchTime> times;  ///< those that are used
   std::vector<Event> events;
+  std::vector<std::string> unreadable;  ///< hours whose bytes are no events: "Mon 18:00"
 };
 
-Week readWeek(Serial& serial);
+/// What hours with bytes that are no events lead to.
+enum class Unreadable : bool { fails, isNoted };
+
+Week readWeek(Serial& serial, Unreadable unreadable = Unreadable::fails);
 
 /// One thing that is switched at a time of some days.
 struct Moment {
