@@ -59,6 +59,13 @@ std::vector<LaneDays> rowsOf(const Days& days) {
   return rows;
 }
 
+Days only(bool events, Days days) {
+  for (std::vector<Spot>& spots : days.spots) {
+    std::erase_if(spots, [&](const Spot& spot) { return spot.event != events; });
+  }
+  return days;
+}
+
 bool holds(const std::vector<LaneDays>& rows, const LaneDays& wanted) {
   return std::any_of(rows.begin(), rows.end(), [&](const LaneDays& row) {
     return row.days == wanted.days && row.spots == wanted.spots;
@@ -93,7 +100,12 @@ std::vector<Lane> lanesOf(const std::vector<Moment>& was, const std::vector<Mome
   for (const auto& [key, days] : before) now.try_emplace(key, Days{.title = days.title, .spots = {}});
   std::vector<Lane> lanes;
   for (const auto& [key, days] : now) {
-    lanes.push_back({days.title, merged(rowsOf(before[key]), rowsOf(days))});
+    Lane lane{.title = days.title, .rows = {}};
+    for (const bool events : {false, true}) {
+      const auto rows = merged(rowsOf(only(events, before[key])), rowsOf(only(events, days)));
+      lane.rows.insert(lane.rows.end(), rows.begin(), rows.end());
+    }
+    lanes.push_back(std::move(lane));
   }
   return lanes;
 }
