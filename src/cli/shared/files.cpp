@@ -1,5 +1,7 @@
 #include "cli/shared/files.h"
 
+#include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include "cli/shared/failure.h"
@@ -25,7 +27,18 @@ auto named(const std::string& path, Use use) {
   }
 }
 
+std::filesystem::path pathOf(const std::string& name) {
+  return std::u8string(name.begin(), name.end());
+}
+
 }  // namespace
+
+void requireApart(const std::string& read, const std::string& written) {
+  std::error_code none;
+  if (std::filesystem::equivalent(pathOf(read), pathOf(written), none)) {
+    throw std::invalid_argument(read + " is read, and would be lost under " + written);
+  }
+}
 
 std::string readFile(const std::string& path) {
   return named(path, [&] { return system::read(path, largestFile); });

@@ -18,6 +18,9 @@ std::string readFile(const std::string& path);
 /// Likewise; nothing when there is no such file.
 std::optional<std::string> readFileIfThere(const std::string& path);
 
+/// Throws std::invalid_argument with a sentence when what is read and what is to be written are the same file.
+void requireApart(const std::string& read, const std::string& written);
+
 /// Gives a file another name that is free ("house.json.part.1") and returns that name.
 std::string putAside(const std::string& path);
 

@@ -1,5 +1,3 @@
-#include <optional>
-
 #include "cli/shared/files.h"
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/offline.h"
@@ -48,7 +46,8 @@ std::string nameOfFile(const std::string& path) {
   return name;
 }
 
-Told fromFile(const std::string& path) {
+Told fromFile(const ReportOptions& options, const std::string& path) {
+  requireApart(path, options.output);
   Backup backup = loadBackup(path);
   std::string from = path;
   if (!backup.begun.empty()) from += ", saved " + backup.begun;
@@ -64,7 +63,7 @@ std::string titleOf(const LinkChoice& choice, const LinkOptions& link) {
 /// With the modules that are asked for, and those of `like`.
 Told fromLink(const ReportOptions& options, const Backup* like) {
   const LinkOptions link = options.link.required();
-  if (!link.backup.empty()) return fromFile(link.backup);
+  if (!link.backup.empty()) return fromFile(options, link.backup);
   const std::string name = nameOf(link);
   const auto connection = open(link);
   Backup wanted;
@@ -105,8 +104,8 @@ std::string carriedOut(const ReportOptions& options) {
     throw std::invalid_argument("--modules needs a link; a backup holds its own");
   }
   if (options.a.empty()) return pageOf(options, fromLink(options, nullptr));
-  const Told first = fromFile(options.a);
-  if (!options.b.empty()) return pageOf(options, first, fromFile(options.b));
+  const Told first = fromFile(options, options.a);
+  if (!options.b.empty()) return pageOf(options, first, fromFile(options, options.b));
   if (linked) return pageOf(options, first, fromLink(options, &first.backup));
   return pageOf(options, first);
 }

@@ -56,6 +56,7 @@ int carryOutWeek(const WeekOptions& options) {
   if (std::count(onOutput.begin(), onOutput.end(), true) > 1) {
     throw std::invalid_argument("standard output takes one of --svg, --html and --json");
   }
+  for (const std::string& written : {options.svg, options.html}) requireApart(link.backup, written);
   auto svg = fileOf(options.svg);
   auto html = fileOf(options.html);
   const auto connection = open(link);
