@@ -1,6 +1,7 @@
 #include "cli/velk/backup/describe.h"
 
 #include <array>
+#include <cstdlib>
 
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/connection/transfer.h"
@@ -76,9 +77,8 @@ Details describeSwitchTime(Serial& serial, int block) {
 
 Details describeEvents(Serial& serial, int number) {
   OutputNames names(serial);
-  return detailsOf(
-      readEvents(serial, static_cast<Byte>(number / hoursOfDay), static_cast<Byte>(number % hoursOfDay)),
-      names);
+  const auto [day, hour] = std::div(number, hoursOfDay);
+  return detailsOf(readHour(serial, static_cast<Byte>(day), static_cast<Byte>(hour)).events, names);
 }
 
 Details describeInfrared(Serial& serial, int number) {

@@ -98,7 +98,7 @@ std::string pageOf(const ReportOptions& options, const Told& before, const Told&
 }
 
 std::string carriedOut(const ReportOptions& options) {
-  const bool linked = options.link.isGiven();
+  const bool linked = options.link.namesLink();
   if (!options.b.empty() && linked) throw std::invalid_argument("two backups take no link");
   if (!options.modules.empty() && !options.a.empty() && !linked) {
     throw std::invalid_argument("--modules needs a link; a backup holds its own");

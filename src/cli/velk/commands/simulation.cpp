@@ -161,7 +161,8 @@ RecordedHour hourWith(const std::vector<TypedEvent>& typed, Byte day, Byte hour,
 
 Hours readHours(Serial& serial, const WantedEvents& wanted) {
   Hours hours;
-  for (const Byte day : daysIn(wanted)) hours.push_back(readHour(serial, day, *wanted.hour));
+  for (const Byte day : daysIn(wanted))
+    hours.push_back(readHour(serial, day, *wanted.hour, Unreadable::isNoted));
   return hours;
 }
 
@@ -196,7 +197,7 @@ int carryOutSimulation(const SimulationOptions& options) {
   Json json = Json::array();
   Table table({"Day", "Time", "Event"});
   for (const auto& [day, hour] : counted("simulation", hoursIn(wanted))) {
-    for (const Event& event : readEvents(serial, day, hour)) {
+    for (const Event& event : readHour(serial, day, hour).events) {
       json.push_back(jsonOf(event, names));
       table.add({weekday(day), timeOf(event), actionOf(event, names)});
     }

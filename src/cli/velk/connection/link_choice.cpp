@@ -84,7 +84,7 @@ std::optional<LinkOptions> LinkChoice::withoutTrace() const {
   if (const SharedLink* const shared = SharedLink::current()) return shared->link();
   if (!text_.empty()) return parseLink(text_);
   if (!house_.empty()) return houseNamed(house_);
-  if (!isGiven()) {
+  if (!namesLink()) {
     const auto text = environment("VELK_LINK");
     if (!text || text->empty()) return std::nullopt;
     // Left out it would be the wrong controller, and which of two is meant is no guess of ours.
@@ -98,11 +98,6 @@ std::optional<LinkOptions> LinkChoice::withoutTrace() const {
   link.baud = static_cast<std::int16_t>(baud_);
   link.busAddress = static_cast<Byte>(busAddress_);
   return link;
-}
-
-bool LinkChoice::isGiven() const {
-  return options_.simulate ||
-         !(options_.tcp.empty() && options_.serial.empty() && text_.empty() && house_.empty());
 }
 
 LinkOptions LinkChoice::required() const {

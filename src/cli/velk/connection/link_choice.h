@@ -35,9 +35,6 @@ class LinkChoice {
   /// The link that a command cannot do without. Throws std::invalid_argument as well when there is none.
   [[nodiscard]] LinkOptions required() const;
 
-  /// Whether options name a link: the environment does not count.
-  [[nodiscard]] bool isGiven() const;
-
   /// The house that --house names; empty without it.
   [[nodiscard]] const std::string& house() const { return house_; }
 

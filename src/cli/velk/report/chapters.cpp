@@ -137,13 +137,13 @@ Rows readPresets(HouseView& house) {
     const Preset preset = readPreset(house.serial(), number);
     if (!isUsed(preset)) continue;
     Details records;
-    for (const Preset::Record& record : preset.records) {
-      records.push_back({named("record " + std::to_string(record.number), house.names().of(record.number)),
-                         numbers(record.bytes)});
+    for (const auto& [record, bytes] : preset.records) {
+      records.push_back(
+          {named("record " + std::to_string(record), house.names().of(record)), numbers(bytes)});
     }
     const std::string second = preset.delay2 == 0 ? "" : " and " + std::to_string(preset.delay2);
     rows.push_back({keyOf(number),
-                    {cellOf(named(std::to_string(number), preset.text)),
+                    {cellOf(named(std::to_string(number), textOf(preset))),
                      cellOf(std::to_string(preset.delay1) + second),
                      cellOf(preset.simulated ? "yes" : "no"),
                      {std::move(records)}}});

@@ -1,6 +1,5 @@
 #include "cli/velk/things/event.h"
 
-#include "cli/shared/progress.h"
 #include "cli/velk/connection/expect_done.h"
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/things/words.h"
@@ -16,13 +15,13 @@ std::string readingOf(const RecordedHour& list) {
 
 }  // namespace
 
-RecordedHour readHour(Serial& serial, Byte day, Byte hour) {
+RecordedHour readHour(Serial& serial, Byte day, Byte hour, Unreadable unreadable) {
   constexpr std::size_t recordSize = 5;
   RecordedHour list{.day = day, .hour = hour};
   Bytes data;
   const Byte result = retry().read([&] { return serial.Simulation("R", day, hour, data); });
   list.readable = result != otherFailure;  // what is stored there are no events
-  if (!list.readable) return list;
+  if (!list.readable && unreadable == Unreadable::isNoted) return list;
   expectDone(result, readingOf(list));
   for (std::size_t i = 0; i + recordSize <= data.size(); i += recordSize) {
     Bytes record = data.substr(i, recordSize);
@@ -36,22 +35,6 @@ Byte writeHour(Serial& serial, const RecordedHour& list) {
   Bytes data;
   for (const Event& event : list.events) data += event.record;
   return serial.Simulation("W", list.day, list.hour, data);
-}
-
-std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour) {
-  RecordedHour list = readHour(serial, day, hour);
-  if (!list.readable) expectDone(otherFailure, readingOf(list));
-  return std::move(list.events);
-}
-
-std::vector<Event> readEvents(Serial& serial) {
-  std::vector<Event> week;
-  for (const int hour : counted("simulation", 0, weekdays * hoursOfDay - 1)) {
-    const std::vector<Event> events =
-        readEvents(serial, static_cast<Byte>(hour / hoursOfDay), static_cast<Byte>(hour % hoursOfDay));
-    week.insert(week.end(), events.begin(), events.end());
-  }
-  return week;
 }
 
 std::string timeOf(const Event& event) {

@@ -32,17 +32,14 @@ struct RecordedHour {
 /// An hour has no room for more.
 constexpr std::size_t eventsOfHour = 51;
 
-/// Reads the events of an hour; records of zeros, as an empty controller holds them, are left out.
-RecordedHour readHour(Serial& serial, Byte day, Byte hour);
+/// What bytes that are no events lead to.
+enum class Unreadable : bool { fails, isNoted };
+
+/// Reads the events of an hour; records of zeros, as an empty controller holds them, are left out. Throws `Failure`.
+RecordedHour readHour(Serial& serial, Byte day, Byte hour, Unreadable unreadable = Unreadable::fails);
 
 /// Writes them by `Simulation`, whose result it returns.
 Byte writeHour(Serial& serial, const RecordedHour& list);
-
-/// The events of a weekday and hour. Throws `Failure` when they are none.
-std::vector<Event> readEvents(Serial& serial, Byte day, Byte hour);
-
-/// The events of the whole week.
-std::vector<Event> readEvents(Serial& serial);
 
 /// "18:15:30".
 std::string timeOf(const Event& event);

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <tuple>
 
-#include "cli/shared/failure.h"
+#include "cli/shared/progress.h"
 #include "cli/velk/things/soft_link.h"
 #include "cli/velk/things/words.h"
 #include "values/numbers.h"
-#include "values/result.h"
 
 namespace velk::cli {
 namespace {
@@ -72,20 +71,15 @@ void fold(std::vector<Mark>& marks) {
 
 Week readWeek(Serial& serial, Unreadable unreadable) {
   Week week;
-  for (int block = 0; block < switchTimes; ++block) {
+  for (const int block : counted("switch times", 0, switchTimes - 1)) {
     SwitchTime time = readSwitchTime(serial, static_cast<Byte>(block));
     if (isUsed(time)) week.times.push_back(std::move(time));
   }
-  for (Byte day = 0; day < weekdays; ++day) {
-    for (Byte hour = 0; hour < hoursOfDay; ++hour) {
-      try {
-        const std::vector<Event> events = readEvents(serial, day, hour);
-        week.events.insert(week.events.end(), events.begin(), events.end());
-      } catch (const Failure& failure) {
-        if (unreadable == Unreadable::fails || failure.result != otherFailure) throw;
-        week.unreadable.push_back(timeOf(onlyDay(day), hour * minutesOfHour));
-      }
-    }
+  for (const int number : counted("simulation", 0, weekdays * hoursOfDay - 1)) {
+    const RecordedHour list = readHour(serial, static_cast<Byte>(number / hoursOfDay),
+                                       static_cast<Byte>(number % hoursOfDay), unreadable);
+    week.events.insert(week.events.end(), list.events.begin(), list.events.end());
+    if (!list.readable) week.unreadable.push_back(timeOf(onlyDay(list.day), list.hour * minutesOfHour));
   }
   return week;
 }

@@ -17,9 +17,6 @@ struct Week {
   std::vector<std::string> unreadable;  ///< hours whose bytes are no events: "Mon 18:00"
 };
 
-/// What hours with bytes that are no events lead to.
-enum class Unreadable : bool { fails, isNoted };
-
 Week readWeek(Serial& serial, Unreadable unreadable = Unreadable::fails);
 
 /// One thing that is switched at a time of some days.
