@@ -20,6 +20,7 @@ class Clock final : public Device {
   [[nodiscard]] bool covers(Address byte) const override;
   void beforeRead(Store& store, const Transfer& transfer) override;
   void beforeWrite(Store& store, const Transfer& transfer) override;
+  void refresh(Store& store) override { catchUp(store); }
 
  private:
   void catchUp(Store& store);

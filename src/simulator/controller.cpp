@@ -52,6 +52,12 @@ Store Controller::snapshot() const {
   return store_;
 }
 
+void Controller::between(const std::function<void(Store&)>& work) {
+  const std::lock_guard lock(mutex_);
+  for (const auto& device : devices_) device->refresh(store_);
+  work(store_);
+}
+
 std::vector<Device*> Controller::devicesIn(const Transfer& transfer) const {
   std::vector<Device*> found;
   for (const auto& device : devices_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -49,6 +50,10 @@ class Device {
   /// A transfer that touches the device is about to be written, and has been written.
   virtual void beforeWrite(Store& /*store*/, const Transfer& /*transfer*/) {}
   virtual void afterWrite(Store& /*store*/, const Transfer& /*transfer*/) {}
+
+  /// Somebody who is no host is about to look: what runs by itself is brought up to date, and nothing counts
+  /// as read.
+  virtual void refresh(Store& /*store*/) {}
 };
 
 /// The simulated controller: four areas, and the devices inside them. Safe for several threads.
@@ -65,6 +70,10 @@ class Controller {
 
   /// A copy of the whole memory as it is now.
   [[nodiscard]] Store snapshot() const;
+
+  /// Lets somebody who is no host look at the memory and the devices, or change them, between two requests.
+  /// `work` must not call the controller.
+  void between(const std::function<void(Store&)>& work);
 
  private:
   [[nodiscard]] std::vector<Device*> devicesIn(const Transfer& transfer) const;

@@ -101,12 +101,14 @@ Fault parseFault(std::string_view text) {
   return {.kind = &kind, .argument = argumentOf(kind, given, text), .first = first, .last = last};
 }
 
+void apply(const Fault& fault, unsigned request, Counts counts, Plan& plan) {
+  if (fault.kind->counts != counts) return;
+  if (request >= fault.first && request <= fault.last) fault.kind->apply(plan, fault.argument);
+}
+
 Plan Faults::planFor(unsigned request, Counts counts) const {
   Plan plan;
-  for (const Fault& fault : faults_) {
-    if (fault.kind->counts != counts) continue;
-    if (request >= fault.first && request <= fault.last) fault.kind->apply(plan, fault.argument);
-  }
+  for (const Fault& fault : faults_) apply(fault, request, counts, plan);
   return plan;
 }
 

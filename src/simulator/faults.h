@@ -60,6 +60,9 @@ struct Fault {
 /// what is wrong.
 Fault parseFault(std::string_view text);
 
+/// Adds a fault to the plan for a request that it names.
+void apply(const Fault& fault, unsigned request, Counts counts, Plan& plan);
+
 /// The faults of a session.
 class Faults {
  public:

@@ -143,8 +143,14 @@ std::string describe(const ModuleRequest& request) {
   return "module " + zeroPadded(request.serial, digits) + ": " + describeAction(request);
 }
 
-MailboxDevice::MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace)
-    : modules_(std::move(modules)), faults_(std::move(faults)), trace_(std::move(trace)) {}
+MailboxDevice::MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace, Watch* watch)
+    : modules_(std::move(modules)), faults_(std::move(faults)), trace_(std::move(trace)), watch_(watch) {}
+
+void MailboxDevice::replace(std::vector<SimulatedModule> modules) {
+  const int serial = module_ == nullptr ? 0 : module_->serial();
+  modules_ = std::move(modules);
+  if (module_ != nullptr) module_ = find(serial);
+}
 
 bool MailboxDevice::covers(Address at) const {
   return at == triggerPlace || at == headerPlace;
@@ -171,6 +177,10 @@ void MailboxDevice::start(Store& store) {
   if (!isWellFormed) request_.action = Action::unknown;
   if (trace_) trace_(describe(request_));
   plan_ = faults_.planFor(++requests_, Counts::moduleRequests);
+  if (watch_ != nullptr) {
+    watch_->log.add(LoggedRequest::ofNote(noConnection, describe(request_)));
+    watch_->faults.next(Counts::moduleRequests, plan_);
+  }
   replyCode_.reset();
   waiting_ = true;
   if (!plan_.stuck && plan_.busy == 0) answer(store);

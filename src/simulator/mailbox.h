@@ -7,6 +7,7 @@
 #include "simulator/faults.h"
 #include "simulator/module.h"
 #include "simulator/trace.h"
+#include "simulator/watch.h"
 
 namespace velk::simulator {
 
@@ -60,10 +61,14 @@ std::string describe(const ModuleRequest& request);
 /// A request needs the marker 222 in front, or must repeat the one before it.
 class MailboxDevice final : public Device {
  public:
-  MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace);
+  /// `watch`, when there is one, outlives the device.
+  MailboxDevice(std::vector<SimulatedModule> modules, Faults faults, Trace trace, Watch* watch = nullptr);
 
   [[nodiscard]] bool covers(Address at) const override;
   [[nodiscard]] const std::vector<SimulatedModule>& modules() const { return modules_; }
+
+  /// Puts others in their place; a request that is under way is for the one with its number.
+  void replace(std::vector<SimulatedModule> modules);
 
   void beforeRead(Store& store, const Transfer& transfer) override;
   void afterWrite(Store& store, const Transfer& transfer) override;
@@ -80,6 +85,7 @@ class MailboxDevice final : public Device {
   std::vector<SimulatedModule> modules_;
   Faults faults_;
   Trace trace_;
+  Watch* watch_;
   unsigned requests_ = 0;
   Bytes lastHeader_;  ///< without the marker
   SimulatedModule* module_ = nullptr;

@@ -14,10 +14,32 @@ void append(Deliveries& out, Deliveries more) {
   for (Delivery& delivery : more) out.push_back(std::move(delivery));
 }
 
+Plan Session::nextPlan() {
+  Plan plan = options_.faults.planFor(++requests_);
+  if (options_.watch != nullptr) options_.watch->faults.next(Counts::requests, plan);
+  return plan;
+}
+
+Plan Session::loginPlan() const {
+  Plan plan = options_.faults.planFor(0);
+  if (options_.watch != nullptr) options_.watch->faults.login(plan);
+  return plan;
+}
+
+void Session::note(const std::string& line) const {
+  if (options_.trace) options_.trace(line);
+  if (options_.watch != nullptr) options_.watch->log.add(LoggedRequest::ofNote(connection_->id, line));
+}
+
 Reply Session::answer(const link::Request& request, const Plan& plan) {
   Reply reply = plan.status ? refusal(request, *plan.status) : controller_.answer(request);
   if (options_.trace) {
-    note(describe(request) + " -> " + describe(reply) + (misbehaves(plan) ? " (faulty reply)" : ""));
+    options_.trace(describe(request) + " -> " + describe(reply) +
+                   (misbehaves(plan) ? " (faulty reply)" : ""));
+  }
+  if (options_.watch != nullptr) {
+    connection_->requests.fetch_add(1, std::memory_order_relaxed);
+    options_.watch->log.add(LoggedRequest::of(connection_->id, request, reply, misbehaves(plan)));
   }
   return reply;
 }

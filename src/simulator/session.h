@@ -7,6 +7,7 @@
 #include "simulator/faults.h"
 #include "simulator/peer.h"
 #include "simulator/trace.h"
+#include "simulator/watch.h"
 
 namespace velk::simulator {
 
@@ -15,7 +16,9 @@ struct SessionOptions {
   Byte busAddress = 2;              ///< requests to another address are not answered; echo mode carries none
   Bytes password = Bytes(4, '\0');  ///< four bytes that the login of kind "Q" must bring
   Faults faults = {};
-  Trace trace = {};  ///< told of each request; may be empty
+  Trace trace = {};            ///< told of each request; may be empty
+  Watch* watch = nullptr;      ///< likewise; outlives the session
+  std::string interface = {};  ///< what the watch calls it
 };
 
 using Deliveries = std::vector<Delivery>;
@@ -27,7 +30,10 @@ void append(Deliveries& out, Deliveries more);
 class Session : public Peer {
  public:
   Session(Controller& controller, SessionOptions options)
-      : controller_(controller), options_(std::move(options)) {}
+      : controller_(controller),
+        options_(std::move(options)),
+        connection_(options_.watch == nullptr ? nullptr
+                                              : options_.watch->connections.join(options_.interface)) {}
 
   void lineBreak() override { forget(); }
   void quiet() override { forget(); }
@@ -37,8 +43,8 @@ class Session : public Peer {
   virtual void forget() = 0;
 
   /// The plan for the next memory request, which it counts.
-  Plan nextPlan() { return options_.faults.planFor(++requests_); }
-  [[nodiscard]] Plan loginPlan() const { return options_.faults.planFor(0); }
+  Plan nextPlan();
+  [[nodiscard]] Plan loginPlan() const;
 
   /// Asks the controller, or refuses in its place.
   Reply answer(const link::Request& request, const Plan& plan);
@@ -46,15 +52,14 @@ class Session : public Peer {
   /// Sends a reply as the plan says, behind as many copies of `foreign` as it asks for.
   static Deliveries deliver(const Plan& plan, Bytes reply, std::string_view foreign);
 
-  void note(const std::string& line) const {
-    if (options_.trace) options_.trace(line);
-  }
+  void note(const std::string& line) const;
 
   [[nodiscard]] const SessionOptions& options() const { return options_; }
 
  private:
   Controller& controller_;
   SessionOptions options_;
+  std::shared_ptr<Connection> connection_;  ///< none without a watch
   unsigned requests_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -22,6 +23,12 @@ class Store {
   /// The bytes of a transfer from an address on.
   [[nodiscard]] Bytes read(Address first, std::size_t count) const;
   void write(Address first, std::string_view data);
+
+  /// The 256 bytes of a page.
+  [[nodiscard]] std::span<const Byte> page(Area area, Byte page) const {
+    constexpr std::size_t pageSize = 256;
+    return std::span(cells_).subspan(index({.area = area, .page = page, .offset = 0}), pageSize);
+  }
 
   friend bool operator==(const Store&, const Store&) = default;
 
