@@ -46,3 +46,5 @@ say "velk, serial line in echo mode"
 native --serial "$echo_line"
 say "velk, serial line in fast mode"
 native --serial "$fast_line" --fast
+
+say "to look at it: build/linux/bin/velk-sim --tcp 8445 --web 8080, then open http://127.0.0.1:8080/ in a browser"

@@ -66,8 +66,7 @@ const std::vector<ModuleRow>& rows() {
 
 }  // namespace
 
-const MailboxDevice& attachModules(Controller& controller, const Faults& faults, const Trace& trace,
-                                   std::vector<SimulatedModule> others) {
+std::vector<SimulatedModule> houseModules(std::vector<SimulatedModule> others) {
   std::vector<SimulatedModule> modules = std::move(others);
   for (const ModuleRow& row : rows()) {
     const bool isThere = std::any_of(modules.begin(), modules.end(), [&](const SimulatedModule& module) {
@@ -75,10 +74,11 @@ const MailboxDevice& attachModules(Controller& controller, const Faults& faults,
     });
     if (!isThere) modules.emplace_back(row);
   }
-  auto mailbox = std::make_unique<MailboxDevice>(std::move(modules), faults, trace);
-  const MailboxDevice& attached = *mailbox;
-  controller.attach(std::move(mailbox));
-  return attached;
+  return modules;
+}
+
+void attachModules(Controller& controller, const Faults& faults, const Trace& trace) {
+  controller.attach(std::make_unique<MailboxDevice>(houseModules(), faults, trace));
 }
 
 }  // namespace velk::simulator

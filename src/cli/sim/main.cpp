@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "cli/house/backup_file.h"
-#include "cli/house/simulated_modules.h"
 #include "cli/shared/command_line.h"
 #include "cli/shared/completion.h"
 #include "cli/shared/escapes.h"
@@ -17,12 +16,11 @@
 #include "cli/shared/password.h"
 #include "cli/sim/adapter.h"
 #include "cli/sim/serve.h"
+#include "cli/sim/served_house.h"
 #include "cli/sim/server.h"
-#include "simulator/clock.h"
+#include "cli/sim/web/page_site.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
-#include "simulator/house.h"
-#include "simulator/house_modules.h"
 #include "simulator/serial_sessions.h"
 
 /// The simulated controller behind TCP ports and serial lines.
@@ -35,12 +33,14 @@ using simulator::SessionOptions;
 constexpr const char* description =
     "A simulated controller behind TCP ports and serial lines.\n\n"
     "Prints one line for each interface (\"tcp Q 127.0.0.1:PORT\", \"tcp S ...\", \"echo DEVICE\",\n"
-    "\"fast DEVICE\") and then \"ready\". Without an interface: --tcp 0. Ends on Ctrl-C, SIGTERM and\n"
+    "\"fast DEVICE\"), \"web http://127.0.0.1:PORT/\" for the page, and then \"ready\". Without an "
+    "interface: --tcp 0. Ends on Ctrl-C, SIGTERM and\n"
     "SIGHUP.";
 
 constexpr const char* examples =
     "\nExamples:\n"
     "  velk-sim --tcp 8445 --trace\n"
+    "  velk-sim --tcp 8445 --web 8080\n"
     "  velk-sim --tcp-q 0 --tcp-s 0 --echo --fast\n"
     "  velk-sim --tcp 8445 --password 1234 --house house.json --save house.json\n"
     "  velk-sim --echo --latency 16\n"
@@ -63,6 +63,8 @@ struct Options {
   std::string save;
   bool trace = false;
   std::vector<std::string> faults;
+  int web = -1;  ///< port; negative: no page
+  std::string webAddress = "127.0.0.1";
   double seconds = forEver;
 };
 
@@ -106,6 +108,15 @@ void declare(const CommandLine& line, Options& options) {
   line.option("--fault", options.faults, "Misbehave at chosen requests; repeatable")
       .typeName("KIND[=N]@WHICH")
       .oneValueEach();
+  const Option web = line.option("--web", options.web,
+                                 "Show the house on a page for a browser at this port (0: any free one)")
+                         .range(0, 65535)
+                         .typeName("PORT");
+  line.option("--web-open-to-network", options.webAddress,
+              "Serve the page at this address in place of 127.0.0.1: whoever reaches it can change the\n"
+              "house and set faults, without a password")
+      .typeName("ADDRESS")
+      .needs(web);
   line.option("--for", options.seconds, "End after so many seconds (0: at once)").typeName("SECONDS");
   line.version("velk-sim " VELK_VERSION);
   line.footer(examples + describeFaults());
@@ -140,8 +151,10 @@ SessionOptions sessionOptions(const Options& options) {
 }
 
 template <class Session>
-simulator::MakePeer makerOf(Controller& controller, const SessionOptions& options) {
-  return [&controller, options] { return std::make_unique<Session>(controller, options); };
+simulator::MakePeer makerOf(Controller& controller, SessionOptions options, std::string interface) {
+  options.interface = std::move(interface);
+  return
+      [&controller, options = std::move(options)] { return std::make_unique<Session>(controller, options); };
 }
 
 /// The same behind an adapter or a network, if there is to be a delay.
@@ -157,28 +170,37 @@ std::chrono::microseconds byteTimeAt(int baud) {
   return std::chrono::microseconds(10'000'000 / std::max(baud, 1));
 }
 
-void announce(std::string interface, std::string_view place) {
-  print((interface += ' ').append(place));
+/// The interfaces that are served: "tcp Q 127.0.0.1:8445".
+using Places = std::vector<std::string>;
+
+void announce(Places& places, const std::string& interface, const std::string& place) {
+  places.push_back(interface + ' ' + place);
+  print(places.back());
 }
 
-void listen(Server& server, const std::string& interface, const std::string& address,
-            const std::vector<std::uint16_t>& ports, const simulator::MakePeer& makePeer) {
+/// "127.0.0.1:8445", "[::1]:8445".
+std::string withPort(const std::string& address, std::uint16_t port) {
   const bool isIpv6 = address.find(':') != std::string::npos;
-  const std::string host = isIpv6 ? '[' + address + ']' : address;
+  return (isIpv6 ? '[' + address + ']' : address) + ':' + std::to_string(port);
+}
+
+void listen(Server& server, Places& places, const std::string& interface, const std::string& address,
+            const std::vector<std::uint16_t>& ports, const simulator::MakePeer& makePeer) {
   for (const std::uint16_t port : ports) {
-    announce(interface, host + ':' + std::to_string(server.listen(address, port, makePeer)));
+    announce(places, interface, withPort(address, server.listen(address, port, makePeer)));
   }
 }
 
-void serveSerial(Server& server, const std::string& interface, const std::vector<std::string>& devices,
-                 const Options& options, const simulator::MakePeer& makePeer) {
+void serveSerial(Server& server, Places& places, const std::string& interface,
+                 const std::vector<std::string>& devices, const Options& options,
+                 const simulator::MakePeer& makePeer) {
   for (const std::string& device : devices) {
     if (device.empty()) {
-      announce(interface,
+      announce(places, interface,
                server.servePseudoLine(delayed(makePeer, options.latency, byteTimeAt(options.baud))));
     } else {
       server.serveDevice(device, options.baud, delayed(makePeer, options.latency));
-      announce(interface, device);
+      announce(places, interface, device);
     }
   }
 }
@@ -192,35 +214,41 @@ void waitForTheEnd(double seconds) {
   while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
 }
 
-/// What no file holds: the clock, which starts as that of the small house.
-void setClock(simulator::Store& store) {
-  constexpr std::size_t size = 9;
-  constexpr link::Address clock{.page = 255, .offset = 247};
-  store.write(clock, simulator::house().read(clock, size));
-}
-
 /// The house to start with: that of a file, or a small one.
 Backup startOf(const std::string& file) {
-  if (!file.empty()) return loadBackup(file, "velk-sim");
-  return {.begun = {}, .link = {}, .lines = linesOf(simulator::house()), .modules = {}};
+  return file.empty() ? smallHouse() : loadBackup(file, "velk-sim");
 }
 
-simulator::Store memoryOf(const Backup& house) {
-  simulator::Store store = storeOf(house.lines);
-  setClock(store);
-  return store;
-}
+/// The page for a browser.
+class Page {
+ public:
+  Page(const Options& options, ServedHouse& house, simulator::Watch& watch, Places places)
+      : site_(house, watch, std::move(places)),
+        server_(options.webAddress, static_cast<std::uint16_t>(options.web), site_) {
+    print("web http://" + withPort(options.webAddress, server_.port()) + '/');
+  }
+
+ private:
+  web::PageSite site_;
+  web::HttpServer server_;
+};
 
 /// Serves until the end. Throws `Failure` with `noLink` when an interface cannot be opened.
-void serveAll(const Options& options, const SessionOptions& session, Controller& controller) {
+void serveAll(const Options& options, const SessionOptions& session, ServedHouse& house) {
+  Controller& controller = house.controller();
   Server server;
+  std::optional<Page> page;
   try {
-    listen(server, "tcp Q", options.address, options.portsQ,
-           delayed(makerOf<simulator::EthernetQSession>(controller, session), options.latency));
-    listen(server, "tcp S", options.address, options.portsS,
-           delayed(makerOf<simulator::EthernetSSession>(controller, session), options.latency));
-    serveSerial(server, "echo", options.echo, options, makerOf<simulator::EchoSession>(controller, session));
-    serveSerial(server, "fast", options.fast, options, makerOf<simulator::FastSession>(controller, session));
+    Places places;
+    listen(server, places, "tcp Q", options.address, options.portsQ,
+           delayed(makerOf<simulator::EthernetQSession>(controller, session, "tcp Q"), options.latency));
+    listen(server, places, "tcp S", options.address, options.portsS,
+           delayed(makerOf<simulator::EthernetSSession>(controller, session, "tcp S"), options.latency));
+    serveSerial(server, places, "echo", options.echo, options,
+                makerOf<simulator::EchoSession>(controller, session, "echo"));
+    serveSerial(server, places, "fast", options.fast, options,
+                makerOf<simulator::FastSession>(controller, session, "fast"));
+    if (session.watch != nullptr) page.emplace(options, house, *session.watch, std::move(places));
   } catch (const std::invalid_argument&) {
     throw;  // the command line is wrong
   } catch (const std::exception& error) {
@@ -237,23 +265,14 @@ void run(Options& options) {
   if (options.portsQ.empty() && options.portsS.empty() && options.echo.empty() && options.fast.empty()) {
     options.portsQ.push_back(0);
   }
-  const SessionOptions session = sessionOptions(options);
-  Backup house = startOf(options.house);
-  Controller controller(memoryOf(house));
+  const auto watch = options.web < 0 ? nullptr : std::make_unique<simulator::Watch>();
+  SessionOptions session = sessionOptions(options);
+  session.watch = watch.get();
+  ServedHouse house(startOf(options.house), session.faults, session.trace, session.watch);
   std::optional<OutputFile> file;
   if (!options.save.empty()) file.emplace(options.save);
-  controller.attach(
-      std::make_unique<simulator::Clock>([] { return std::chrono::steady_clock::now().time_since_epoch(); }));
-  const auto& modules =
-      simulator::attachModules(controller, session.faults, session.trace, simulatedModules(house.modules));
-  serveAll(options, session, controller);
-  if (!file) return;
-  house.begun = now();
-  house.link = "simulate:";
-  house.complete = true;
-  house.lines = linesOf(controller.snapshot());
-  house.modules = savedModules(std::move(house.modules), modules.modules());
-  file->write(textOf(house));
+  serveAll(options, session, house);
+  if (file) file->write(textOf(house.saved()));
 }
 
 int carryOut(int argc, char** argv) {
