@@ -117,7 +117,7 @@ $prompt true 2>/dev/null || prompt=
 taskset -c $core $prompt python3 -B "$here/jobs.py" "$build" "$here/../docs/performance.md"
 keep_other_core_busy
 for start in $(seq "$starts"); do
-  for section in tcp lines paced wait threads memory; do
+  for section in tcp lines paced wait threads memory page; do
     measure "$section-$start" pinned "$bench" "$section"
   done
 done

@@ -42,6 +42,8 @@ ROWS = [
          lambda f, n=n: f[f"threads.{n}.velk.rate"] / f[f"threads.{n}.bare.rate"], "{:.3f}", ">=", 0.90),
         (f"p99 with {n} threads", "bare client",
          lambda f, n=n: f[f"threads.{n}.velk.p99"] / f[f"threads.{n}.bare.p99"], "{:.3f}", "<=", 1.3))],
+    ("requests served, page watched", "nobody watching", lambda f: f["page.watched"], "{:.3f}", ">=", 0.95),
+    ("of 1,000 requests a second, not shown", "", lambda f: f["page.lost"], "{:.0f}", "<=", 0),
     ("memory of one more object with link, KiB", "", lambda f: f["memory.pages"] / 1024, "{:.1f}", "<=", 16),
 ]
 

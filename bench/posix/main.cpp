@@ -23,6 +23,7 @@ using Words = std::span<char*>;
 const std::map<std::string, void (*)(Figures&)> sections{
     {"tcp", measureTcp},   {"lines", measureLines},     {"paced", measurePacedLines},
     {"wait", measureWait}, {"threads", measureThreads}, {"memory", measureMemory},
+    {"page", measurePage},
 };
 
 const std::map<std::string, TcpServer (*)()> servers{{"velk", startTcpServer},

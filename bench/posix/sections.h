@@ -21,6 +21,11 @@ void measureWait(Figures& figures);
 /// threads.N.velk and threads.N.bare: .rate in transactions a second, .p99 in microseconds.
 void measureThreads(Figures& figures);
 
+/// page.alone: requests a second that velk-sim serves at full speed; page.watched: the part of them that it
+/// serves with a reader of its page's events, the median of turns side by side; page.lost: how many of 1,000
+/// a second the reader was not told.
+void measurePage(Figures& figures);
+
 /// memory.heap and memory.pages: bytes that one more thread with its object and open link needs, as the
 /// allocator counts them and as the system does, without the thread's stack.
 void measureMemory(Figures& figures);
