@@ -49,17 +49,14 @@ Preset presetIn(const Store& store, Byte number) {
   constexpr Byte none = 255;
   const Byte delay2 = store[delays.next()];
   Preset preset{.number = number,
-                .text = labelAt(store, timed::presetText(number)),
+                .stored = store.read(timed::presetText(number), presetTextSize),
                 .delay1 = store[delays],
                 .delay2 = delay2 == none ? Byte{0} : delay2,
                 .simulated = (store[timed::presetFlags(number)] >> (number - 1) % 4 & 1) != 0,
                 .records = {}};
-  constexpr Byte firstRecord = 3;
-  constexpr Byte lastRecord = 99;
-  constexpr std::size_t size = 4;
-  for (Byte record = firstRecord; record <= lastRecord; ++record) {
-    Bytes bytes = store.read(timed::presetRecord(number, record), size);
-    if (bytes != Bytes(size, '\0')) preset.records.push_back({record, std::move(bytes)});
+  for (Byte record = firstPresetRecord; record <= lastPresetRecord; ++record) {
+    Bytes bytes = store.read(timed::presetRecord(number, record), presetRecordSize);
+    if (bytes != Bytes(presetRecordSize, '\0')) preset.records.emplace(record, std::move(bytes));
   }
   return preset;
 }
@@ -80,7 +77,15 @@ Json presetsOf(const Store& store) {
   Json list = Json::array();
   for (Byte number = 1; number <= timed::lastPreset; ++number) {
     const Preset preset = presetIn(store, number);
-    if (isUsed(preset)) list.push_back(cli::jsonOf(preset));
+    if (!isUsed(preset)) continue;
+    Json json = jsonOfHead(preset);
+    json["records"] = Json::array();
+    for (const auto& [record, bytes] : preset.records) {
+      json["records"].push_back({{"record", record},
+                                 {"name", labelAt(store, outputNameAt(record))},
+                                 {"bytes", jsonOfBytes(bytes)}});
+    }
+    list.push_back(std::move(json));
   }
   return list;
 }

@@ -419,7 +419,7 @@ function outputRow(output) {
 function presetRow(preset) {
   const at = keyOf('V', preset.preset + 34, 40);
   const records = make('span', {class: 'settings mono'}, ...preset.records.map(record =>
-      make('span', {}, make('b', {}, record.record + ': '), record.bytes.join(' '))));
+      make('span', {}, make('b', {}, (record.record + ' ' + record.name).trim() + ': '), record.bytes.join(' '))));
   return rowOf(String(preset.preset), renameButton(`Text of preset ${preset.preset}`, at, preset.text),
       `${preset.delay1}${preset.delay2 ? ', ' + preset.delay2 : ''}`, preset.simulation ? 'yes' : 'no', records);
 }
