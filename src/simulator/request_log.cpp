@@ -51,7 +51,7 @@ std::uint64_t RequestLog::count() const {
 RequestLog::Batch RequestLog::take(std::uint64_t& next, std::size_t most) const {
   const std::lock_guard lock(mutex_);
   const std::uint64_t waiting = count_ - std::min(next, count_);
-  const std::uint64_t taken = std::min<std::uint64_t>({waiting, most, capacity});
+  const auto taken = std::min<std::uint64_t>({waiting, most, capacity});
   Batch batch{.first = count_ - taken, .requests = {}, .missed = waiting - taken};
   batch.requests.reserve(taken);
   for (std::uint64_t i = batch.first; i < count_; ++i) batch.requests.push_back(ring_[i % capacity]);

@@ -2,9 +2,10 @@
 
 #include <chrono>
 #include <iterator>
-#include <ranges>
+#include <numeric>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace velk::cli {
 
@@ -68,7 +69,9 @@ Counted<Range> counted(std::string what, Range range) {
 
 /// The same with the numbers from `first` to `last`.
 inline auto counted(std::string what, int first, int last) {
-  return counted(std::move(what), std::views::iota(first, last + 1));
+  std::vector<int> numbers(static_cast<std::size_t>(last - first + 1));
+  std::iota(numbers.begin(), numbers.end(), first);
+  return counted(std::move(what), std::move(numbers));
 }
 
 }  // namespace velk::cli
