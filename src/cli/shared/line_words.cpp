@@ -34,11 +34,11 @@ LineWords wordsOf(std::string_view line) {
     }
     if (!found.endsInWord && c == '#') break;
     begin(i);
+    const bool isQuote = found.open == 0 && (c == '"' || c == '\'');
+    const bool isCutOff = c == '\\' && i + 1 == line.size() && found.open != '\'';
     if (c == found.open) {
       found.open = 0;
-    } else if (found.open == 0 && (c == '"' || c == '\'')) {
-      found.open = c;
-    } else if (c == '\\' && i + 1 == line.size() && found.open != '\'') {
+    } else if (isQuote || isCutOff) {
       found.open = c;
     } else if (c == '\\' && isEscapable(found.open, i + 1 < line.size() ? line[i + 1] : c)) {
       found.words.back() += line[++i];

@@ -23,7 +23,7 @@ std::string milliseconds(std::chrono::nanoseconds time) {
   return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
 }
 
-std::string rightAligned(std::string text, std::size_t width) {
+std::string rightAligned(const std::string& text, std::size_t width) {
   return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
