@@ -160,9 +160,9 @@ procedure CheckReferences;
 begin
   AVariant := '';
   Done('Preset', Serial.Preset(R, 2, AString, 3, Text, AShortInt, AByte, ASmallInt));
-  Check('  its parts', AString + Hexed(Text), 'Evening         03FF0200');
-  Done('Preset', Serial.Preset(R, 2, AUnicodeString, 4, AVariant, AWord, AnInteger, ALongWord));
-  Check('  its parts', string(AUnicodeString) + Hexed(AVariant), 'Evening         03FF0200051E0200');
+  Check('  its parts', AString + Hexed(Text), 'Evening         FF020000');
+  Done('Preset', Serial.Preset(R, 2, AUnicodeString, 5, AVariant, AWord, AnInteger, ALongWord));
+  Check('  its parts', string(AUnicodeString) + Hexed(AVariant), 'Evening         FF020000000000001E020000');
   Done('Preset', Serial.Preset(R, 2, AVariant, 3, Text, AnInt64, AUInt64, ASingle));
   Check('  its text', Told(AVariant), 'OleStr Evening         ');
   Done('Preset', Serial.Preset(R, 2, Text, 3, Items, ADouble, ACurrency, ADate));

@@ -345,7 +345,7 @@ class HttpServer::Listener::Connection : public std::enable_shared_from_this<Con
   beast::tcp_stream stream_;
   Listener& server_;
   asio::ip::address here_;
-  beast::flat_buffer buffer_{longestHeader * 4};
+  beast::flat_buffer buffer_{std::size_t{longestHeader} * 4};
   std::optional<Parser> parser_;
   Message message_;
   std::optional<http::response_serializer<http::string_body>> serializer_;
