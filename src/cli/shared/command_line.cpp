@@ -227,6 +227,31 @@ const CLI::App& reached(const CLI::App& app) {
   return commands.empty() ? app : *commands.back();
 }
 
+/// An option as some command takes it; null when none does.
+const CLI::Option* optionOfCommands(const CLI::App& app, const std::string& name) {
+  for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (const CLI::Option* const option = command->get_option_no_throw(name)) return option;
+  }
+  return nullptr;
+}
+
+/// Options of a command may stand in front of it as well, as in "velk --tcp HOST:PORT outputs": they are moved
+/// to its end, where one whose value may be left out takes no other word for it.
+void moveOptionsBehind(const CLI::App& app, std::vector<std::string>& words) {
+  std::size_t front = 0;
+  while (front < words.size() && words[front].starts_with("-")) {
+    const std::string& word = words[front];
+    const std::string name = word.substr(0, word.find('='));
+    const CLI::Option* const option = optionOfCommands(app, name);
+    if (option == nullptr || app.get_option_no_throw(name) != nullptr) return;
+    const bool takesNext = option->get_items_expected_min() > 0 && word.find('=') == std::string::npos;
+    front += takesNext ? 2 : 1;
+  }
+  if (front >= words.size()) return;
+  const auto command = words.begin() + static_cast<std::ptrdiff_t>(front);
+  std::rotate(words.begin(), command, std::find(command, words.end(), "--"));
+}
+
 /// What is wrong with a word that nothing takes.
 std::string unexpected(const CLI::App& app, const std::string& word) {
   std::vector<std::string> names;
@@ -236,6 +261,7 @@ std::string unexpected(const CLI::App& app, const std::string& word) {
       for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     }
     const std::string name = word.substr(0, word.find('='));
+    if (optionOfCommands(app, name) != nullptr) return "a command is missing";
     return "there is no option \"" + name + "\"" + didYouMean(name, names);
   }
   const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
@@ -248,7 +274,10 @@ std::string unexpected(const CLI::App& app, const std::string& word) {
 
 std::optional<ExitStatus> CommandLine::parse(int argc, char** argv) const {
   try {
-    app_->parse(argc, argv);
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    moveOptionsBehind(*app_, words);
+    std::reverse(words.begin(), words.end());  // as the library takes them
+    app_->parse(std::move(words));
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) {

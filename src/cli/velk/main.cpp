@@ -19,7 +19,7 @@ constexpr const char* description =
 
 constexpr const char* notes =
     "\nThe link:\n"
-    "It is given by options or, without them, in the environment.\n"
+    "It is given by options, in front of the command or behind it, or, without them, in the environment.\n"
     "  VELK_LINK=tcp://HOST:PORT?password=TEXT&address=N\n"
     "  VELK_LINK=serial:DEVICE?fast&baud=N&address=N\n"
     "  VELK_LINK=simulate:\n"
