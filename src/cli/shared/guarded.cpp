@@ -21,8 +21,10 @@ std::optional<Failure> failureOfOutput() {
   errno = 0;
   std::cout.flush();
   const bool flushed = std::fflush(stdout) == 0;
-  const int reason = errno;
   if (flushed && std::ferror(stdout) == 0 && std::cout) return std::nullopt;
+  // Where the buffer was full before, nobody has kept why: one more byte tells.
+  if (errno == 0 && std::fputc('\n', stdout) != EOF) std::fflush(stdout);
+  const int reason = errno;
   const std::string why = reason == 0 ? "" : ": " + std::generic_category().message(reason);
   return Failure(badFile, "standard output cannot be written" + why);
 }
