@@ -7,6 +7,7 @@
 
 #include "cli/shared/failure.h"
 #include "cli/shared/nearest.h"
+#include "cli/shared/wrap.h"
 
 namespace velk::cli {
 
@@ -76,8 +77,49 @@ bool Option::isGiven() const {
   return option_->count() != 0;
 }
 
+namespace {
+
+/// Help in the width of the terminal. What excludes or needs what is left out: there are some thirty pairs, and
+/// a wrong one is told when it is typed.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  std::string make_description(const CLI::App* app) const override {
+    return wrapped(app->get_description() + "\n", readableWidth());
+  }
+  std::string make_footer(const CLI::App* app) const override {
+    return wrapped(app->get_footer(), readableWidth());
+  }
+  std::string make_subcommand(const CLI::App* app) const override {
+    return entry(app->get_name(), app->get_description());
+  }
+  std::string make_option(const CLI::Option* option, bool positional) const override {
+    return entry(make_option_name(option, positional) + make_option_opts(option), make_option_desc(option));
+  }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const std::string text = Formatter::make_option_opts(option);
+    return text.substr(0, std::min(text.find(" Needs: "), text.find(" Excludes: ")));
+  }
+
+ private:
+  static std::string entry(const std::string& name, const std::string& text) {
+    constexpr std::size_t fewColumns = 70;
+    const std::size_t column = readableWidth() < fewColumns ? 6 : 30;
+    std::string line = "  " + name;
+    if (line.size() < column) {
+      line.resize(column, ' ');
+    } else {
+      line = filled(line, readableWidth(), 4, 2).insert(0, 2, ' ') + "\n" + std::string(column, ' ');
+    }
+    return line + filled(text, readableWidth(), column, column) + "\n";
+  }
+};
+
+}  // namespace
+
 CommandLine::CommandLine(const std::string& program, const std::string& description)
-    : app_(std::make_shared<CLI::App>(description, program)), words_(std::make_shared<Words>()) {}
+    : app_(std::make_shared<CLI::App>(description, program)), words_(std::make_shared<Words>()) {
+  app_->formatter(std::make_shared<HelpFormatter>());
+}
 
 Option CommandLine::noted(CLI::Option* option) const {
   return {*option, (*words_)[option]};

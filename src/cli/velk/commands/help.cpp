@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "cli/shared/wrap.h"
 #include "cli/velk/commands/command.h"
 
 namespace velk::cli {
@@ -83,7 +84,7 @@ is dropped. How many were repeated is told at the end.
 std::string helpOf(const CommandLine& velk, const std::string& name) {
   const auto* const topic =
       std::find_if(topicTable.begin(), topicTable.end(), [&](const Topic& row) { return name == row.name; });
-  return topic != topicTable.end() ? topic->text : velk.helpOf(name);
+  return topic != topicTable.end() ? wrapped(topic->text, readableWidth()) : velk.helpOf(name);
 }
 
 struct HelpOptions {
