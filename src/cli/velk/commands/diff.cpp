@@ -1,5 +1,6 @@
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/difference.h"
+#include "cli/velk/backup/identity.h"
 #include "cli/velk/commands/command.h"
 
 namespace velk::cli {
@@ -26,7 +27,8 @@ struct DiffOptions : LinkedOptions {
 Backup readController(const LinkOptions& link, const Backup& like, const Sections& sections) {
   const auto connection = open(link);
   try {
-    return readLike(connection->serial(), like, sections);
+    // The names of outputs stand in other sections, too.
+    return readLike(connection->serial(), like, sections, readIdentity(connection->serial(), like.lines));
   } catch (const Failure& failure) {
     throw Failure(failure.status == badResult ? noLink : failure.status, failure.what(), failure.result);
   }
