@@ -59,6 +59,9 @@ std::string textOf(const std::vector<Module>& modules) {
 Series::Series(std::string folder) : folder_(std::move(folder)) {
   std::error_code error;
   if (fs::is_directory(pathOf(folder_), error)) return;
+  if (error == std::errc::no_such_file_or_directory) {
+    throw Failure(badFile, folder_ + ": there is no such folder; make it first");
+  }
   throw failureOf(folder_, error ? error : std::make_error_code(std::errc::not_a_directory));
 }
 

@@ -53,7 +53,11 @@ struct WantedPreset {
 
 Byte parsePresetNumber(const std::string& typed) {
   const auto number = wholeNumber<int>(typed);
-  if (!number || *number < 1 || *number > lastPresetNumber) {
+  if (!number) {
+    throw std::invalid_argument("\"" + typed + "\" is no preset's number, 1 to " +
+                                std::to_string(lastPresetNumber) + "; \"velk presets\" lists those in use");
+  }
+  if (*number < 1 || *number > lastPresetNumber) {
     throw std::invalid_argument("there is no preset " + typed + ", but 1 to " +
                                 std::to_string(lastPresetNumber));
   }

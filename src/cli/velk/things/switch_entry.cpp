@@ -1,5 +1,6 @@
 #include "cli/velk/things/switch_entry.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "memory/map.h"
@@ -47,6 +48,12 @@ std::size_t roomFor(Byte block) {
   if (const auto equals = typed.rfind('='); equals != std::string::npos) {
     refuse("\"" + typed + "\": behind an output stand two numbers, 0 to 255, as in \"" +
            typed.substr(0, equals) + "=255:2\"; a switch time that does the same tells them");
+  }
+  // "25:00", "7:45pm", "0645": not "3:1", in which a number is missing.
+  const auto colon = std::min(typed.find(':'), typed.size());
+  const bool isTime = colon == typed.size() || (colon == typed.rfind(':') && colon + 2 < typed.size());
+  if (isTime && isDigits(typed.substr(0, colon))) {
+    refuse("\"" + typed + "\": a time is 00:00 to 23:59");
   }
   refuse(
       "\"" + typed +
