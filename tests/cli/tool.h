@@ -104,6 +104,8 @@ class Tool {
     return wait();
   }
 
+  [[nodiscard]] pid_t pid() const { return pid_; }
+
   int wait() {
     int status = 0;
     waitpid(std::exchange(pid_, -1), &status, 0);

@@ -44,6 +44,10 @@ bool isInterrupted() {
   return came != Interrupt::none;
 }
 
+void waitForInterrupt(std::chrono::milliseconds longest) {
+  if (!isInterrupted()) system::waitForInterrupt(longest);
+}
+
 void checkInterrupt() {
   if (isInterrupted()) throw Failure(interrupted, "interrupted");
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 /// What asks a program to end while it works: Ctrl-C, the end of its terminal or session, a service manager.
 namespace velk::cli {
 
@@ -13,6 +15,9 @@ void unwatchInterrupts();
 
 /// Whether one has come.
 bool isInterrupted();
+
+/// Waits until one has come, at the longest so long. May return early.
+void waitForInterrupt(std::chrono::milliseconds longest);
 
 /// Throws `Failure` with `interrupted` when one has come.
 void checkInterrupt();

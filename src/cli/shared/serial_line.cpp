@@ -1,10 +1,15 @@
 #include "cli/shared/serial_line.h"
 
+#include <algorithm>
+
 #include "platform/host.h"
 #include "values/runtime_error.h"
 
 namespace velk::cli {
 namespace {
+
+/// A port cannot be woken: so long it may keep the thread that stops.
+constexpr std::chrono::milliseconds stopInterval{100};
 
 class DeviceStream final : public Stream {
  public:
@@ -16,7 +21,7 @@ class DeviceStream final : public Stream {
   DeviceStream& operator=(const DeviceStream&) = delete;
 
   std::optional<Bytes> receive(std::chrono::milliseconds longest) override {
-    host_.block(platform::Source::port, longest, platform::Messages::held);
+    host_.block(platform::Source::port, std::min(longest, stopInterval), platform::Messages::held);
     try {
       return Bytes(host_.port().read());
     } catch (const RuntimeError&) {

@@ -18,6 +18,9 @@ class Stream {
   virtual std::optional<Bytes> receive(std::chrono::milliseconds longest) = 0;
 
   virtual void send(std::string_view bytes) = 0;
+
+  /// Ends a `receive` that another thread waits in, and those to come; what it returns means nothing.
+  virtual void wake() {}
 };
 
 }  // namespace velk::cli

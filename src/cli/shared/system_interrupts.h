@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 /// What interrupts.h asks of the operating system.
@@ -18,6 +19,10 @@ enum class Waits : std::uint8_t { goOn, end };
 
 /// Has `note` called, at any time or on any thread, for each request.
 void handleInterrupts(void (*note)(Interrupt), Waits waits);
+
+/// Waits for one, at the longest so long, if `handleInterrupts` has been called. May return early, and does
+/// once one has come.
+void waitForInterrupt(std::chrono::milliseconds longest);
 
 /// Lets them end the program.
 void leaveInterrupts();

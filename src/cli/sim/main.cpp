@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <chrono>
 #include <iostream>
 #include <limits>
 #include <mutex>
@@ -208,10 +210,14 @@ void serveSerial(Server& server, Places& places, const std::string& interface,
 void waitForTheEnd(double seconds) {
   using std::chrono::steady_clock;
   const auto start = steady_clock::now();
-  const auto isOver = [&] {
-    return std::chrono::duration<double>(steady_clock::now() - start).count() >= seconds;
+  const auto rest = [&] {
+    return seconds - std::chrono::duration<double>(steady_clock::now() - start).count();
   };
-  while (!isInterrupted() && !isOver()) std::this_thread::sleep_for(stopInterval);
+  while (!isInterrupted() && rest() > 0) {
+    const std::chrono::duration<double> longest(
+        std::min(rest(), std::chrono::duration<double>(longestWait).count()));
+    waitForInterrupt(std::chrono::ceil<std::chrono::milliseconds>(longest));
+  }
 }
 
 /// The house to start with: that of a file, or a small one.

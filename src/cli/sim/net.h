@@ -10,8 +10,12 @@ namespace velk::cli::net {
 
 enum class Readiness : std::uint8_t { readable, writable };
 
-/// Whether the event, or the end of the connection, has come within the time.
+/// Whether the event, or the end of the connection, has come within the time. May return false
+/// early where `readable` is awaited.
 bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds longest);
+
+/// Ends a connection, or listening, and so other threads' waits for it, but for those that return early anyway.
+void end(Descriptor descriptor);
 
 void close(Descriptor descriptor);
 

@@ -32,11 +32,11 @@ class Schedule {
   }
 
   [[nodiscard]] milliseconds untilNext() const {
-    if (waiting_.empty()) return stopInterval;
+    if (waiting_.empty()) return longestWait;
     const auto rest = std::chrono::floor<milliseconds>(waiting_.begin()->first - steady_clock::now());
     // The last part of a millisecond is slept away: a stream waits for whole ones, as long as a byte takes.
     if (rest.count() == 0) std::this_thread::sleep_until(waiting_.begin()->first);
-    return std::clamp(rest, milliseconds(0), stopInterval);
+    return std::clamp(rest, milliseconds(0), longestWait);
   }
 
  private:
@@ -46,6 +46,7 @@ class Schedule {
 }  // namespace
 
 void serve(Stream& stream, simulator::Peer& peer, const std::stop_token& stop) {
+  const std::stop_callback waking(stop, [&stream] { stream.wake(); });
   Schedule schedule;
   schedule.add(peer.connected());
   auto last = steady_clock::now();

@@ -11,7 +11,7 @@ namespace velk::cli {
 /// with a delay is sent at its time.
 void serve(Stream& stream, simulator::Peer& peer, const std::stop_token& stop);
 
-/// How often a thread that waits looks whether it is to stop.
-constexpr std::chrono::milliseconds stopInterval{100};
+/// How long a thread waits for anything: until it is woken.
+constexpr std::chrono::milliseconds longestWait = std::chrono::hours(1);
 
 }  // namespace velk::cli

@@ -73,8 +73,9 @@ void Server::run(std::function<void(const std::stop_token&)> work) {
 
 void Server::acceptClients(Listener& listener, const simulator::MakePeer& makePeer,
                            const std::stop_token& stop) {
+  const std::stop_callback waking(stop, [&listener] { listener.wake(); });
   while (!stop.stop_requested()) {
-    const std::shared_ptr<Stream> client = listener.accept(stopInterval);
+    const std::shared_ptr<Stream> client = listener.accept(longestWait);
     if (!client) continue;
     const std::shared_ptr<simulator::Peer> peer = makePeer();
     run([client, peer](const std::stop_token& ending) { serve(*client, *peer, ending); });

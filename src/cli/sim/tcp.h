@@ -35,6 +35,7 @@ class TcpStream final : public Stream {
 
   std::optional<Bytes> receive(std::chrono::milliseconds longest) override;
   void send(std::string_view bytes) override;
+  void wake() override { net::end(socket_.get()); }
 
  private:
   OwnedSocket socket_;
@@ -50,6 +51,9 @@ class Listener {
 
   /// The next connection; none when nobody connects in time.
   std::unique_ptr<TcpStream> accept(std::chrono::milliseconds longest);
+
+  /// Ends an `accept` that another thread waits in, and those to come.
+  void wake() { net::end(socket_.get()); }
 
  private:
   OwnedSocket socket_;

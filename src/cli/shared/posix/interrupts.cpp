@@ -1,3 +1,6 @@
+#include <poll.h>
+#include <sys/eventfd.h>
+
 #include <csignal>
 
 #include "cli/shared/system_interrupts.h"
@@ -6,9 +9,11 @@ namespace velk::cli::system {
 namespace {
 
 void (*noteInterrupt)(Interrupt) = nullptr;
+int arrival = -1;  ///< can be read once a signal has come, whichever thread took it
 
 void onSignal(int number) {
   noteInterrupt(number == SIGINT ? Interrupt::breaks : Interrupt::end);
+  eventfd_write(arrival, 1);
 }
 
 void handle(void (*handler)(int), int flags) {
@@ -27,7 +32,13 @@ void handle(void (*handler)(int), int flags) {
 
 void handleInterrupts(void (*note)(Interrupt), Waits waits) {
   noteInterrupt = note;
+  if (arrival < 0) arrival = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   handle(onSignal, waits == Waits::goOn ? SA_RESTART : 0);
+}
+
+void waitForInterrupt(std::chrono::milliseconds longest) {
+  pollfd watched{.fd = arrival, .events = POLLIN, .revents = 0};
+  poll(&watched, 1, static_cast<int>(longest.count()));
 }
 
 void leaveInterrupts() {

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/eventfd.h>
+#include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -21,14 +23,22 @@ namespace {
 /// it without the line being hung up.
 class PtyStream final : public Stream {
  public:
-  PtyStream(platform::Fd nearEnd, platform::Fd farEnd) : near_(std::move(nearEnd)), far_(std::move(farEnd)) {}
+  PtyStream(platform::Fd nearEnd, platform::Fd farEnd, const char* name)
+      : near_(std::move(nearEnd)), far_(std::move(farEnd)) {
+    inotify_add_watch(closings_.get(), name, IN_CLOSE);
+  }
 
   std::optional<Bytes> receive(std::chrono::milliseconds longest) override {
     // Programs open the line for themselves alone; since it is never closed for good, that would last.
     ioctl(far_.get(), TIOCNXCL);
-    pollfd watched{.fd = near_.get(), .events = POLLIN, .revents = 0};
-    if (poll(&watched, 1, static_cast<int>(longest.count())) <= 0) return Bytes();
+    std::array<pollfd, 3> watched{
+        {{near_.get(), POLLIN, 0}, {closings_.get(), POLLIN, 0}, {wake_.get(), POLLIN, 0}}};
+    if (poll(watched.data(), watched.size(), static_cast<int>(longest.count())) <= 0) return Bytes();
     std::array<char, 4096> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by read
+    if (watched[1].revents != 0) {
+      [[maybe_unused]] const auto told = ::read(closings_.get(), buffer.data(), buffer.size());
+    }
+    if (watched[0].revents == 0) return Bytes();
     const auto n = ::read(near_.get(), buffer.data(), buffer.size());
     if (n <= 0) return std::nullopt;
     return Bytes(buffer.data(), static_cast<std::size_t>(n));
@@ -39,9 +49,13 @@ class PtyStream final : public Stream {
     [[maybe_unused]] const auto n = ::write(near_.get(), bytes.data(), bytes.size());
   }
 
+  void wake() override { eventfd_write(wake_.get(), 1); }
+
  private:
   platform::Fd near_;
   platform::Fd far_;
+  platform::Fd closings_{inotify_init1(IN_CLOEXEC)};  ///< tells when a program closes the far end
+  platform::Fd wake_{eventfd(0, EFD_CLOEXEC)};
 };
 
 }  // namespace
@@ -65,7 +79,7 @@ NamedLine openPseudoLine() {
   }
   fcntl(nearEnd, F_SETFL, O_NONBLOCK);
   return {.name = name.data(),
-          .stream = std::make_unique<PtyStream>(platform::Fd(nearEnd), platform::Fd(farEnd))};
+          .stream = std::make_unique<PtyStream>(platform::Fd(nearEnd), platform::Fd(farEnd), name.data())};
 }
 
 }  // namespace velk::cli

@@ -6,6 +6,7 @@ namespace velk::cli::system {
 namespace {
 
 void (*noteInterrupt)(Interrupt) = nullptr;
+const HANDLE arrival = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 
 /// Runs on a thread of its own. Windows ends the process when this returns from an event that closes the
 /// console or ends the session, and a few seconds later in any case: it does not return before the program
@@ -13,6 +14,7 @@ void (*noteInterrupt)(Interrupt) = nullptr;
 BOOL WINAPI onEvent(DWORD event) {
   const bool breaks = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
   noteInterrupt(breaks ? Interrupt::breaks : Interrupt::end);
+  SetEvent(arrival);
   if (!breaks) Sleep(INFINITE);
   return TRUE;
 }
@@ -25,6 +27,10 @@ void handleInterrupts(void (*note)(Interrupt), Waits /*waits*/) {
   // Each call would add it once more, and one removal leave the others.
   SetConsoleCtrlHandler(onEvent, FALSE);
   SetConsoleCtrlHandler(onEvent, TRUE);
+}
+
+void waitForInterrupt(std::chrono::milliseconds longest) {
+  WaitForSingleObject(arrival, static_cast<DWORD>(longest.count()));
 }
 
 void leaveInterrupts() {

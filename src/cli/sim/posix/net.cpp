@@ -23,6 +23,10 @@ bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds lo
   return poll(&watched, 1, static_cast<int>(longest.count())) > 0;
 }
 
+void end(Descriptor descriptor) {
+  shutdown(descriptor, SHUT_RDWR);
+}
+
 void close(Descriptor descriptor) {
   ::close(descriptor);
 }

@@ -1,16 +1,30 @@
 #include "cli/sim/net.h"
 
+#include <algorithm>
+
 namespace velk::cli::net {
+namespace {
+
+/// Nothing is promised to end a wait here: who waits for a client, or for what it sends, looks so often whether
+/// to stop.
+constexpr std::chrono::milliseconds stopInterval{100};
+
+}  // namespace
 
 bool wait(Descriptor descriptor, Readiness awaited, std::chrono::milliseconds longest) {
   fd_set watched;
   FD_ZERO(&watched);
   FD_SET(descriptor, &watched);
+  if (awaited == Readiness::readable) longest = std::min(longest, stopInterval);
   const auto ms = static_cast<long>(longest.count());
   timeval limit{.tv_sec = ms / 1000, .tv_usec = ms % 1000 * 1000};
   fd_set* const reading = awaited == Readiness::readable ? &watched : nullptr;
   fd_set* const writing = awaited == Readiness::writable ? &watched : nullptr;
   return select(0, reading, writing, nullptr, &limit) > 0;
+}
+
+void end(Descriptor descriptor) {
+  shutdown(descriptor, SD_BOTH);
 }
 
 void close(Descriptor descriptor) {
