@@ -464,12 +464,19 @@ byId('load').addEventListener('change', async event => {
 
 // --- Faults
 
+/** Draws the faults; while only their counts change, the buttons stay, since somebody may be about to press one. */
 function drawFaults(faults) {
-  const list = faults.map(fault => make('li', {},
-      make('code', {}, fault.fault), make('span', {class: 'quiet'}, `${plural(fault.counted, 'request')} since then`),
+  const list = byId('fault-list');
+  const counts = list.querySelectorAll('.quiet');
+  const told = fault => `${plural(fault.counted, 'request')} since then`;
+  const ids = faults.map(fault => fault.id).join();
+  if (ids && list.dataset.ids === ids) return faults.forEach((fault, i) => { counts[i].textContent = told(fault); });
+  list.dataset.ids = ids;
+  list.replaceChildren(...faults.map(fault => make('li', {},
+      make('code', {}, fault.fault), make('span', {class: 'quiet'}, told(fault)),
       make('button', {type: 'button', 'aria-label': `Take ${fault.fault} back`,
-        onclick: () => change('/api/faults/take-back', {id: fault.id}, 'The fault is taken back.')}, 'Take back')));
-  byId('fault-list').replaceChildren(...(list.length ? list : [make('li', {class: 'none quiet'}, 'No fault is set.')]));
+        onclick: () => change('/api/faults/take-back', {id: fault.id}, 'The fault is taken back.')}, 'Take back'))));
+  if (!ids) list.append(make('li', {class: 'none quiet'}, 'No fault is set.'));
 }
 
 const setFault = fault => change('/api/faults', {fault}, `${fault} is set.`);
