@@ -7,9 +7,14 @@ namespace {
 
 /// Fonts differ: rather too much than words across each other. Of two characters:
 constexpr int widthOfTwo = 13;
+constexpr int boldWidthOfTwo = 15;
 
 bool startsCharacter(char c) {
   return (c & '\xC0') != '\x80';
+}
+
+int charactersOf(std::string_view text) {
+  return static_cast<int>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
 
 }  // namespace
@@ -34,14 +39,15 @@ Element words(const char* style, int x, int y, const std::string& text) {
 }
 
 int widthOf(std::string_view text) {
-  return widthOfTwo * static_cast<int>(std::count_if(text.begin(), text.end(), startsCharacter)) / 2;
+  return widthOfTwo * charactersOf(text) / 2;
 }
 
 std::string fitted(const std::string& text, int width) {
-  if (widthOf(text) <= width) return text;
+  const int room = width * 2 / boldWidthOfTwo;
+  if (charactersOf(text) <= room) return text;
   std::string cut;
   for (const char c : text) {
-    if (startsCharacter(c) && widthOf(cut) + widthOfTwo > width) break;
+    if (startsCharacter(c) && charactersOf(cut) + 1 >= room) break;
     cut += c;
   }
   return cut + "\u2026";

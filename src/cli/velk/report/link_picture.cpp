@@ -12,6 +12,7 @@ constexpr int edgeWidth = 12;
 constexpr int lineEnd = 138;
 constexpr int numberAt = 143;
 constexpr int nameAt = 202;
+constexpr int sideWidth = 36;
 constexpr int rowHeight = 24;
 constexpr int axis = 15;  ///< of a row
 
@@ -44,7 +45,7 @@ Element row(const DrawnLink& drawn, int top) {
   if (!steps.empty()) group.add(path("k", steps));
   group.add(words("s", numberAt, base, destinationOf(drawn.link)));
   const std::string side = sideOf(drawn.side);
-  const int end = pictureWidth - (side.empty() ? 0 : 42);
+  const int end = pictureWidth - (side.empty() ? 0 : sideWidth);
   if (!drawn.name.empty()) group.add(words("h", nameAt, base, fitted(drawn.name, end - nameAt)));
   if (!side.empty()) group.add(words("w e", pictureWidth, base, side));
   return group;

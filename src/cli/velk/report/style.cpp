@@ -56,6 +56,8 @@ constexpr std::string_view pageRules =
     "var(--line)}"
     "thead th{color:var(--soft);font-weight:600;font-size:.8125rem;border-bottom-width:2px}"
     "tbody th{font-weight:600;min-width:9rem}thead{display:table-header-group}tr{break-inside:avoid}"
+    "tr:has(td:last-child "
+    ".part:nth-child(12)){break-inside:auto}td{orphans:3;widows:3}p.intro{break-after:avoid}"
     ".part{display:inline-block;background:var(--panel);border-radius:.25rem;padding:0 .4rem;"
     "margin:.1rem .2rem .1rem 0;max-width:100%}.part .name{color:var(--soft)}"
     ".lanes{display:grid;gap:.75rem 2rem;grid-template-columns:repeat(auto-fill,minmax(min(100%,19rem),1fr));"
@@ -76,15 +78,15 @@ constexpr std::string_view pageRules =
     "grid-template-columns:15rem minmax(0,1fr)}header,footer{grid-column:1/3}"
     "nav{position:sticky;top:0;align-self:start;max-height:100vh;overflow:auto;padding-top:1.5rem}"
     "nav ol{display:block}}"
-    "@media print,(min-width:40.01rem){#outputs th{width:18%}#outputs td{width:12%}#outputs "
-    "td:nth-child(3){width:44%}"
-    "#outputs td:nth-child(4){width:26%}}"
+    "@media print,(min-width:40.01rem){#outputs th{width:16%}#outputs td{width:11%}#outputs "
+    "td:nth-child(3){width:35%}"
+    "#outputs td:nth-child(4){width:38%}}"
     "@page{size:A4;margin:15mm 14mm}"
     "@media print{body{font-size:9.5pt}table{font-size:8.5pt;line-height:1.35}th,td{padding:.2rem .75rem "
     ".2rem 0}header,nav,main,footer{padding:0}"
     "h1{font-size:20pt}h2{font-size:14pt}.skip{display:none}section{margin-top:1rem;padding-top:1rem}"
     ".lanes{grid-template-columns:1fr 1fr;gap:.4rem 1.5rem}a{color:inherit;text-decoration:none}"
-    ".part{border:1px solid var(--line)}}";
+    ".part{border:1px solid var(--line)}tbody th{min-width:0}a:focus-visible{outline:none}}";
 
 std::string variables(std::string_view Colour::*scheme) {
   std::string text = ":root{";
