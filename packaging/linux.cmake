@@ -84,7 +84,9 @@ foreach(program velk velk-sim)
 endforeach()
 install(FILES ${PROJECT_BINARY_DIR}/velk.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _velk)
 file(GLOB documents CONFIGURE_DEPENDS docs/*.md)
-install(FILES ${documents} docs/velk.schema.json README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${documents} docs/velk.schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs) # where they lead to each other
+install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY examples/linux packaging/systemd DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 set(CPACK_GENERATOR DEB)

@@ -15,6 +15,7 @@ pre, code { font: 14px/1.4 Consolas, monospace; background: #f4f4f4 }
 pre { padding: .7em; overflow-x: auto }
 table { border-collapse: collapse; display: block; overflow-x: auto }
 th, td { border: 1px solid #ccc; padding: .25em .6em; text-align: left; vertical-align: top }
+img { max-width: 100%; border: 1px solid #ccc }
 thead th:empty { display: none }
 """
 

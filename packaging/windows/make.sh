@@ -28,6 +28,7 @@ binaries x64 "$x64" x86_64
 binaries x86 "$x86" i686
 mkdir "$tree/docs"
 cp "$source"/docs/*.md "$source/docs/velk.schema.json" "$tree/docs/"
+cp -r "$source/docs/images" "$tree/docs/"
 cp "$source"/{README.md,CHANGELOG.md,SECURITY.md} "$tree/"
 sed 's/$/\r/' "$here/tools.cmd" >"$tree/tools.cmd"
 sed 's/$/\r/' "$source/LICENSE" >"$tree/LICENSE.txt"

@@ -44,6 +44,10 @@ check "  and that of the tools" \
 check "  and of the manual page" sh -c "zcat -f '$usr'/share/man/man1/velk.1* | grep -F '\"VelkCom $version\"'"
 check "  and the newest that CHANGELOG.md tells of" \
   test "$(zcat -f "$usr"/share/doc/velkcom/CHANGELOG.md* | grep '^## [0-9]' | head -n 1)" = "## $version"
+pictures_are_there() ( # those of its first document
+  cd "$usr/share/doc/velkcom" && ls $(sed -n 's/^!\[.*](\(.*\))$/\1/p' README.md) docs/reference.md
+)
+check "its documents lie where they lead to each other" pictures_are_there
 completes() { # completes LINE COMPLETION: bash, with the cursor behind the line, offers the completion
   bash -c '. "$1"; COMP_LINE=$2 COMP_POINT=${#2}; compopt() { COMPREPLY=("$*"); }; _velk "$4" "${2##* }"
     printf "%s\n" "${COMPREPLY[@]}" | grep -qx -- "$3"' \

@@ -71,7 +71,7 @@ uninstall() { # uninstall FOLDER [SWITCH]: its uninstaller goes on as a copy of 
 }
 
 has_files() { # has_files FOLDER
-  for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.html README.html \
+  for file in {x64,x86}/{VelkCom.dll,velk.exe,velk-sim.exe} docs/reference.html docs/images/simulator.png README.html \
     tools.cmd LICENSE.txt bindings/{VelkCom.cs,VelkCom_TLB.pas,velkcom.h} licenses/libcli11-dev.txt examples/set_clock.vbs \
     uninstall.exe; do
     [ -s "$1/$file" ] || { echo "$file is missing"; return 1; }
@@ -80,7 +80,7 @@ has_files() { # has_files FOLDER
 links_lead_somewhere() { # links_lead_somewhere FOLDER: those of its documents
   local page link count=0
   for page in "$1"/*.html "$1"/docs/*.html; do
-    for link in $(sed -n 's/<a /\n<a /gp' "$page" | sed -n 's/^<a href="\([^"#:]*\)[#"].*/\1/p' | sort -u); do
+    for link in $(sed 's/<\(a\|img\) /\n&/g' "$page" | sed -n 's/^<\(a href\|img src\)="\([^"#:]*\)[#"].*/\2/p' | sort -u); do
       count=$((count + 1))
       [ -e "$(dirname "$page")/$link" ] || { echo "$page: $link"; return 1; }
     done
