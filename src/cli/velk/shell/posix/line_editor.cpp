@@ -51,7 +51,8 @@ class LineEditor::System {
     history(history_, &event, H_SETUNIQUE, 1);
     el_set(editor_, EL_HIST, history, history_);
     el_source(editor_, nullptr);  // what the user has set in ~/.editrc
-    el_set(editor_, EL_ADDFN, "velk-complete", "Complete the word", &completed);
+    // Of narrow words it makes copies, which nobody frees.
+    el_wset(editor_, EL_ADDFN, L"velk-complete", L"Complete the word", &completed);
     el_set(editor_, EL_BIND, "^I", "velk-complete", nullptr);
     el_set(editor_, EL_BIND, "^R", "em-inc-search-prev", nullptr);
     for (const std::string& line : readHistory(kept)) remember(line);
