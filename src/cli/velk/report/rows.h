@@ -5,6 +5,7 @@
 
 #include "cli/velk/report/markup.h"
 #include "cli/velk/things/details.h"
+#include "values/bytes.h"
 
 namespace velk::cli {
 
