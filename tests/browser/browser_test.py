@@ -279,6 +279,8 @@ with tempfile.TemporaryDirectory(prefix="velk-browser-") as folder:
         check_reports()
         check_simulator()
     finally:
+        check_console("at the end")
         browser.quit()
-        print(*dict.fromkeys(faults), sep="\n")
+        for fault in dict.fromkeys(faults):
+            print(fault)
 sys.exit(bool(faults))
