@@ -33,7 +33,7 @@ for file in sorted((root / "tests/cli/transcripts").glob("*.txt")):
     name = None
     for number, line in enumerate(file.read_text().splitlines(), 1):
         if line.startswith("$ "):
-            command = re.fullmatch(r"\$ velk ([a-z-]+)\b[^|;]*", line)
+            command = re.fullmatch(r"\$ velk ([a-z][a-z-]*)\b[^|;]*", line)
             name = "velk-" + command[1] if command and "--json" in line else None
         elif name and line.startswith(("{", "[")):
             check(name, line, f"{file.name}:{number}")

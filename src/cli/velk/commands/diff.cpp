@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/difference.h"
 #include "cli/velk/backup/identity.h"
@@ -22,13 +25,22 @@ struct DiffOptions : LinkedOptions {
   }
 };
 
+/// Whether names of outputs are told beside other things, but not read with them.
+bool namesOutputs(const Sections& sections) {
+  constexpr auto naming = std::to_array<std::string_view>({"links", "presets", "switch-times", "simulation"});
+  return !isSelected(sections, "outputs") &&
+         std::any_of(naming.begin(), naming.end(),
+                     [&](std::string_view name) { return isSelected(sections, name); });
+}
+
 /// The exit status 1 tells that there are differences and nothing else: a controller that refuses or does not
 /// answer counts as a link that fails.
 Backup readController(const LinkOptions& link, const Backup& like, const Sections& sections) {
   const auto connection = open(link);
   try {
-    // The names of outputs stand in other sections, too.
-    return readLike(connection->serial(), like, sections, readIdentity(connection->serial(), like.lines));
+    Serial& serial = connection->serial();
+    return readLike(serial, like, sections,
+                    namesOutputs(sections) ? readIdentity(serial, like.lines) : Lines());
   } catch (const Failure& failure) {
     throw Failure(failure.status == badResult ? noLink : failure.status, failure.what(), failure.result);
   }
