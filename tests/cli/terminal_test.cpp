@@ -217,7 +217,8 @@ TEST(Shell, CtrlCBreaksOffTheCommandAlone) {
   // The first connection reads a minute long, without a sign of it: Ctrl-C at the prompt does no harm.
   const House house("--fault late=600@*");
   const std::string file = folder / "a.json";
-  const Ended ended = talkTo(house.with("shell"), {{prompt, "half a line\x03"},
+  const Ended ended = talkTo(house.with("shell"), {{prompt, "half a line"},
+                                                   {"half a line", "\x03", true},
                                                    {prompt, "outputs\n"},
                                                    {"outputs\r\n", "\x03", true},
                                                    {"velk: interrupted", ""},

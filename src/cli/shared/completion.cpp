@@ -136,18 +136,20 @@ class Walk {
   }
 
   /// All that a value can be.
-  [[nodiscard]] std::optional<Candidates> all(const OptionShape& option) const {
+  [[nodiscard]] std::optional<Candidates> all(const OptionShape& option, const std::string& word) const {
     if (option.value == "COMMAND") return commandsOf(program_);
-    if (option.words.empty())
-      return valuesAt_({.command = command_->name, .option = option, .before = values_, .link = link_});
+    if (option.words.empty()) {
+      return valuesAt_(
+          {.command = command_->name, .option = option, .before = values_, .link = link_, .word = word});
+    }
     Candidates all;
-    for (const std::string& word : option.words) all.push_back({word, ""});
+    for (const std::string& each : option.words) all.push_back({each, ""});
     return all;
   }
 
   /// In a list with delimiters the word may hold several values: the last one is meant.
   [[nodiscard]] std::optional<Candidates> values(const OptionShape& option, const std::string& word) const {
-    auto found = all(option);
+    auto found = all(option, word);
     if (!found) return found;
     const auto last = option.delimiter == 0 ? npos : word.rfind(option.delimiter);
     const std::string front = last == npos ? "" : word.substr(0, last + 1);
@@ -171,16 +173,31 @@ class Walk {
   bool isEnded_ = false;  ///< "--" stood there: what comes is no option
 };
 
+/// A word as it is typed outside of quotes.
+std::string typedWord(const std::string& word) {
+  constexpr std::string_view special = " \t\"'\\$`&|;<>()*?[]{}!#~";
+  std::string typed;
+  for (const char c : word) {
+    if (special.find(c) != npos) typed += '\\';
+    typed += c;
+  }
+  return typed;
+}
+
 /// With the name of each, when there are several: the Bash shows nothing but words.
-void printForBash(const Candidates& found, std::size_t replacedFrom) {
+void printForBash(Candidates found, std::size_t replacedFrom, bool isQuoted) {
   std::size_t width = 0;
-  for (const Candidate& candidate : found) width = std::max(width, candidate.word.size());
+  for (Candidate& candidate : found) {
+    candidate.word.erase(0, replacedFrom);
+    if (!isQuoted) candidate.word = typedWord(candidate.word);
+    width = std::max(width, candidate.word.size());
+  }
   for (const Candidate& candidate : found) {
-    std::string word = candidate.word.substr(std::min(replacedFrom, candidate.word.size()));
+    std::cout << candidate.word;
     if (found.size() > 1 && !candidate.help.empty()) {
-      word.append(width - candidate.word.size() + 2, ' ').append("(" + candidate.help + ")");
+      std::cout << std::string(width - candidate.word.size() + 2, ' ') << '(' << candidate.help << ')';
     }
-    std::cout << word << '\n';
+    std::cout << '\n';
   }
 }
 
@@ -201,7 +218,7 @@ std::optional<int> answerBash(const CommandShape& program, const std::vector<std
   // The Bash replaces what stands behind the last "=" or ":" alone.
   const std::string& last = words.back();
   const bool isPart = last.ends_with(arguments[2]);
-  if (found) printForBash(*found, isPart ? last.size() - arguments[2].size() : 0);
+  if (found) printForBash(*found, isPart ? last.size() - arguments[2].size() : 0, line.open != 0);
   return statusFor(found);
 }
 

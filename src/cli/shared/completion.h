@@ -25,6 +25,7 @@ struct Place {
   OptionShape option;
   std::vector<std::string> before;  ///< the values in front that are known by their position
   std::vector<std::string> link;    ///< the options of the heading "Link", with their values
+  std::string word;                 ///< what is typed of it
 };
 
 /// What can stand in a place; none where files do. Not asked for values of few words, and those that help

@@ -10,6 +10,7 @@
 #include "cli/velk/backup/describe.h"
 #include "cli/velk/connection/houses.h"
 #include "cli/velk/connection/link_choice.h"
+#include "cli/velk/connection/serial_ports.h"
 #include "cli/velk/connection/shared_link.h"
 #include "cli/velk/things/output.h"
 #include "cli/velk/things/preset.h"
@@ -29,6 +30,15 @@ Found nothing(const Place& /*place*/) {
 
 Found files(const Place& /*place*/) {
   return std::nullopt;
+}
+
+/// Ports that the system knows, and files where none of them begins so: a link to a port has a name of its own.
+Found devices(const Place& place) {
+  Candidates found;
+  for (const SerialPortFacts& port : findSerialPorts()) {
+    if (port.device.starts_with(place.word)) found.push_back({port.device, port.adapter});
+  }
+  return found.empty() ? std::nullopt : Found(std::move(found));
 }
 
 Found linkTexts(const Place& /*place*/) {
@@ -128,11 +138,18 @@ Found numbered(const Place& place, int last, Read read) {
   });
 }
 
+/// By number or, when a letter is typed, by name.
 Found outputs(const Place& place) {
-  return numbered(place, lastOutput, [](Serial& serial, Byte number) -> std::optional<std::string> {
-    const Output output = readOutputHead(serial, number);
-    if (output.mode.empty() && output.name.empty()) return std::nullopt;
-    return output.name.empty() ? output.mode : output.name;
+  constexpr std::string_view digits = "0123456789";
+  const bool byName = !place.word.empty() && digits.find(place.word.front()) == std::string_view::npos;
+  return asked(place, [&](Serial& serial, Candidates& found, Moment end) {
+    for (int number = 1; number <= lastOutput && std::chrono::steady_clock::now() < end; ++number) {
+      const Output output = readOutputHead(serial, static_cast<Byte>(number));
+      const std::string text = std::to_string(number);
+      if (byName && !output.name.empty()) found.push_back({output.name, "output " + text});
+      if (byName || (output.mode.empty() && output.name.empty())) continue;
+      found.push_back({text, output.name.empty() ? output.mode : output.name});
+    }
   });
 }
 
@@ -227,7 +244,7 @@ constexpr std::array rows{
     Row{"diff", "B", files},
     Row{"report", "A", files},
     Row{"report", "B", files},
-    Row{"", "--serial", files},
+    Row{"", "--serial", devices},
     Row{"", "--trace", files},
     Row{"", "--link", linkTexts},
     Row{"", "--house", houses},
