@@ -53,7 +53,7 @@ RequestLog::Batch RequestLog::take(std::uint64_t& next, std::size_t most) const 
   const std::uint64_t waiting = count_ - std::min(next, count_);
   const auto taken = std::min<std::uint64_t>({waiting, most, capacity});
   Batch batch{.first = count_ - taken, .requests = {}, .missed = waiting - taken};
-  batch.requests.reserve(taken);
+  batch.requests.reserve(static_cast<std::size_t>(taken));
   for (std::uint64_t i = batch.first; i < count_; ++i) batch.requests.push_back(ring_[i % capacity]);
   next = count_;
   return batch;
