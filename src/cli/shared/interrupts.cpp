@@ -58,6 +58,7 @@ void checkBreak() {
 
 bool forgetInterrupt() {
   if (came == Interrupt::end) return false;
+  system::forgetInterrupts();
   came = Interrupt::none;
   return true;
 }

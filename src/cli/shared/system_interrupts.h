@@ -24,6 +24,9 @@ void handleInterrupts(void (*note)(Interrupt), Waits waits);
 /// once one has come.
 void waitForInterrupt(std::chrono::milliseconds longest);
 
+/// What has come no longer ends a wait.
+void forgetInterrupts();
+
 /// Lets them end the program.
 void leaveInterrupts();
 

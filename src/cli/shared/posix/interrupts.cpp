@@ -1,3 +1,5 @@
+#include "cli/shared/posix/interrupts.h"
+
 #include <poll.h>
 #include <sys/eventfd.h>
 
@@ -39,6 +41,15 @@ void handleInterrupts(void (*note)(Interrupt), Waits waits) {
 void waitForInterrupt(std::chrono::milliseconds longest) {
   pollfd watched{.fd = arrival, .events = POLLIN, .revents = 0};
   poll(&watched, 1, static_cast<int>(longest.count()));
+}
+
+int interruptArrival() {
+  return arrival;
+}
+
+void forgetInterrupts() {
+  eventfd_t count = 0;
+  eventfd_read(arrival, &count);
 }
 
 void leaveInterrupts() {

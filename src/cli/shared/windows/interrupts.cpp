@@ -7,6 +7,7 @@ namespace {
 
 void (*noteInterrupt)(Interrupt) = nullptr;
 const HANDLE arrival = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+bool isHandled = false;
 
 /// Runs on a thread of its own. Windows ends the process when this returns from an event that closes the
 /// console or ends the session, and a few seconds later in any case: it does not return before the program
@@ -25,16 +26,19 @@ BOOL WINAPI onEvent(DWORD event) {
 void handleInterrupts(void (*note)(Interrupt), Waits /*waits*/) {
   noteInterrupt = note;
   // Each call would add it once more, and one removal leave the others.
-  SetConsoleCtrlHandler(onEvent, FALSE);
-  SetConsoleCtrlHandler(onEvent, TRUE);
+  if (!isHandled) isHandled = SetConsoleCtrlHandler(onEvent, TRUE) != 0;
 }
 
 void waitForInterrupt(std::chrono::milliseconds longest) {
   WaitForSingleObject(arrival, static_cast<DWORD>(longest.count()));
 }
 
+void forgetInterrupts() {
+  ResetEvent(arrival);
+}
+
 void leaveInterrupts() {
-  SetConsoleCtrlHandler(onEvent, FALSE);
+  if (isHandled) isHandled = SetConsoleCtrlHandler(onEvent, FALSE) == 0;
 }
 
 }  // namespace velk::cli::system

@@ -1,9 +1,9 @@
 #include "cli/velk/commands/consent.h"
 
-#include <cstdio>
 #include <iostream>
 
 #include "cli/shared/failure.h"
+#include "cli/shared/input.h"
 #include "cli/shared/interrupts.h"
 #include "cli/shared/terminal.h"
 
@@ -13,12 +13,7 @@ bool agreed(const std::string& question) {
   std::cerr << question << " [y/N] ";
   std::string answer;
   unwatchInterrupts();
-  if (!std::getline(std::cin, answer)) {
-    std::cerr << '\n';
-    // A shell may ask once more.
-    std::cin.clear();
-    std::clearerr(stdin);
-  }
+  if (!readLine(answer)) std::cerr << '\n';
   watchInterrupts();
   const bool isYes = answer == "y" || answer == "Y" || answer == "yes";
   if (!isYes) std::cerr << "velk: nothing is written\n";

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "cli/shared/guarded.h"
+#include "cli/shared/input.h"
 #include "cli/shared/interrupts.h"
 #include "cli/shared/line_words.h"
 #include "cli/shared/terminal.h"
@@ -41,15 +42,15 @@ class Shell {
     LineEditor editor("velk> ", [&](const std::string& beforeCursor) {
       return completeLine(program, beforeCursor, valuesAt);
     });
-    while (true) {
+    while (forgetInterrupt()) {
       unwatchInterrupts();
       const auto line = editor.read();
-      if (!forgetInterrupt()) return interrupted;
       if (!line || isExit(wordsOf(*line).words)) return success;
       const int status = carryOut(*line, "");
       // What was refused may hold what nobody means to keep, such as a password.
       if (status != wrongUsage && !wordsOf(*line).words.empty()) editor.keep(*line);
     }
+    return interrupted;
   }
 
   /// Those of a file or a pipe; returns the status of the last command that has failed.
@@ -65,8 +66,8 @@ class Shell {
 
  private:
   static bool typed(std::string& line) {
-    unwatchInterrupts();  // ends the wait
-    return !isInterrupted() && std::getline(std::cin, line) && !isInterrupted();
+    unwatchInterrupts();
+    return readLine(line);
   }
 
   /// What can be completed: without what no line takes.

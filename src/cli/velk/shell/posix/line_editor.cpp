@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cwchar>
 #include <utility>
 
 #include "cli/shared/interrupts.h"
+#include "cli/shared/posix/input.h"
 #include "cli/velk/shell/posix/history_file.h"
 
 namespace velk::cli {
@@ -46,6 +48,7 @@ class LineEditor::System {
     el_set(editor_, EL_CLIENTDATA, this);
     el_set(editor_, EL_PROMPT, &promptOf);
     el_set(editor_, EL_EDITOR, "emacs");
+    el_wset(editor_, EL_GETCFN, &readCharacter);
     HistEvent event{};
     history(history_, &event, H_SETSIZE, kept);
     history(history_, &event, H_SETUNIQUE, 1);
@@ -87,6 +90,19 @@ class LineEditor::System {
   }
 
   static char* promptOf(EditLine* editor) { return of(editor).prompt_.data(); }
+
+  /// As the editor's own, but a request to end that comes just in front of the wait ends it too.
+  static int readCharacter(EditLine* /*editor*/, wchar_t* character) {
+    constexpr auto isCut = static_cast<std::size_t>(-2);
+    constexpr auto isNone = static_cast<std::size_t>(-1);
+    std::mbstate_t state{};
+    for (char byte = 0; system::readInput(&byte, 1) == 1;) {
+      const std::size_t size = std::mbrtowc(character, &byte, 1, &state);
+      if (size != isCut && size != isNone) return 1;
+      if (size == isNone) state = {};
+    }
+    return 0;
+  }
 
   static unsigned char completed(EditLine* editor, int /*key*/) {
     const LineInfo* const line = el_line(editor);
