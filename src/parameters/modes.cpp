@@ -19,18 +19,17 @@ Byte ModeToNr(std::string_view code) {
   return static_cast<Byte>(std::lround(static_cast<double>(found + 1) / 3));
 }
 
-std::string_view codeOf(Byte mode) {
+std::string_view codeOf(Byte mode, bool isRoller) {
+  if (mode == 0 || mode > lastMode) return {};
+  if (mode == rollerMode && !isRoller) return "DI";
   return packedCodes.substr(std::size_t{3} * mode - 1, 2);
 }
 
 std::string ModeToStr(const link::Memory& memory, Byte mode, Byte output) {
-  if (mode == 0 || mode > lastMode) return {};
-  if (mode == rollerMode) {
-    const Bytes reply = memory.tryRead(1, rollerMarker(output));
-    const bool marked = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == output;
-    return marked ? "RO" : "DI";
-  }
-  return std::string(codeOf(mode));
+  if (mode != rollerMode) return std::string(codeOf(mode, false));
+  const Bytes reply = memory.tryRead(1, rollerMarker(output));
+  const bool isRoller = byteAt(reply, 0) == 0 && reply.size() > 1 && byteAt(reply, 1) == output;
+  return std::string(codeOf(mode, isRoller));
 }
 
 }  // namespace velk::parameters

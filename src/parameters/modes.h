@@ -20,8 +20,8 @@ constexpr Byte rollerMode = 4;
 /// The number of a code, 0 when the text is not found.
 Byte ModeToNr(std::string_view code);
 
-/// The code of a number from 1 to 21; of 4 it is "RO".
-std::string_view codeOf(Byte mode);
+/// The code of a number, empty outside 1 to 21; of 4 it is "RO" or "DI".
+std::string_view codeOf(Byte mode, bool isRoller);
 
 /// The code of a number, empty outside 1 to 21. For number 4 the controller is asked which of "RO" and "DI"
 /// it is; a failed transaction gives "DI".

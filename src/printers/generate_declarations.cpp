@@ -273,7 +273,7 @@ std::string results(const Language& language, const std::string& header) {
 std::string modes(const Language& language) {
   std::string lines;
   for (int number = 1; number <= velk::parameters::lastMode; ++number) {
-    const std::string code(velk::parameters::codeOf(static_cast<velk::Byte>(number)));
+    const std::string code(velk::parameters::codeOf(static_cast<velk::Byte>(number), true));
     lines += constant(language, "Mode", code, number, "");
   }
   return lines;

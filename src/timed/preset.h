@@ -10,6 +10,18 @@ namespace velk::timed {
 
 constexpr Byte lastPreset = 92;
 
+/// Records are numbered by address, as outputs are.
+constexpr Byte firstPresetRecord = 3;
+constexpr Byte lastPresetRecord = 99;
+
+constexpr Byte presetRecordSize = 4;
+constexpr Byte presetTextSize = 16;
+
+/// Delays that can be stored, each alone.
+constexpr int shortestDelay = 5;
+constexpr int longestDelay = 200;
+constexpr int noDelay = 255;  ///< stored for a missing second delay
+
 /// High address byte of a preset's data records. The presets 29 to 60 and 61 to 92 share pages.
 Byte DPHPreset(Byte preset);
 
@@ -31,9 +43,19 @@ constexpr link::Address presetDelays(Byte preset) {
           .offset = static_cast<Byte>((preset - 1) % 4 * 2 + 8)};
 }
 
+/// The second delay, 0 for none, from the two bytes that are stored: two that come to 255 read back as one.
+constexpr Byte secondDelay(Byte first, Byte second) {
+  return first + second >= noDelay ? Byte{0} : second;
+}
+
 /// Where its simulation flag lies, in a byte of the four.
 constexpr link::Address presetFlags(Byte preset) {
   return {.page = presetDelays(preset).page, .offset = 18};
+}
+
+/// The flag in that byte.
+constexpr int presetFlag(Byte preset) {
+  return 1 << ((preset - 1) % 4);
 }
 
 /// One preset, as `Preset` hands it in and out.

@@ -6,8 +6,6 @@
 
 #include <utility>
 
-#include "platform/posix/fd.h"
-
 namespace velk::platform {
 namespace {
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/posix/fd.h"
+
 namespace velk::platform {
 
 /// The driver's low-latency flag. A USB adapter holds what has come back for up to 16 ms to send more at once;
@@ -14,7 +16,7 @@ class LowLatency {
   void end();
 
  private:
-  int fd_ = -1;  ///< of the device whose flag is ours
+  int fd_ = Fd::none;  ///< of the device whose flag is ours
 };
 
 }  // namespace velk::platform

@@ -9,7 +9,6 @@
 #include "memory/map.h"
 #include "parameters/layouts.h"
 #include "parameters/modes.h"
-#include "timed/preset.h"
 #include "values/hex.h"
 
 namespace velk::cli::web {
@@ -25,10 +24,8 @@ std::string labelAt(const Store& store, Address at) {
 }
 
 std::string modeOf(const Store& store, Byte number) {
-  const Byte mode = store[{.page = number, .offset = parameters::modeOffset}];
-  if (mode == 0 || mode > parameters::lastMode) return {};
-  if (mode == parameters::rollerMode && store[parameters::rollerMarker(number)] != number) return "DI";
-  return std::string(parameters::codeOf(mode));
+  const bool isRoller = store[parameters::rollerMarker(number)] == number;
+  return std::string(parameters::codeOf(store[{.page = number, .offset = parameters::modeOffset}], isRoller));
 }
 
 Output outputIn(const Store& store, Byte number) {
@@ -46,13 +43,11 @@ Output outputIn(const Store& store, Byte number) {
 
 Preset presetIn(const Store& store, Byte number) {
   const Address delays = timed::presetDelays(number);
-  constexpr Byte none = 255;
-  const Byte delay2 = store[delays.next()];
   Preset preset{.number = number,
                 .stored = store.read(timed::presetText(number), presetTextSize),
                 .delay1 = store[delays],
-                .delay2 = delay2 == none ? Byte{0} : delay2,
-                .simulated = (store[timed::presetFlags(number)] >> (number - 1) % 4 & 1) != 0,
+                .delay2 = timed::secondDelay(store[delays], store[delays.next()]),
+                .simulated = (store[timed::presetFlags(number)] & timed::presetFlag(number)) != 0,
                 .records = {}};
   for (Byte record = firstPresetRecord; record <= lastPresetRecord; ++record) {
     Bytes bytes = store.read(timed::presetRecord(number, record), presetRecordSize);
@@ -75,7 +70,7 @@ Json outputsOf(const Store& store) {
 
 Json presetsOf(const Store& store) {
   Json list = Json::array();
-  for (Byte number = 1; number <= timed::lastPreset; ++number) {
+  for (Byte number = 1; number <= lastPreset; ++number) {
     const Preset preset = presetIn(store, number);
     if (!isUsed(preset)) continue;
     Json json = jsonOfHead(preset);

@@ -72,7 +72,7 @@ void listLinks(Serial& serial, const LinkedOptions& /*options*/, List& list) {
 }
 
 void listPresets(Serial& serial, const LinkedOptions& /*options*/, List& list) {
-  for (const int number : counted("presets", 1, lastPresetNumber)) {
+  for (const int number : counted("presets", 1, lastPreset)) {
     const Preset preset = readPreset(serial, static_cast<Byte>(number), Records::withoutMost);
     if (!isUsed(preset)) continue;
     const std::string delay2 = preset.delay2 == 0 ? "" : std::to_string(preset.delay2);

@@ -55,11 +55,10 @@ Byte parsePresetNumber(const std::string& typed) {
   const auto number = wholeNumber<int>(typed);
   if (!number) {
     throw std::invalid_argument("\"" + typed + "\" is no preset's number, 1 to " +
-                                std::to_string(lastPresetNumber) + "; \"velk presets\" lists those in use");
+                                std::to_string(lastPreset) + "; \"velk presets\" lists those in use");
   }
-  if (*number < 1 || *number > lastPresetNumber) {
-    throw std::invalid_argument("there is no preset " + typed + ", but 1 to " +
-                                std::to_string(lastPresetNumber));
+  if (*number < 1 || *number > lastPreset) {
+    throw std::invalid_argument("there is no preset " + typed + ", but 1 to " + std::to_string(lastPreset));
   }
   return static_cast<Byte>(*number);
 }
@@ -68,12 +67,12 @@ Delays parseDelays(const std::string& typed) {
   const std::string_view text = typed;
   const auto comma = text.find(',');
   const auto one = [&](std::string_view part) {
-    return numberIn(typed, part, "a delay", shortestDelay, longestDelay);
+    return numberIn(typed, part, "a delay", timed::shortestDelay, timed::longestDelay);
   };
   Delays delays{.first = one(text.substr(0, comma))};
   if (comma != std::string_view::npos) delays.second = one(text.substr(comma + 1));
-  if (delays.first + delays.second > longestDelays) {
-    throw std::invalid_argument("\"" + typed + "\": two delays are " + std::to_string(longestDelays) +
+  if (delays.first + delays.second >= timed::noDelay) {
+    throw std::invalid_argument("\"" + typed + "\": two delays are " + std::to_string(timed::noDelay - 1) +
                                 " together at most");
   }
   return delays;
@@ -173,7 +172,7 @@ Preset presetWith(Serial& serial, const WantedPreset& wanted, const Preset& befo
   }
   if (wanted.simulated) after.simulated = *wanted.simulated;
   setRecords(after, wanted.records, names);
-  if (after.delay1 < shortestDelay || after.delay1 > longestDelay) {
+  if (after.delay1 < timed::shortestDelay || after.delay1 > timed::longestDelay) {
     throw std::invalid_argument(titleOf(after) + " has no delay from 5 to 200 yet: give --delay A[,B]");
   }
   return after;

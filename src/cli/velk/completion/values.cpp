@@ -154,7 +154,7 @@ Found outputs(const Place& place) {
 }
 
 Found presets(const Place& place) {
-  return numbered(place, lastPresetNumber, [](Serial& serial, Byte number) -> std::optional<std::string> {
+  return numbered(place, lastPreset, [](Serial& serial, Byte number) -> std::optional<std::string> {
     const Preset preset = readPreset(serial, number, Records::withoutMost);
     return isUsed(preset) ? std::optional(textOf(preset)) : std::nullopt;
   });

@@ -133,7 +133,7 @@ Drawings drawLinks(HouseView& is, HouseView* was) {
 
 Rows readPresets(HouseView& house) {
   Rows rows;
-  for (Byte number = 1; number <= lastPresetNumber; ++number) {
+  for (Byte number = 1; number <= lastPreset; ++number) {
     const Preset preset = readPreset(house.serial(), number);
     if (!isUsed(preset)) continue;
     Details records;

@@ -58,7 +58,8 @@ Byte readByte(Serial& serial, link::Address at, const std::string& what) {
 std::string readMode(Serial& serial, Byte number, const std::string& what) {
   const Byte mode = readByte(serial, {.page = number, .offset = parameters::modeOffset}, what);
   if (mode != parameters::rollerMode) return serial.ModeToStr(mode, number);
-  return readByte(serial, parameters::rollerMarker(number), what) == number ? "RO" : "DI";
+  const bool isRoller = readByte(serial, parameters::rollerMarker(number), what) == number;
+  return std::string(parameters::codeOf(mode, isRoller));
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "cli/velk/connection/retry.h"
 #include "cli/velk/connection/transfer.h"
 #include "cli/velk/things/words.h"
-#include "timed/preset.h"
 
 namespace velk::cli {
 namespace {
@@ -14,16 +13,15 @@ Bytes recordOf(const Preset& preset, Byte number) {
 }
 
 Bytes storedDelays(const Preset& preset) {
-  constexpr int noDelay = 255;
   // A preset that was never set has none.
   if (preset.delay1 == 0) return Bytes(2, '\0');
-  return {character(preset.delay1), character(preset.delay2 == 0 ? noDelay : preset.delay2)};
+  return {character(preset.delay1), character(preset.delay2 == 0 ? timed::noDelay : preset.delay2)};
 }
 
 /// Four presets share the byte.
 void writeFlag(Serial& serial, const Preset& preset) {
   const link::Address at = timed::presetFlags(preset.number);
-  const int flag = 1 << ((preset.number - 1) % 4);
+  const int flag = timed::presetFlag(preset.number);
   const int others = byteAt(readTransfer(serial, at, 1, titleOf(preset)), 0) & ~flag;
   writeTransfer(serial, at, Bytes(1, character(preset.simulated ? others | flag : others)), titleOf(preset));
 }

@@ -7,21 +7,15 @@
 #include "cli/velk/things/details.h"
 #include "cli/velk/things/output_names.h"
 #include "component/serial.h"
+#include "timed/preset.h"
 
 namespace velk::cli {
 
-constexpr Byte lastPresetNumber = 92;
-constexpr Byte presetTextSize = 16;
-
-/// Records are numbered by address, as outputs are. A record has four bytes.
-constexpr Byte firstPresetRecord = 3;
-constexpr Byte lastPresetRecord = 99;
-constexpr std::size_t presetRecordSize = 4;
-
-/// Delays that can be stored, each alone. Two that come to more than `longestDelays` together read back as one.
-constexpr int shortestDelay = 5;
-constexpr int longestDelay = 200;
-constexpr int longestDelays = 254;
+using timed::firstPresetRecord;
+using timed::lastPreset;
+using timed::lastPresetRecord;
+using timed::presetRecordSize;
+using timed::presetTextSize;
 
 /// A preset: text, delays and the records that are not all zero.
 struct Preset {
