@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "cli/shared/failure.h"
+#include "cli/shared/file_names.h"
 #include "cli/shared/system_files.h"
 
 namespace velk::cli {
@@ -12,26 +12,22 @@ namespace {
 
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 
-Failure failureOf(const std::string& path, const std::system_error& error) {
-  const std::string name = path == standardStream ? "standard output" : path;
-  return {badFile, name + ": " + error.code().message()};
-}
-
 /// Calls `use`; what the system refuses is told with the file's name.
 template <class Use>
 auto named(const std::string& path, Use use) {
   try {
     return use();
   } catch (const std::system_error& error) {
-    throw failureOf(path, error);
+    throw failureOfFile(path, error.code());
   }
 }
 
-std::filesystem::path pathOf(const std::string& name) {
-  return std::u8string(name.begin(), name.end());
-}
-
 }  // namespace
+
+Failure failureOfFile(const std::string& path, const std::error_code& reason) {
+  const std::string name = path == standardStream ? "standard output" : path;
+  return {badFile, name + ": " + reason.message()};
+}
 
 void requireApart(const std::string& read, const std::string& written) {
   std::error_code none;
@@ -49,7 +45,7 @@ std::optional<std::string> readFileIfThere(const std::string& path) {
     return system::read(path, largestFile);
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
-    throw failureOf(path, error);
+    throw failureOfFile(path, error.code());
   }
 }
 

@@ -4,6 +4,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+
+#include "cli/shared/failure.h"
 
 /// Files that people name. What the system refuses is told as a `Failure` with `badFile`: the name and the
 /// system's reason.
@@ -11,6 +14,9 @@ namespace velk::cli {
 
 /// In place of a file's name: standard output, and standard input where a file is read.
 constexpr std::string_view standardStream = "-";
+
+/// What is told of a file that the system refuses.
+Failure failureOfFile(const std::string& path, const std::error_code& reason);
 
 /// A whole file, of at most 16 MiB.
 std::string readFile(const std::string& path);

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <iostream>
 #include <new>
-#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -14,9 +13,6 @@
 
 namespace velk::cli {
 
-namespace {
-
-/// Why standard output has failed, now or before.
 std::optional<Failure> failureOfOutput() {
   errno = 0;
   std::cout.flush();
@@ -28,8 +24,6 @@ std::optional<Failure> failureOfOutput() {
   const std::string why = reason == 0 ? "" : ": " + std::generic_category().message(reason);
   return Failure(badFile, "standard output cannot be written" + why);
 }
-
-}  // namespace
 
 std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
   try {
@@ -49,9 +43,9 @@ std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut) {
   }
 }
 
-bool asksForJson(int argc, char** argv) {
-  char** const end = std::find(argv, argv + argc, std::string_view("--"));
-  return std::find(argv, end, std::string_view("--json")) != end;
+bool asksForJson(const std::vector<std::string>& words) {
+  const auto end = std::find(words.begin(), words.end(), "--");
+  return std::find(words.begin(), end, "--json") != end;
 }
 
 int guarded(std::string_view program, const std::function<int()>& carryOut, bool asJson) {

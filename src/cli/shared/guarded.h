@@ -1,18 +1,24 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 #include "cli/shared/failure.h"
 
 namespace velk::cli {
 
-/// Whether a command line has the option `--json`, also one that is wrong elsewhere.
-bool asksForJson(int argc, char** argv);
+/// Whether the words of a command line have the option `--json`, also where they are wrong.
+bool asksForJson(const std::vector<std::string>& words);
 
 /// What `carryOut` returns, or why it has failed: whatever it throws.
 std::variant<int, Failure> outcomeOf(const std::function<int()>& carryOut);
+
+/// Why standard output cannot be written, now or before.
+std::optional<Failure> failureOfOutput();
 
 /// Carries a program out and turns whatever it throws into an exit status and a sentence on standard error, or
 /// JSON: see `tell`.

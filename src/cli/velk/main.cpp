@@ -81,7 +81,8 @@ int carryOut(int argc, char** argv) {
 int main(int argc, char** argv) {
   return velk::cli::withUtf8(argc, argv, [](int count, char** words) {
     const int status = velk::cli::guarded(
-        "velk", [&] { return velk::cli::carryOut(count, words); }, velk::cli::asksForJson(count, words));
+        "velk", [&] { return velk::cli::carryOut(count, words); },
+        velk::cli::asksForJson({words, words + count}));
     velk::cli::tellRepeats();
     return velk::cli::savingFailed() && status == velk::cli::success ? velk::cli::badFile : status;
   });

@@ -6,7 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "cli/shared/failure.h"
+#include "cli/shared/file_names.h"
+#include "cli/shared/files.h"
 
 namespace velk::cli {
 namespace {
@@ -14,15 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view pattern = "backup-########T######Z.json";  // "#" is a digit
-
-fs::path pathOf(const std::string& utf8) {
-  return {std::u8string(utf8.begin(), utf8.end())};
-}
-
-std::string textOf(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
 
 bool isDated(std::string_view name) {
   return std::equal(name.begin(), name.end(), pattern.begin(), pattern.end(), [](char c, char expected) {
@@ -34,10 +26,6 @@ std::string nameAt(std::time_t time) {
   std::array<char, 32> text{};
   return {text.data(),
           std::strftime(text.data(), text.size(), "backup-%Y%m%dT%H%M%SZ.json", std::gmtime(&time))};
-}
-
-Failure failureOf(const std::string& path, const std::error_code& error) {
-  return {badFile, path + ": " + error.message()};
 }
 
 Lines withoutMailbox(Lines lines) {
@@ -62,7 +50,7 @@ Series::Series(std::string folder) : folder_(std::move(folder)) {
   if (error == std::errc::no_such_file_or_directory) {
     throw Failure(badFile, folder_ + ": there is no such folder; make it first");
   }
-  throw failureOf(folder_, error ? error : std::make_error_code(std::errc::not_a_directory));
+  throw failureOfFile(folder_, error ? error : std::make_error_code(std::errc::not_a_directory));
 }
 
 std::string Series::next() const {
@@ -89,7 +77,7 @@ std::vector<std::string> Series::prune(std::size_t keep, const std::string& writ
   for (const std::string& file : old) {
     std::error_code error;
     fs::remove(pathOf(file), error);
-    if (error) throw failureOf(file, error);
+    if (error) throw failureOfFile(file, error);
   }
   return old;
 }
@@ -101,7 +89,7 @@ std::vector<std::string> Series::files() const {
        entry.increment(error)) {
     if (isDated(textOf(entry->path().filename()))) found.push_back(textOf(entry->path()));
   }
-  if (error) throw failureOf(folder_, error);
+  if (error) throw failureOfFile(folder_, error);
   std::sort(found.begin(), found.end());
   return found;
 }

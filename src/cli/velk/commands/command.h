@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "cli/shared/command_line.h"
 #include "cli/shared/failure.h"
@@ -66,6 +67,15 @@ CommandLine addCommand(const CommandLine& velk, Job& job, const std::string& nam
   options->declare(line);
   line.footer("\nExamples:\n" + examples);
   return line;
+}
+
+/// Prints a list, for programs or for people, to whom an empty one is told in a sentence.
+inline void printList(bool asJson, const Json& json, const Table& table, std::string_view whenEmpty) {
+  if (asJson) {
+    std::cout << json << '\n';
+  } else {
+    table.print(std::cout, whenEmpty);
+  }
 }
 
 void addCall(const CommandLine& velk, Job& job);

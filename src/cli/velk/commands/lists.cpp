@@ -41,11 +41,7 @@ void addList(const CommandLine& velk, Job& job, const ListCommand<Options>& comm
     const auto connection = open(options.link.required());
     List list{.table = Table(command.headings)};
     command.read(connection->serial(), options, list);
-    if (options.json) {
-      std::cout << list.json << '\n';
-    } else {
-      list.table.print(std::cout, command.whenEmpty);
-    }
+    printList(options.json, list.json, list.table, command.whenEmpty);
     for (const Failure& failure : list.failures) tell("velk", failure, options.json);
     return list.failures.empty() ? success : badResult;
   };

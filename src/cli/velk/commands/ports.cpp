@@ -25,11 +25,7 @@ int printPorts(const PortsOptions& options) {
     list.push_back(jsonOf(port));
     table.add({port.device, port.adapter, port.usb, port.serial, port.driver});
   }
-  if (options.json) {
-    std::cout << list << '\n';
-  } else {
-    table.print(std::cout, "there are no serial ports");
-  }
+  printList(options.json, list, table, "there are no serial ports");
   return success;
 }
 

@@ -26,11 +26,6 @@ bool isExit(const std::vector<std::string>& words) {
   return words.size() == 1 && (words.front() == "exit" || words.front() == "quit");
 }
 
-bool wantsJson(const std::vector<std::string>& words) {
-  const auto end = std::find(words.begin(), words.end(), "--");
-  return std::find(words.begin(), end, "--json") != end;
-}
-
 /// Carries out lines as they come, on one link.
 class Shell {
  public:
@@ -91,9 +86,10 @@ class Shell {
     const auto* const failure = std::get_if<Failure>(&outcome);
     if (failure != nullptr) {
       tell("velk", {failure->status, place + failure->what(), failure->result},
-           wantsJson(wordsOf(text).words));
+           asksForJson(wordsOf(text).words));
     }
-    flush();
+    // Nobody reads along any more when that fails.
+    if (auto lost = failureOfOutput()) throw Failure(*std::move(lost));
     tellRepeats();
     closeIfLost(failure);
     return failure != nullptr ? failure->status : std::get<int>(outcome);
@@ -107,13 +103,6 @@ class Shell {
       shared_.close();
     }
     return line.job().carryOut();
-  }
-
-  /// Nobody reads along any more when that fails.
-  static void flush() {
-    std::cout.flush();
-    if (std::cout) return;
-    throw Failure(badFile, "standard output cannot be written");
   }
 
   void closeIfLost(const Failure* failure) {

@@ -202,11 +202,7 @@ int carryOutSimulation(const SimulationOptions& options) {
       table.add({weekday(day), timeOf(event), actionOf(event, names)});
     }
   }
-  if (options.json) {
-    std::cout << json << '\n';
-  } else {
-    table.print(std::cout, "there are no recorded events");
-  }
+  printList(options.json, json, table, "there are no recorded events");
   return success;
 }
 

@@ -7,6 +7,7 @@
 
 #include "cli/shared/command_line.h"
 #include "cli/shared/escapes.h"
+#include "cli/shared/file_names.h"
 #include "cli/shared/files.h"
 #include "cli/shared/password.h"
 #include "cli/velk/connection/link_text.h"
@@ -16,26 +17,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Names of files are UTF-8 on every system.
-fs::path pathOf(const std::string& name) {
-  return {std::u8string(name.begin(), name.end())};
-}
-
-std::string nameOfFile(const fs::path& path) {
-  const std::u8string name = path.u8string();
-  return {name.begin(), name.end()};
-}
-
 void warnOfReaders(const fs::path& file) {
   if (!othersMayRead(file)) return;
-  const std::string name = nameOfFile(file);
+  const std::string name = textOf(file);
   std::cerr << "velk: " << name << " holds a password and others may read it: chmod 600 " << name << '\n';
 }
 
 std::string passwordIn(const std::string& name) {
   const fs::path file = name.starts_with("~/") ? homeFolder() / pathOf(name.substr(2))
                                                : configurationFile().parent_path() / pathOf(name);
-  const std::string text = readFile(nameOfFile(file));
+  const std::string text = readFile(textOf(file));
   warnOfReaders(file);
   return text.substr(0, text.find_first_of("\r\n"));
 }
@@ -64,7 +55,7 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 std::vector<ConfigSetting> configuration() {
-  return parseConfiguration(readFileIfThere(nameOfFile(configurationFile())).value_or(""));
+  return parseConfiguration(readFileIfThere(textOf(configurationFile())).value_or(""));
 }
 
 std::vector<std::string> namesIn(const std::vector<ConfigSetting>& settings) {
@@ -78,7 +69,7 @@ std::vector<std::string> namesIn(const std::vector<ConfigSetting>& settings) {
 
 [[noreturn]] void failForWantOf(const std::string& house, const std::vector<ConfigSetting>& settings) {
   const auto names = namesIn(settings);
-  throw std::invalid_argument("there is no house \"" + house + "\" in " + nameOfFile(configurationFile()) +
+  throw std::invalid_argument("there is no house \"" + house + "\" in " + textOf(configurationFile()) +
                               (names.empty() ? std::string(", which names none") : ", but" + listed(names)));
 }
 

@@ -92,11 +92,6 @@ std::filesystem::path libraryFor(const ComponentState& state, int bits) {
   return name;
 }
 
-std::string textOf(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 std::string_view faultOf(const Registration& registration) {
   std::error_code ignored;
   if (registration.library.empty()) return "";

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/shared/file_names.h"
 #include "values/bytes.h"
 
 /// How the component is registered in this system, and whether it can be created.
@@ -46,9 +47,6 @@ std::uint32_t tryToCreate();
 
 /// The library of a bitness that came with this program; its name alone when there is none.
 std::filesystem::path libraryFor(const ComponentState& state, int bits);
-
-/// A path as UTF-8.
-std::string textOf(const std::filesystem::path& path);
 
 /// What is wrong with a registered library; empty for nothing.
 std::string_view faultOf(const Registration& registration);

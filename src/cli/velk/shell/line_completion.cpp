@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "cli/shared/file_names.h"
 #include "cli/shared/line_words.h"
 
 namespace velk::cli {
@@ -16,9 +17,9 @@ Candidates filesLike(const std::string& start) {
   Candidates found;
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, error)) {
-    const std::u8string name = entry.path().filename().u8string();
-    const std::string path = folder + std::string(name.begin(), name.end());
-    const bool isHidden = name.starts_with(u8'.') && path.size() != start.size() && start == folder;
+    const std::string name = textOf(entry.path().filename());
+    const std::string path = folder + name;
+    const bool isHidden = name.starts_with('.') && path.size() != start.size() && start == folder;
     if (path.starts_with(start) && !isHidden)
       found.push_back({path + (entry.is_directory(error) ? "/" : ""), ""});
   }
