@@ -2,13 +2,14 @@
 
 Usage: jobs.py BUILD MARKDOWN
 
-The links are those of velk-sim --latency. The least is made of what neither program can shorten: the time of the bytes
+The links are those of velk-sim --latency. A job's requests are what a trace shows of it beforehand. The least is made of what neither program can shorten: the time of the bytes
 on the line, what an adapter or network holds each answer back, and the pauses of the protocol. Without any of these, the
 least is the time of a bare client that sends the same requests and waits for each answer. Files lie in memory, as a
 disk takes its own time. Whole backups over slow links are made side by side: they wait, mostly.
 """
 
 import concurrent.futures
+import itertools
 import pathlib
 import re
 import socket
@@ -44,28 +45,27 @@ class House:
 
     def __init__(self, build, folder, kind, latency):
         self.kind, self.latency, self.velk = kind, latency / 1000, build / "bin/velk"
-        self.trace = folder / f"{kind}-{latency}.trace"
         self.copy = folder / f"{kind}-{latency}.json"
-        options = [f"--{kind}", *(["0"] if kind == "tcp" else []), "--latency", str(latency), "--trace", "--for", "3000"]
-        self.process = subprocess.Popen([build / "bin/velk-sim", *options], stdout=self.trace.open("w"))
-        while "ready\n" not in self.trace.read_text():
-            time.sleep(0.01)
-        self.place = re.search(r"^(?:tcp Q|echo|fast) (.*)$", self.trace.read_text(), re.M)[1]
+        options = [f"--{kind}", *(["0"] if kind == "tcp" else []), "--latency", str(latency), "--for", "3000"]
+        self.process = subprocess.Popen([build / "bin/velk-sim", *options], stdout=subprocess.PIPE, text=True)
+        told = "".join(itertools.takewhile(lambda line: line != "ready\n", self.process.stdout))
+        self.place = re.search(r"^(?:tcp Q|echo|fast) (.*)$", told, re.M)[1]
         self.options = {"tcp": ["--tcp", self.place], "echo": ["--serial", self.place],
                         "fast": ["--serial", self.place, "--fast"]}[kind]
 
-    def carry_out(self, job):
-        """How long it took, and the reads that it made."""
-        told = self.trace.stat().st_size
-        words = [self.velk, *job, *self.options, *([self.copy] if job[0] == "backup" else [])]
+    def carry_out(self, job, *options):
+        """How long it took."""
+        words = [self.velk, *job, *self.options, *options, *([self.copy] if job[0] == "backup" else [])]
         start = time.perf_counter()
         subprocess.run(words, check=True, stdout=subprocess.DEVNULL)
-        taken = time.perf_counter() - start
-        time.sleep(0.1)  # for the trace's last lines
-        lines = self.trace.read_bytes()[told:].decode()
-        reads = [(int(count), area, bytes.fromhex(place))
-                 for count, area, place in re.findall(r"^read +(\d+) +(\S+) +([0-9A-F]{4})", lines, re.M)]
-        return taken, reads
+        return time.perf_counter() - start
+
+    def reads(self, job):
+        """Those that the job makes: bytes, area, address."""
+        trace = self.copy.with_suffix(".trace")
+        self.carry_out(job, f"--trace={trace}")
+        return [(int(count), area, bytes.fromhex(place))
+                for count, area, place in re.findall(r" read +(\d+) +(\S+) +([0-9A-F]{4}) ", trace.read_text())]
 
     def least(self, reads):
         if self.kind == "tcp" and self.latency == 0:
@@ -100,9 +100,8 @@ def bare_client(place, reads):
     return time.perf_counter() - start
 
 
-def row(house, job, figures):
-    taken = min(taken for taken, _ in figures)
-    reads = figures[0][1]
+def row(house, job, reads, figures):
+    taken = min(figures)
     least = house.least(reads)
     name = {"tcp": "TCP", "echo": "echo mode, 9600 baud", "fast": "fast mode, 9600 baud"}[house.kind]
     reached = "yes" if taken / least <= LIMIT else "**no**"
@@ -115,10 +114,11 @@ def main(build, markdown):
         houses = [House(build, pathlib.Path(folder), *link) for link in LINKS]
         try:
             for title, job in JOBS:
+                reads = houses[0].reads(job)
                 quick = {house: [house.carry_out(job) for _ in range(STARTS)]
                          for house in houses if not house.takes_minutes(job)}
                 slow = {house: pool.submit(house.carry_out, job) for house in houses if house not in quick}
-                rows += [row(house, title, quick.get(house) or [slow[house].result()]) for house in houses]
+                rows += [row(house, title, reads, quick.get(house) or [slow[house].result()]) for house in houses]
         finally:
             for house in houses:
                 house.end()
