@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
+#include <set>
 
 #include "cli/shared/line_words.h"
 #include "values/digits.h"
@@ -63,10 +64,24 @@ class Walk {
  private:
   [[nodiscard]] bool isCommandNext() const { return command_ == &program_ && !program_.commands.empty(); }
 
+  /// Options of all commands, which may stand in front of the command, too.
+  [[nodiscard]] std::vector<const OptionShape*> optionsInFront() const {
+    std::vector<const OptionShape*> all;
+    if (!isCommandNext()) return all;
+    for (const CommandShape& command : program_.commands) {
+      for (const OptionShape& option : command.options) all.push_back(&option);
+    }
+    return all;
+  }
+
   [[nodiscard]] const OptionShape* named(const std::string& name) const {
-    const auto found = std::find_if(command_->options.begin(), command_->options.end(),
-                                    [&](const OptionShape& option) { return option.isNamed(name); });
-    return found == command_->options.end() ? nullptr : &*found;
+    for (const OptionShape& option : command_->options) {
+      if (option.isNamed(name)) return &option;
+    }
+    for (const OptionShape* const option : optionsInFront()) {
+      if (option->isNamed(name)) return option;
+    }
+    return nullptr;
   }
 
   /// The value that stands next by its position; null when there is none.
@@ -82,7 +97,7 @@ class Walk {
     const auto equals = word.find('=');
     const OptionShape* const option = named(word.substr(0, equals));
     if (option == nullptr) return;
-    given_.push_back(option);
+    given_.push_back(option->names.front());
     if (option->group == "Link") link_.push_back(word);
     if (!option->value.empty() && equals == npos) awaited_ = option;
   }
@@ -116,11 +131,17 @@ class Walk {
 
   [[nodiscard]] Candidates options(const std::string& word) const {
     Candidates all;
-    for (const OptionShape& option : command_->options) {
-      const bool isGiven = std::find(given_.begin(), given_.end(), &option) != given_.end();
+    std::set<std::string> known(given_.begin(), given_.end());
+    const auto offer = [&](const OptionShape& option) {
+      if (option.isPositional || !known.insert(option.names.front()).second) return;
       for (const std::string& name : option.names) {
-        if (!isGiven && name.starts_with("--")) all.push_back({name, option.help});
+        if (name.starts_with("--")) all.push_back({name, option.help});
       }
+    };
+    for (const OptionShape& option : command_->options) offer(option);
+    // What else stands there is for one command or the other.
+    for (const OptionShape* const option : optionsInFront()) {
+      if (option->group == "Link") offer(*option);
     }
     return fitting(std::move(all), word);
   }
@@ -166,8 +187,8 @@ class Walk {
   const CommandShape* command_;
   const ValuesAt& valuesAt_;
   const OptionShape* awaited_ = nullptr;  ///< the option whose value comes next
-  std::vector<const OptionShape*> given_;
-  std::vector<std::string> values_;  ///< those known by their position
+  std::vector<std::string> given_;        ///< options, by their first names
+  std::vector<std::string> values_;       ///< those known by their position
   std::vector<std::string> link_;
   std::size_t position_ = 0;
   bool isEnded_ = false;  ///< "--" stood there: what comes is no option

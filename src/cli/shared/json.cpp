@@ -43,11 +43,13 @@ class Names {
   std::vector<std::set<std::string>> open_;  ///< the names of the objects that are not complete yet
 };
 
-/// Without the library's own code for the error.
+/// Without the library's own code for the error, and in words for whom JSON is news.
 std::string reasonOf(const Library::exception& error) {
-  const std::string text = error.what();
+  std::string text = error.what();
   const auto codeEnd = text.find("] ");
-  return codeEnd == std::string::npos ? text : text.substr(codeEnd + 2);
+  if (codeEnd != std::string::npos) text.erase(0, codeEnd + 2);
+  constexpr std::string_view start = "parse error at ";
+  return text.starts_with(start) ? "this is no JSON: " + text.substr(start.size()) : text;
 }
 
 }  // namespace

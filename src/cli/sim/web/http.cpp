@@ -18,6 +18,8 @@
 #include "cli/shared/json.h"
 #include "cli/sim/net.h"
 
+/// All that sees Boost's headers stands in this file, though that makes it long: each file that does takes a quarter of a
+/// minute to compile.
 namespace velk::cli::web {
 namespace {
 
@@ -157,7 +159,6 @@ std::optional<HttpAnswer> answerTo(std::string_view text, Site& site) {
   return answered(site, requestOf(parser));
 }
 
-/// One connection: requests one after another, or from one of them on events.
 class HttpServer::Listener {
  public:
   Listener(const std::string& address, std::uint16_t port, Site& site) : site_(site) {
@@ -204,6 +205,7 @@ class HttpServer::Listener {
   std::jthread thread_;  // last: it uses the rest until it has ended
 };
 
+/// One connection: requests one after another, or from one of them on events.
 class HttpServer::Listener::Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(tcp::socket socket, Listener& server) : stream_(std::move(socket)), server_(server) {

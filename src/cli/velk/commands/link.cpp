@@ -128,7 +128,7 @@ WantedLink parseLinkWords(const LinkCommandOptions& options) {
   wanted.clears = words.front() == "clear" && words.size() == 1;
   if (wanted.clears) return wanted;
   if (words.front() != "set" || words.size() == 1) {
-    throw std::invalid_argument(std::string("behind the link stands nothing, or ") + linkForm);
+    throw std::invalid_argument(std::string("expected after the link: nothing, or ") + linkForm);
   }
   parseLinkSet(wanted, words);
   return wanted;

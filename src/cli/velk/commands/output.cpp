@@ -74,7 +74,7 @@ std::optional<WantedOutput> parseOutputWords(const std::vector<std::string>& wor
   if (words.empty()) return std::nullopt;
   if (words.front() == "set" && words.size() > 1) return parseOutputSet(words);
   if (words.front() == "name" && words.size() == 2) return WantedOutput{.name = parseName(words[1])};
-  throw std::invalid_argument("behind the output stands nothing, name TEXT, or: set [MODE] [ITEM=VALUE...]");
+  throw std::invalid_argument("expected after the output: nothing, name TEXT, or set [MODE] [ITEM=VALUE...]");
 }
 
 /// Where the item for the stored number lies in a mode with a marker, which is written with that item alone.

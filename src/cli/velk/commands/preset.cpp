@@ -120,7 +120,7 @@ WantedPreset parseDeed(const PresetOptions& options) {
   if (words.empty()) return wanted;
   wanted.clears = words.front() == "clear" && words.size() == 1;
   if (words.front() != "set" && !wanted.clears)
-    throw std::invalid_argument("behind the preset stands nothing, clear, or: set [OUTPUT=A:B:C:D...]");
+    throw std::invalid_argument("expected after the preset: nothing, clear, or set [OUTPUT=A:B:C:D...]");
   for (std::size_t i = 1; i < words.size(); ++i) wanted.records.push_back(parseRecord(words[i]));
   return wanted;
 }

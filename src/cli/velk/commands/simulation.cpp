@@ -104,7 +104,7 @@ WantedEvents parseSimulationWords(const SimulationOptions& options) {
   if (!wanted.changes) return wanted;
   if (options.words.front() == "clear" && options.words.size() == 1) return wanted;
   if (options.words.front() != "set" || options.words.size() == 1) {
-    throw std::invalid_argument("behind the hour stands nothing, clear, or: set TIME OUTPUT=A:B...");
+    throw std::invalid_argument("expected after the hour: nothing, clear, or set TIME OUTPUT=A:B...");
   }
   wanted.events = parseEvents(options.words, *wanted.hour);
   return wanted;

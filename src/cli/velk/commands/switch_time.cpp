@@ -57,7 +57,7 @@ std::optional<WantedTime> parseTimeWords(const std::vector<std::string>& words) 
   if (words.front() == "clear" && words.size() == 1) return WantedTime{.clears = true};
   if (words.front() == "set" && words.size() > 1) return parseTimeSet(words);
   throw std::invalid_argument(
-      "behind the switch time stands nothing, clear, or: set [TIME] [DAYS] [OUTPUT=A:B...]");
+      "expected after the switch time: nothing, clear, or set [TIME] [DAYS] [OUTPUT=A:B...]");
 }
 
 /// The switch time as it will be. Throws std::invalid_argument with a sentence for one that cannot be.

@@ -21,8 +21,10 @@ constexpr std::size_t sizeOfEntry = 3;
 /// "101.2".
 TypedEntry parseAction(const std::string& typed, std::size_t point) {
   const std::string_view text = typed;
+  // "7.45" is meant as a time.
   return {.output = "",
-          .bytes = {character(numberIn(typed, text.substr(0, point), "the first number of an action",
+          .bytes = {character(numberIn(typed, text.substr(0, point),
+                                       "a time is written 07:45, and the first number of an action",
                                        firstAction, lastAction)),
                     character(numberIn(typed, text.substr(point + 1), "the second number of an action", 1,
                                        lastOfAction))}};

@@ -81,7 +81,7 @@ function timeOf(ms) {
 function rowElement(row) {
   if (row.missed) return make('li', {class: 'missed'}, `${plural(row.missed, 'request')} not shown`);
   const what = make('span', {class: 'all'}, make('span', {class: 'what'}, row.q));
-  if (row.r !== undefined) what.append(make('span', {class: 'answer'}, ' → ' + row.r));
+  if (row.r !== undefined) what.append(make('span', {class: 'answer'}, ' -> ' + row.r));
   return make('li', {class: (row.f ? 'bad ' : '') + (row.w ? 'write' : '')},
       make('span', {class: 'when'}, timeOf(row.t)),
       make('span', {class: 'who', title: row.c ? `connection ${row.c}` : 'the controller or this page'}, row.c ? '#' + row.c : '–'),
