@@ -70,7 +70,6 @@ std::vector<TypedEvent> parseEvents(const std::vector<std::string>& words, Byte 
   std::optional<TimeOfDay> time;
   bool isUsed = true;
   for (std::size_t i = 1; i < words.size(); ++i) {
-    // 7:15:30 could be an output with two numbers, too, which are written behind "=" here.
     const bool isTime = words[i].find('=') == std::string::npos;
     const std::optional<TimeOfDay> next = isTime ? parseEventTime(words[i], hour) : time;
     if (isTime ? !isUsed : !time) {

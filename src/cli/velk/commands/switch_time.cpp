@@ -39,8 +39,10 @@ WantedTime parseTimeSet(const std::vector<std::string>& words) {
   WantedTime wanted;
   for (std::size_t i = 1; i < words.size(); ++i) {
     const auto time = parseTime(words[i]);
-    // With seconds it could be an entry as well, and these have none.
-    if (time && words[i].find(':') == words[i].rfind(':')) {
+    if (time) {
+      if (words[i].find(':') != words[i].rfind(':')) {
+        throw std::invalid_argument("\"" + words[i] + "\": a switch time has no seconds");
+      }
       setOnce(wanted.time, *time, words[i]);
     } else if (const auto days = parseDays(words[i])) {
       setOnce(wanted.days, *days, words[i]);
@@ -129,8 +131,8 @@ void addSwitchTime(const CommandLine& velk, Job& job) {
       "  velk switch-time 5 clear\n"
       "\nDays: Mon, Mon-Fri, Sat,Sun, weekdays, weekend, daily. An output is its number, its name or a\n"
       "beginning of it; what the two numbers behind it do is for the output to say, so copy them from a\n"
-      "switch time that does the same. 3:255:2 are the same bytes, and 101.2 is an action, which stands\n"
-      "alone. What is left out stays as it is.\n",
+      "switch time that does the same. 101.2 is an action, which stands alone. What is left out stays as it\n"
+      "is.\n",
       carryOutSwitchTime);
 }
 

@@ -59,8 +59,8 @@ std::size_t roomFor(Byte block) {
   }
   refuse(
       "\"" + typed +
-      "\" is no time and no days, nor what to switch: an output with two numbers, as in \"Kitchen=255:2\" or "
-      "3:255:2, or an action, as in 101.2");
+      "\" is no time and no days, nor what to switch: an output with two numbers, as in \"Kitchen=255:2\", "
+      "or an action, as in 101.2");
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace velk::cli {
 namespace {
 
 /// Where the output ends, whose name may hold both signs: at the last "=" before the colons between the
-/// numbers, or at another colon. 0 when there is neither, or no output.
+/// numbers. 0 when there is none, or no output. (With a colon there, 07:15:30 would be an output, too.)
 std::size_t endOfOutput(std::string_view text, std::size_t count) {
   std::size_t numbers = text.size();
   for (std::size_t i = 1; i < count; ++i) {
@@ -19,11 +19,8 @@ std::size_t endOfOutput(std::string_view text, std::size_t count) {
     if (numbers == std::string_view::npos) return 0;
   }
   if (numbers == 0) return 0;
-  for (const char sign : {'=', ':'}) {
-    const auto end = text.rfind(sign, numbers - 1);
-    if (end != std::string_view::npos) return end;
-  }
-  return 0;
+  const auto end = text.rfind('=', numbers - 1);
+  return end == std::string_view::npos ? 0 : end;
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 /// and so they are typed as numbers.
 namespace velk::cli {
 
-/// "Kitchen ceiling=255:2", "3=255:2", "3:255:2".
+/// "Kitchen ceiling=255:2", "3=255:2".
 struct TypedEntry {
   std::string output;  ///< a name or number; empty for what is no output's
   Bytes bytes;
