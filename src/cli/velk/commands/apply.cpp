@@ -27,17 +27,18 @@ struct FileLine {
   std::string text;
 };
 
-/// The standard output of a command, for as long as it lives.
-class CapturedOutput {
+/// What a command prints to a stream, for as long as it lives.
+class Captured {
  public:
-  CapturedOutput() : before_(std::cout.rdbuf(text_.rdbuf())) {}
-  ~CapturedOutput() { std::cout.rdbuf(before_); }
-  CapturedOutput(const CapturedOutput&) = delete;
-  CapturedOutput& operator=(const CapturedOutput&) = delete;
+  explicit Captured(std::ostream& stream) : stream_(stream), before_(stream.rdbuf(text_.rdbuf())) {}
+  ~Captured() { stream_.rdbuf(before_); }
+  Captured(const Captured&) = delete;
+  Captured& operator=(const Captured&) = delete;
 
   Json json() { return Json::parse(text_); }
 
  private:
+  std::ostream& stream_;
   std::stringstream text_;
   std::streambuf* before_;
 };
@@ -81,23 +82,11 @@ class Application {
 
   int carryOut(const std::vector<FileLine>& lines) {
     all_ = lines.size();
-    if (!lines.empty()) shared_.connection();  // a link that does not open is no line's fault
     surviveInterrupts();
-    std::optional<Failure> first;
-    for (const FileLine& line : lines) {
-      const auto outcome = outcomeOf([&] { return carryOut(line); });
-      if (const auto* const failure = std::get_if<Failure>(&outcome)) {
-        note(line, *failure);
-        if (!first) first = at(line, *failure);
-        if (!options_.dryRun || failure->status == interrupted) break;
-        tell("velk", at(line, *failure), options_.json);
-      } else {
-        ++done_;
-      }
-    }
+    if (!lines.empty()) rehearse(lines);
+    if (!options_.dryRun) perform(lines);
     if (options_.json) printJson();
-    if (first) throw Failure(first->status, sentence(*first), first->result);
-    std::cerr << "velk: " << amount(done_, "command")
+    std::cerr << "velk: " << amount(all_, "command")
               << (options_.dryRun ? " gone through, nothing written\n" : " done\n");
     return success;
   }
@@ -114,7 +103,7 @@ class Application {
 
   /// Whether a line holds a command. Throws what is wrong with it.
   [[nodiscard]] bool check(const FileLine& line) const {
-    const CapturedOutput unseen;  // of --help, which is no change either
+    const Captured unseen(std::cout);  // of --help, which is no change either
     const Line command(line.text, addCommands_);
     if (command.words().empty()) return false;
     if (!command.job().changing) {
@@ -125,14 +114,76 @@ class Application {
     return true;
   }
 
-  int carryOut(const FileLine& line) {
-    checkInterrupt();
+  /// Carries all out on a draft, where each sees what those before it have changed; a dry run shows that. Throws
+  /// `Failure` when some would fail; each that would was told then.
+  void rehearse(const std::vector<FileLine>& lines) {
+    shared_.beginDraft();
+    std::optional<Failure> first;
+    std::size_t wrong = 0;
+    for (const FileLine& line : lines) {
+      const auto failure = failureOf([&] {
+        if (options_.dryRun) show(line, true);
+        return carryOutUnseen(line);
+      });
+      if (!failure) {
+        if (options_.dryRun) ++done_;
+        continue;
+      }
+      ++wrong;
+      note(line, *failure);
+      if (!first) first = *failure;
+      if (failure->status == interrupted) break;
+      tell("velk", at(line, *failure), options_.json);
+    }
+    shared_.dropDraft();
+    if (!first) return;
+    if (options_.json) printJson();
+    if (first->status == interrupted) throw Failure(*first);
+    throw Failure(first->status,
+                  name() + ": " + std::to_string(wrong) + " of " + amount(all_, "command") +
+                      " would fail; nothing was done",
+                  first->result);
+  }
+
+  /// Carries them out until one fails.
+  void perform(const std::vector<FileLine>& lines) {
+    for (const FileLine& line : lines) {
+      const auto failure = failureOf([&] { return show(line, false); });
+      if (failure) {
+        note(line, *failure);
+        if (options_.json) printJson();
+        const Failure told = at(line, *failure);
+        throw Failure(told.status,
+                      std::string(told.what()) + "; stopped there, " + std::to_string(done_) + " of " +
+                          amount(all_, "command") + " done",
+                      told.result);
+      }
+      ++done_;
+    }
+  }
+
+  static std::optional<Failure> failureOf(const std::function<int()>& work) {
+    auto outcome = outcomeOf([&] {
+      checkInterrupt();
+      return work();
+    });
+    auto* const failure = std::get_if<Failure>(&outcome);
+    return failure == nullptr ? std::nullopt : std::optional(std::move(*failure));
+  }
+
+  int carryOutUnseen(const FileLine& line) {
+    const Captured output(std::cout);
+    const Captured errors(std::cerr);
+    return Line(line.text, addCommands_).job().carryOut();
+  }
+
+  int show(const FileLine& line, bool dryRun) {
     const Line command(line.text, addCommands_);
     ChangeOptions& options = *command.job().changing;
-    options.dryRun = options.dryRun || options_.dryRun;
+    options.dryRun = options.dryRun || dryRun;
     options.json = options.json || options_.json;
     if (!options_.json) return command.job().carryOut();
-    CapturedOutput output;
+    Captured output(std::cout);
     const int status = command.job().carryOut();
     commands_.push_back({{"line", line.number}, {"words", command.words()}, {"printed", output.json()}});
     return status;
@@ -141,14 +192,6 @@ class Application {
   void note(const FileLine& line, const Failure& failure) {
     failures_.push_back(
         {{"line", line.number}, {"status", static_cast<int>(failure.status)}, {"text", failure.what()}});
-  }
-
-  [[nodiscard]] std::string sentence(const Failure& first) const {
-    const std::string all = " of " + amount(all_, "command");
-    if (!options_.dryRun) {
-      return std::string(first.what()) + "; stopped there, " + std::to_string(done_) + all + " done";
-    }
-    return name() + ": " + std::to_string(all_ - done_) + all + " would fail";
   }
 
   void printJson() const {
@@ -186,10 +229,13 @@ void addApply(const CommandLine& velk, Job& job, AddCommands addCommands) {
       "  # The hall in winter\n"
       "  output 5 name \"Hall ceiling\"\n"
       "  switch-time 0 set 06:45 weekdays \"Kitchen ceiling=255:2\"\n"
-      "All lines are checked before the link is opened: when one is wrong nothing is done, and each that is\n"
-      "gets told with its number. What only the controller knows, such as names, is found out when a line's\n"
-      "turn comes; the first failure ends it, and what was done before stays done.\n"
-      "A dry run goes through all lines, each as if those before it had done nothing.\n",
+      "All lines are checked before the first is carried out: first their words, then what only the "
+      "controller\n"
+      "knows, such as names, on a draft of the house that each line changes for those behind it. When one "
+      "is\n"
+      "wrong nothing is done, and each that is gets told with its number. Should a line fail all the same, "
+      "it\n"
+      "ends there, and what was done before stays done. A dry run shows the draft.\n",
       [addCommands](const ApplyOptions& options) { return carryOutApply(options, addCommands); });
 }
 

@@ -7,8 +7,10 @@
 #include <utility>
 
 #include "cli/shared/serial_line.h"
+#include "cli/velk/connection/draft.h"
 #include "cli/velk/connection/house_file.h"
 #include "cli/velk/connection/link_text.h"
+#include "cli/velk/connection/patient_session.h"
 #include "simulator/clock.h"
 #include "simulator/controller.h"
 #include "simulator/ethernet_sessions.h"
@@ -59,6 +61,14 @@ Connection::Connection(const LinkOptions& options, platform::Host& host) : reach
   makeSerial(options);
   if (!options.tcp.empty()) openTcp(options);
   if (!options.serial.empty()) openSerial(options);
+}
+
+Connection::Connection(Serial& original) : reached_(platform::threadHost()) {
+  controller_ = std::make_unique<Draft>(original);
+  openInProcess({}, [this] {
+    return std::make_unique<PatientSession>(
+        std::make_unique<simulator::EthernetSSession>(*controller_, simulator::SessionOptions()));
+  });
 }
 
 platform::Host& Connection::loopbackOrReached() {
@@ -123,12 +133,16 @@ void Connection::openSimulator(const LinkOptions& options) {
 }
 
 void Connection::openBackup(const LinkOptions& options) {
-  constexpr const char* name = "backup";
-  constexpr std::uint16_t port = 1;
   house_ = std::make_unique<HouseFile>(options.backup);
+  openInProcess(options, [this, address = options.busAddress] { return house_->session(address); });
+}
+
+void Connection::openInProcess(const LinkOptions& options, simulator::MakePeer makePeer) {
+  constexpr const char* name = "here";
+  constexpr std::uint16_t port = 1;
   host_ = std::make_unique<simulator::LoopbackHost>();
   host_->transferTime = std::chrono::milliseconds(1);
-  host_->listen(name, port, [this, address = options.busAddress] { return house_->session(address); });
+  host_->listen(name, port, std::move(makePeer));
   makeSerial(options);
   result_ = serial_->OpenTCP(name, port, "", options.busAddress);
 }

@@ -7,6 +7,7 @@
 #include "cli/velk/trace/tapped_host.h"
 #include "cli/velk/trace/trace_file.h"
 #include "component/serial.h"
+#include "simulator/peer.h"
 
 namespace velk::simulator {
 class Controller;
@@ -41,6 +42,9 @@ class Connection {
   /// std::invalid_argument with a sentence, `Failure` when a backup file cannot be read.
   /// @param host what a serial or TCP link is reached through
   explicit Connection(const LinkOptions& options, platform::Host& host = platform::threadHost());
+
+  /// Opens a draft of what another object shows, which has to outlive this one; see `Draft`.
+  explicit Connection(Serial& original);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection();
@@ -58,6 +62,7 @@ class Connection {
   void openSerial(const LinkOptions& options);
   void openSimulator(const LinkOptions& options);
   void openBackup(const LinkOptions& options);
+  void openInProcess(const LinkOptions& options, simulator::MakePeer makePeer);
 
   platform::Host& reached_;
   std::unique_ptr<HouseFile> house_;

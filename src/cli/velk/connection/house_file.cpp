@@ -8,6 +8,7 @@
 #include "cli/house/simulated_modules.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/files.h"
+#include "cli/velk/connection/patient_session.h"
 #include "cli/velk/things/module.h"
 #include "simulator/ethernet_sessions.h"
 #include "simulator/mailbox.h"
@@ -32,25 +33,6 @@ bool isClock(Address at) {
 bool isMailbox(Address at) {
   return regionOf(at).starts_with("mailbox") || regionOf(at).starts_with("long-record");
 }
-
-/// A session that forgets a request which was refused: the next one stands alone again.
-class Session final : public simulator::Peer {
- public:
-  explicit Session(std::unique_ptr<simulator::Peer> peer) : peer_(std::move(peer)) {}
-
-  std::vector<simulator::Delivery> connected() override { return peer_->connected(); }
-  std::vector<simulator::Delivery> received(std::string_view bytes) override {
-    try {
-      return peer_->received(bytes);
-    } catch (...) {
-      peer_->quiet();
-      throw;
-    }
-  }
-
- private:
-  std::unique_ptr<simulator::Peer> peer_;
-};
 
 }  // namespace
 
@@ -164,7 +146,7 @@ HouseFile::HouseFile(std::string path)
 HouseFile::~HouseFile() = default;
 
 std::unique_ptr<simulator::Peer> HouseFile::session(Byte busAddress) {
-  return std::make_unique<Session>(std::make_unique<simulator::EthernetSSession>(
+  return std::make_unique<PatientSession>(std::make_unique<simulator::EthernetSSession>(
       controller_, simulator::SessionOptions{.busAddress = busAddress}));
 }
 

@@ -31,6 +31,7 @@ SharedLink* SharedLink::current() {
 
 std::shared_ptr<Connection> SharedLink::connection() {
   if (checks_) throw WouldOpen();
+  if (draft_) return draft_;
   if (!connection_) {
     try {
       connection_ = openAnew(link_);
@@ -55,7 +56,16 @@ void SharedLink::check(const std::function<int()>& command) {
   }
 }
 
+void SharedLink::beginDraft() {
+  draft_ = std::make_shared<Connection>(connection()->serial());
+}
+
+void SharedLink::dropDraft() {
+  draft_.reset();
+}
+
 void SharedLink::close() {
+  dropDraft();
   connection_.reset();
   // They are the thread's, and stay open when nobody uses them any more. What is not open need not be closed.
   Serial last;

@@ -28,6 +28,11 @@ class SharedLink {
   /// Carries out what a command does before it opens its link: it looks at its words. Throws what is wrong with them.
   void check(const std::function<int()>& command);
 
+  /// From now on commands work on a draft of what the link shows, to which alone they write, until it is dropped. Opens
+  /// the link.
+  void beginDraft();
+  void dropDraft();
+
   /// Closes the link; a backup file that was written to is saved.
   void close();
 
@@ -37,6 +42,7 @@ class SharedLink {
  private:
   LinkOptions link_;
   std::shared_ptr<Connection> connection_;
+  std::shared_ptr<Connection> draft_;  ///< of `connection_`
   bool checks_ = false;
 };
 
