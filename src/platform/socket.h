@@ -16,7 +16,9 @@ struct Reach {
     connected,
   };
   Stage stage = Stage::lookingUp;
-  int error = 0;  ///< the system's, of the last address that failed; 0: none has
+  int error = 0;           ///< the system's, of the last address that failed; 0: none has
+  bool isRefused = false;  ///< whether that says that nothing listens there
+  bool hasSpoken = false;  ///< whether the peer has sent anything
 };
 
 /// One TCP socket, used by polling. All failures are run-time errors.

@@ -24,6 +24,12 @@ class TcpSocket : public Socket {
     if (state_ != State::connected) throw RuntimeError(RuntimeError::badSocketState);
   }
 
+  /// An address has failed; `refusal` is the system's error for one where nothing listens.
+  void failed(int error, int refusal) {
+    reach_.error = error;
+    reach_.isRefused = error == refusal;
+  }
+
   State state_ = State::closed;
   Reach reach_;
 };

@@ -40,16 +40,21 @@ TEST(LinkFailure, PermissionsNameTheGroupThatHelps) {
 }
 
 /// A peer that is no interface, at each end of its patience.
-TEST(LinkFailure, TellsWhoHangsUpFromWhoSaysSomethingElse) {
-  for (const auto& [hangsUp, reason] :
-       {std::pair(true, "it hangs up at once; another program may be connected already"),
-        std::pair(false, "it answers, but is no interface of a controller; check address and port")}) {
+TEST(LinkFailure, TellsApartWhoHangsUpSaysNothingAndSaysSomethingElse) {
+  const struct {
+    bool hangsUp;
+    std::string says;
+    const char* reason;
+  } rows[] = {{true, "", "it hangs up at once; another program may be connected already"},
+              {false, "", "it takes the connection and says nothing; check address and port"},
+              {false, "SSH-2.0", "it answers, but is no interface of a controller; check address and port"}};
+  for (const auto& [hangsUp, says, reason] : rows) {
     const Listener listener;
     std::optional<platform::Fd> far;
-    std::thread peer([&, hangs = hangsUp] {
+    std::thread peer([&, hangs = hangsUp, text = says] {
       far = listener.accept();
       if (hangs) return far->reset();
-      EXPECT_EQ(write(far->get(), "SSH-2.0", 7), 7);
+      EXPECT_EQ(write(far->get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
     });
     const LinkOptions link{.tcp = "127.0.0.1:" + std::to_string(listener.port)};
     Connection connection(link);

@@ -92,7 +92,7 @@ void PosixSocket::advance() {
     if (error == 0) {
       connected();
     } else {
-      reach_.error = error;
+      failed(error, ECONNREFUSED);
       connectNext();
     }
   } else {
@@ -107,7 +107,7 @@ void PosixSocket::connectNext() {
     reach_.stage = Reach::Stage::trying;
     fd_ = Fd(::socket(address->storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (fd_ && (::connect(fd_.get(), address->get(), address->size) == 0 || errno == EINPROGRESS)) return;
-    reach_.error = errno;
+    failed(errno, ECONNREFUSED);
   }
   die();
 }
@@ -141,6 +141,7 @@ void PosixSocket::take(int flags) {
       if (n == 0 || (errno != EAGAIN && errno != EINTR)) die();
       return;
     }
+    reach_.hasSpoken = true;
     arrived_ += static_cast<std::size_t>(n);
     if (arrived_ < buffer_.size()) return;
     buffer_.append(buffer_.size(), '\0');

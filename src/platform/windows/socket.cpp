@@ -138,11 +138,12 @@ void WindowsSocket::advance() {
     if (events.iErrorCode[FD_CONNECT_BIT] == 0) {
       connected();
     } else {
-      reach_.error = events.iErrorCode[FD_CONNECT_BIT];
+      failed(events.iErrorCode[FD_CONNECT_BIT], WSAECONNREFUSED);
       connectNext();
     }
   } else if (state_ == State::connected && reading_.hasEnded()) {
     arrived_ = reading_.state() == OverlappedIo::State::done && !reading_.bytes().empty();
+    reach_.hasSpoken = reach_.hasSpoken || arrived_;
     if (!arrived_) die();
   }
 }
@@ -153,7 +154,7 @@ void WindowsSocket::connectNext() {
   while (const auto address = lookup_->next()) {
     reach_.stage = Reach::Stage::trying;
     if (startConnecting(*address)) return;
-    reach_.error = WSAGetLastError();
+    failed(WSAGetLastError(), WSAECONNREFUSED);
   }
   die();
 }

@@ -53,7 +53,7 @@ file is the password; it lies beside the configuration file unless it has a fold
 password = "1234". In texts \\ is a backslash and \x23 a #. When a file with a password may be read by
 others, velk says so. A password that is missing is asked for on a terminal.
 )"},
-    Topic{"links",
+    Topic{"connecting",
           R"(Links that do not open:
 velk says why: no such host or device, no permission (and the group to join), open in another program (and
 in which, where the system tells), refused, nobody answers, something answers that is no interface. When the
@@ -92,7 +92,7 @@ struct HelpOptions {
 
   void declare(const CommandLine& line) {
     line.option("COMMAND", command,
-                "A command, or one of texts, changes, houses, links, traces and\nlost-requests")
+                "A command, or one of texts, changes, houses, connecting, traces\nand lost-requests")
         .typeName("COMMAND");
   }
 };

@@ -153,6 +153,13 @@ Found outputs(const Place& place) {
   });
 }
 
+/// Outputs in front of what they are told.
+Found entries(const Place& place) {
+  Found found = outputs(place);
+  for (Candidate& candidate : *found) candidate.word += '=';
+  return found;
+}
+
 Found presets(const Place& place) {
   return numbered(place, lastPreset, [](Serial& serial, Byte number) -> std::optional<std::string> {
     const Preset preset = readPreset(serial, number, Records::withoutMost);
@@ -189,7 +196,7 @@ Found changeOfOutput(const Place& place) {
 
 Found changeOfPreset(const Place& place) {
   if (place.before.front() == "copy") return place.before.size() > 2 ? Candidates() : presets(place);
-  if (place.before.size() > 1) return Candidates();
+  if (place.before.size() > 1) return place.before[1] == "set" ? entries(place) : Candidates();
   return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
 }
 
@@ -203,11 +210,6 @@ Found changeOfLink(const Place& place) {
                     {"falling", "Its edges"},     {"both", "Its edges"},       {"none", "Its edges"}};
 }
 
-Found changeOfSwitchTime(const Place& place) {
-  if (place.before.size() > 1) return Candidates();
-  return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
-}
-
 Found dayWords(const Place& /*place*/) {
   Candidates found;
   for (int day = 0; day < weekdays; ++day) found.push_back({weekday(day), ""});
@@ -215,8 +217,19 @@ Found dayWords(const Place& /*place*/) {
   return found;
 }
 
+Found changeOfSwitchTime(const Place& place) {
+  if (place.before.size() == 1) {
+    return Candidates{{"set", "Change it; what is left out stays"}, {"clear", "Empty it"}};
+  }
+  if (place.before[1] != "set") return Candidates();
+  Found found = dayWords(place);
+  const Found outputs = entries(place);
+  found->insert(found->end(), outputs->begin(), outputs->end());
+  return found;
+}
+
 Found changeOfSimulation(const Place& place) {
-  if (place.before.size() > 2) return Candidates();
+  if (place.before.size() > 2) return place.before[2] == "set" ? entries(place) : Candidates();
   return Candidates{{"set", "Put other events in place of the hour's"}, {"clear", "Remove them"}};
 }
 

@@ -35,14 +35,14 @@ std::string whyNoLogin(const LinkOptions& link, Byte result) {
 }
 
 std::string whyNoConnection(const platform::Reach& reach) {
-  const std::error_code error(reach.error, std::system_category());
-  const bool refused = error == std::errc::connection_refused;
-  return error.message() + (refused ? "; nothing listens on that port" : "; check address and network");
+  const std::string system = std::system_category().message(reach.error);
+  return system + (reach.isRefused ? "; nothing listens on that port" : "; check address and network");
 }
 
 /// What is left of the connection tells why nothing greets.
 std::string whyNoGreeting(const platform::Socket& socket) {
-  switch (const platform::Reach reach = socket.reach(); reach.stage) {
+  const platform::Reach reach = socket.reach();
+  switch (reach.stage) {
     case platform::Reach::Stage::lookingUp:
       return socket.isDead() ? "there is no host of that name"
                              : "the look-up of the host's name takes too long; check the network";
@@ -52,8 +52,9 @@ std::string whyNoGreeting(const platform::Socket& socket) {
     case platform::Reach::Stage::connected:
       break;
   }
-  return socket.isDead() ? "it hangs up at once; another program may be connected already"
-                         : "it answers, but is no interface of a controller; check address and port";
+  if (socket.isDead()) return "it hangs up at once; another program may be connected already";
+  return reach.hasSpoken ? "it answers, but is no interface of a controller; check address and port"
+                         : "it takes the connection and says nothing; check address and port";
 }
 
 }  // namespace
