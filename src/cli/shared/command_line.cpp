@@ -312,6 +312,16 @@ std::string unexpected(const CLI::App& app, const std::string& word) {
   return "there is no command \"" + word + "\"" + didYouMean(word, names);
 }
 
+/// What the library says is wrong, but for numbers, which alone cannot be converted: "--for = x".
+std::string faultOf(const CLI::ParseError& error) {
+  std::string text = error.what();
+  constexpr std::string_view start = "Could not convert: ";
+  const auto equals = text.find(" = ");
+  if (!text.starts_with(start) || equals == std::string::npos) return text;
+  return text.substr(start.size(), equals - start.size()) + ": \"" + text.substr(equals + 3) +
+         "\" is no number for it";
+}
+
 }  // namespace
 
 std::optional<ExitStatus> CommandLine::parse(int argc, char** argv) const {
@@ -329,7 +339,7 @@ std::optional<ExitStatus> CommandLine::parse(int argc, char** argv) const {
     const CLI::App& app = reached(*app_);
     const auto left = app_->remaining(true);
     const bool misses = &app == app_.get() && app.get_require_subcommand_min() != 0;
-    const std::string fault = misses ? "a command is missing" : error.what();
+    const std::string fault = misses ? "a command is missing" : faultOf(error);
     const std::string sentence = left.empty() ? fault : unexpected(app, left.front());
     const std::string command = &app == app_.get() ? "" : " " + app.get_name();
     throw Failure(wrongUsage, sentence + " (see \"" + app_->get_name() + command + " --help\")");

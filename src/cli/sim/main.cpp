@@ -87,9 +87,11 @@ std::string describeFaults() {
 
 void declare(const CommandLine& line, Options& options) {
   line.option("--tcp,--tcp-q", options.portsQ, "Serve kind Q on a TCP port (0: any free one); repeatable")
+      .range(0, 65535)
       .typeName("PORT")
       .oneValueEach();
   line.option("--tcp-s", options.portsS, "Serve kind S on a TCP port; repeatable")
+      .range(0, 65535)
       .typeName("PORT")
       .oneValueEach();
   line.option("--bind", options.address, "Address of the TCP ports, in digits").showDefault();
