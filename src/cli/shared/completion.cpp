@@ -252,8 +252,10 @@ std::optional<Candidates> candidates(const CommandShape& program, const std::vec
   return walk.at(words.back());
 }
 
-std::optional<int> answerShell(const CommandShape& program, int argc, char** argv, const ValuesAt& valuesAt) {
+std::optional<int> answerShell(const std::function<CommandShape()>& shape, int argc, char** argv,
+                               const ValuesAt& valuesAt) {
   if (argc < 4 || std::string_view(argv[1]) != "complete") return std::nullopt;
+  const CommandShape program = shape();
   std::vector<std::string> words(argv + 3, argv + argc);
   if (std::string_view(argv[2]) == "bash") return answerBash(program, words, valuesAt);
   words.back().erase(0, 1);

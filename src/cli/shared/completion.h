@@ -43,6 +43,7 @@ std::optional<Candidates> candidates(const CommandShape& program, const std::vec
 ///
 /// Prints the candidates, one a line, with a tab in front of what each is; for the Bash as it takes them. The
 /// exit status is 1 where files can stand.
-std::optional<int> answerShell(const CommandShape& program, int argc, char** argv, const ValuesAt& valuesAt);
+std::optional<int> answerShell(const std::function<CommandShape()>& shape, int argc, char** argv,
+                               const ValuesAt& valuesAt);
 
 }  // namespace velk::cli

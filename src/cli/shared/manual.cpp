@@ -146,10 +146,10 @@ std::string manualOf(const CommandShape& program, const std::string& version) {
   return Page(program, version).text();
 }
 
-std::optional<int> printManual(const CommandShape& program, const std::string& version, int argc,
-                               char** argv) {
+std::optional<int> printManual(const std::function<CommandShape()>& shape, const std::string& version,
+                               int argc, char** argv) {
   if (argc != 2 || std::string_view(argv[1]) != "manual") return std::nullopt;
-  std::cout << manualOf(program, version);
+  std::cout << manualOf(shape(), version);
   return success;
 }
 

@@ -12,7 +12,7 @@ namespace velk::cli {
 std::string manualOf(const CommandShape& program, const std::string& version);
 
 /// Prints it, and is the exit status, when "manual" is all that stands on the command line.
-std::optional<int> printManual(const CommandShape& program, const std::string& version, int argc,
-                               char** argv);
+std::optional<int> printManual(const std::function<CommandShape()>& shape, const std::string& version,
+                               int argc, char** argv);
 
 }  // namespace velk::cli

@@ -287,8 +287,9 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk-sim", description);
   Options options;
   declare(line, options);
-  if (const auto printed = printManual(line.shape(), "VelkCom " VELK_VERSION, argc, argv)) return *printed;
-  if (const auto answered = answerShell(line.shape(), argc, argv, valuesAt)) return *answered;
+  const auto shape = [&line] { return line.shape(); };
+  if (const auto printed = printManual(shape, "VelkCom " VELK_VERSION, argc, argv)) return *printed;
+  if (const auto answered = answerShell(shape, argc, argv, valuesAt)) return *answered;
   const auto status = line.parse(argc, argv);
   if (!status) {
     watchInterrupts();

@@ -65,10 +65,13 @@ int carryOut(int argc, char** argv) {
   const CommandLine line("velk", description);
   line.version("velk " VELK_VERSION);
   line.footer(notes);
-  Job job;
+  Job job{.only = onlyCommandOf(argc > 1 ? argv[1] : "")};
   addCommands(line, job);
-  CommandShape shape = line.shape();
-  shape.footer += topics();
+  const auto shape = [&line] {
+    CommandShape all = line.shape();
+    all.footer += topics();
+    return all;
+  };
   if (const auto status = printManual(shape, "VelkCom " VELK_VERSION, argc, argv)) return *status;
   if (const auto status = answerShell(shape, argc, argv, valuesAt)) return *status;
   if (const auto status = line.parse(argc, argv)) return *status;

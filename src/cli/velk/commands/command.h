@@ -43,7 +43,9 @@ struct ChangeOptions : LinkedOptions {
 
 /// What a command line has to do.
 struct Job {
-  std::function<int()> carryOut;                 ///< returns the exit status
+  /// The command whose options are wanted; empty: those of all. To declare them takes longer than what most commands do.
+  std::string only = {};
+  std::function<int()> carryOut = {};            ///< returns the exit status
   std::shared_ptr<LinkedOptions> linked = {};    ///< of a command that works on a link
   std::shared_ptr<ChangeOptions> changing = {};  ///< of one that changes a thing
 };
@@ -60,10 +62,11 @@ CommandLine addCommand(const CommandLine& velk, Job& job, const std::string& nam
                        const std::string& examples, CarryOut carryOut) {
   const auto options = std::make_shared<Options>();
   CommandLine line = velk.addCommand(name, help, [&job, options, carryOut] {
-    job = {.carryOut = [options, carryOut] { return carryOut(*options); },
-           .linked = optionsAs<LinkedOptions>(options),
-           .changing = optionsAs<ChangeOptions>(options)};
+    job.carryOut = [options, carryOut] { return carryOut(*options); };
+    job.linked = optionsAs<LinkedOptions>(options);
+    job.changing = optionsAs<ChangeOptions>(options);
   });
+  if (!job.only.empty() && job.only != name) return line;
   options->declare(line);
   line.footer("\nExamples:\n" + examples);
   return line;
@@ -105,6 +108,9 @@ void addPorts(const CommandLine& velk, Job& job);
 void addDoctor(const CommandLine& velk, Job& job);
 void addCompletion(const CommandLine& velk, Job& job);
 void addHelp(const CommandLine& velk, Job& job);
+
+/// The command that a line begins with, if its options are all that are wanted.
+std::string onlyCommandOf(const std::string& firstWord);
 
 /// Adds all commands; those below carry out lines that name them.
 using AddCommands = void (*)(const CommandLine& velk, Job& job);

@@ -107,6 +107,13 @@ void addHelp(const CommandLine& velk, Job& job) {
                           });
 }
 
+std::string onlyCommandOf(const std::string& firstWord) {
+  constexpr std::array<std::string_view, 3> lookAtAll{"help", "manual", "complete"};
+  const bool isNone = firstWord.starts_with("-") ||
+                      std::find(lookAtAll.begin(), lookAtAll.end(), firstWord) != lookAtAll.end();
+  return isNone ? "" : firstWord;
+}
+
 std::string topics() {
   std::string text;
   for (const Topic& topic : topicTable) text.append("\n").append(topic.text);

@@ -19,6 +19,7 @@ std::vector<std::string> closedWords(const std::string& text) {
 
 Line::Line(const std::string& text, AddCommands addCommands) : words_(closedWords(text)), velk_(program, "") {
   if (words_.empty()) return;
+  job_.only = onlyCommandOf(words_.front());
   addCommands(velk_, job_);
   std::vector<std::string> arguments = words_;
   arguments.insert(arguments.begin(), program);
