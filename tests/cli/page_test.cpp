@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <list>
 #include <optional>
 #include <thread>
@@ -61,17 +62,19 @@ std::string request(const std::string& line, const std::string& body = {}, const
          (body.empty() ? "" : "Content-Length: " + std::to_string(body.size()) + "\r\n") + "\r\n" + body;
 }
 
+/// Status line and body of an answer.
+std::string answerOf(const std::string& port, const std::string& text) {
+  Browser browser(port);
+  browser.send(text);
+  const std::string answer = browser.upTo();
+  const auto body = answer.find("\r\n\r\n");
+  return answer.substr(0, answer.find('\r')) +
+         (body == std::string::npos ? "" : " " + answer.substr(body + 4));
+}
+
 class PageTest : public testing::Test {
  protected:
-  /// Status line and body of an answer.
-  std::string answerTo(const std::string& text) const {
-    Browser browser(port);
-    browser.send(text);
-    const std::string answer = browser.upTo();
-    const auto body = answer.find("\r\n\r\n");
-    return answer.substr(0, answer.find('\r')) +
-           (body == std::string::npos ? "" : " " + answer.substr(body + 4));
-  }
+  std::string answerTo(const std::string& text) const { return answerOf(port, text); }
   std::string post(const std::string& target, const std::string& body) const {
     return answerTo(request("POST " + target, body));
   }
@@ -173,6 +176,23 @@ TEST_F(PageTest, IsOnePageOfItsOwn) {
     for (const char* outside : {"src=", "@import", "http://", "https://", "/*page."}) {
       EXPECT_EQ(answer.find(outside), std::string::npos) << outside;
     }
+  }
+}
+
+/// The address that is printed opens, also where all addresses are listened on.
+TEST(PagePlaceTest, IsOneThatOpens) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"0.0.0.0", "web http://127.0.0.1:", "/ (and at this machine's other addresses)"},
+      {"::", "web http://[::1]:", "/ (and at this machine's other addresses)"},
+      {"::ffff:127.0.0.1", "web http://127.0.0.1:", "/"},
+  };
+  for (const auto& [address, start, end] : rows) {
+    if (address[0] == ':' && !std::filesystem::exists("/proc/net/if_inet6")) continue;
+    House house("--web 0 --web-open-to-network " + std::string(address));
+    const std::string place = house.simulator.lineBehind(start);
+    EXPECT_EQ(place.substr(place.find('/')), end);
+    const std::string port = place.substr(0, place.find('/'));
+    EXPECT_TRUE(answerOf(port, request("GET /")).starts_with("HTTP/1.1 200 OK <!doctype html>")) << address;
   }
 }
 

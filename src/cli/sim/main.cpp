@@ -233,7 +233,8 @@ class Page {
   Page(const Options& options, ServedHouse& house, simulator::Watch& watch, Places places)
       : site_(house, watch, std::move(places)),
         server_(options.webAddress, static_cast<std::uint16_t>(options.web), site_) {
-    print("web http://" + withPort(options.webAddress, server_.port()) + '/');
+    print("web http://" + withPort(server_.address(), server_.port()) + '/' +
+          (server_.isOnAllAddresses() ? " (and at this machine's other addresses)" : ""));
   }
 
  private:

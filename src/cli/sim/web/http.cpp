@@ -52,6 +52,12 @@ std::string hostOf(const std::string& field) {
   return field.substr(0, field.find(':'));
 }
 
+/// A listener on all addresses of IPv6 takes those of IPv4 too, in a form that nobody writes.
+asio::ip::address asWritten(const asio::ip::address& address) {
+  if (!address.is_v6() || !address.to_v6().is_v4_mapped()) return address;
+  return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+}
+
 /// Whether the request is for the machine that it came to: a page of somebody else's server, whose name leads
 /// here, would have its own name there.
 bool isForHere(const std::string& host, const asio::ip::address& here) {
@@ -179,7 +185,10 @@ class HttpServer::Listener {
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
 
-  [[nodiscard]] std::uint16_t port() const { return acceptor_.local_endpoint().port(); }
+  [[nodiscard]] tcp::endpoint place() const {
+    const auto bound = acceptor_.local_endpoint();
+    return {asWritten(bound.address()), bound.port()};
+  }
 
  private:
   class Connection;
@@ -220,7 +229,7 @@ class HttpServer::Listener::Connection : public std::enable_shared_from_this<Con
     stream_.socket().set_option(tcp::no_delay(true), error);
     const auto endpoint = stream_.socket().local_endpoint(error);
     if (error) return;
-    here_ = endpoint.address();
+    here_ = asWritten(endpoint.address());
     readHeader(patience);
   }
 
@@ -416,8 +425,19 @@ HttpServer::HttpServer(const std::string& address, std::uint16_t port, Site& sit
 
 HttpServer::~HttpServer() = default;
 
+std::string HttpServer::address() const {
+  const auto address = listener_->place().address();
+  if (!address.is_unspecified()) return address.to_string();
+  return address.is_v4() ? asio::ip::address_v4::loopback().to_string()
+                         : asio::ip::address_v6::loopback().to_string();
+}
+
 std::uint16_t HttpServer::port() const {
-  return listener_->port();
+  return listener_->place().port();
+}
+
+bool HttpServer::isOnAllAddresses() const {
+  return listener_->place().address().is_unspecified();
 }
 
 }  // namespace velk::cli::web

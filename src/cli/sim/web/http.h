@@ -68,7 +68,11 @@ class HttpServer {
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
 
+  /// Where programs of this machine reach it, for example "127.0.0.1": one that listens on all addresses is
+  /// reached on the loopback of that family.
+  [[nodiscard]] std::string address() const;
   [[nodiscard]] std::uint16_t port() const;
+  [[nodiscard]] bool isOnAllAddresses() const;
 
  private:
   class Listener;
