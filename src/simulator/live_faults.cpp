@@ -29,6 +29,11 @@ void LiveFaults::takeAllBack() {
   isEmpty_ = true;
 }
 
+bool LiveFaults::wasSet(unsigned id) const {
+  const std::lock_guard lock(mutex_);
+  return id != 0 && id <= lastId_;
+}
+
 std::vector<LiveFaults::Entry> LiveFaults::list() const {
   const std::lock_guard lock(mutex_);
   std::vector<Entry> entries;

@@ -30,6 +30,9 @@ class LiveFaults {
   bool takeBack(unsigned id);
   void takeAllBack();
 
+  /// Whether there is or was one with this id.
+  [[nodiscard]] bool wasSet(unsigned id) const;
+
   [[nodiscard]] std::vector<Entry> list() const;
 
   /// Counts a request, and adds to its plan what is to happen there.

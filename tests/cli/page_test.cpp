@@ -102,6 +102,10 @@ TEST_F(PageTest, RefusesWhatIsWrongAndChangesNothing) {
        R"(The host \"127.0.0.1.example.org\" is not this simulator.)"},
       {write + "Host: 10.0.0.1\r\n" + size, "403 Forbidden",
        R"(The host \"10.0.0.1\" is not this simulator.)"},
+      {write + "Host: 127.0.0.1\r\nHost: 127.0.0.1\r\n" + size, "400 Bad Request",
+       R"(There are two \"Host\".)"},
+      {write + "Host: 127.0.0.1\r\nOrigin: http://127.0.0.1\r\nOrigin: null\r\n" + size, "400 Bad Request",
+       R"(There are two \"Origin\".)"},
       {write + size, "403 Forbidden", R"(The host \"\" is not this simulator.)"},
       {request("POST /api/write", name, "Origin: http://example.org\r\n"), "403 Forbidden",
        "The page of another server may not do that."},
@@ -142,12 +146,12 @@ TEST_F(PageTest, RefusesWhatIsWrongAndChangesNothing) {
       {request("POST /api/write", R"({"at":"V+ 0540","bytes":"58"})"), "400 Bad Request",
        "Nothing that can be changed lies at V+ 0540."},
       {request("POST /api/write", R"({"at":"V FFFF","bytes":"0000"})"), "400 Bad Request",
-       "Nothing that can be changed lies at V 0000."},
+       "The 2 bytes from V ffff run over the end of the area."},
       {request("POST /api/write", R"({"at":"H+ 0DF8","bytes":"202020202020202020"})"), "400 Bad Request",
-       "Nothing that can be changed lies at H+ 0d00."},
+       "The 9 bytes from H+ 0df8 run over the end of the page."},
       {request("POST /api/faults", R"({"fault":"status@1"})"), "400 Bad Request",
        R"(fault \"status@1\": \"status\" needs =N)"},
-      {request("POST /api/faults/take-back", R"({"id":1})"), "404 Not Found", "This fault is over already."},
+      {request("POST /api/faults/take-back", R"({"id":1})"), "404 Not Found", "There is no fault 1."},
       {request("POST /api/faults/take-back", R"({"id":-1})"), "400 Bad Request", nullptr},
       {request("POST /api/backup", "{}"), "400 Bad Request", "it is no backup"},
       {request("POST /api/backup",
@@ -168,7 +172,7 @@ TEST_F(PageTest, RefusesWhatIsWrongAndChangesNothing) {
 }
 
 TEST_F(PageTest, IsOnePageOfItsOwn) {
-  for (const char* host : {"127.0.0.1", "localhost", "127.0.0.1:8080", "localhost:8080"}) {
+  for (const char* host : {"127.0.0.1", "localhost", "127.0.0.1:8080", "LocalHost:8080"}) {
     const std::string answer = answerTo("GET / HTTP/1.1\r\nHost: " + std::string(host) +
                                         "\r\nOrigin: http://" + host + "\r\nConnection: close\r\n\r\n");
     EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK <!doctype html>")) << answer.substr(0, 200);
@@ -205,6 +209,8 @@ TEST_F(PageTest, AFaultMakesTheNextMethodFailAsItSays) {
   EXPECT_TRUE(house.velk(read).text.starts_with("9  "));
   EXPECT_EQ(post("/api/faults/take-back", R"({"id":2})"), done);
   EXPECT_TRUE(house.velk(read).text.starts_with("0  (done)\n"));
+  EXPECT_EQ(post("/api/faults/take-back", R"({"id":2})"),
+            "HTTP/1.1 404 Not Found {\"error\":\"This fault is over already.\"}\n");
   post("/api/faults", R"({"fault":"code=128@1"})");
   EXPECT_TRUE(house.velk("call Module R 090500 ''").text.starts_with("128  "));
   EXPECT_TRUE(house.velk("call Module R 090500 ''").text.starts_with("0  (done)\n"));

@@ -62,7 +62,7 @@ asio::ip::address asWritten(const asio::ip::address& address) {
 /// here, would have its own name there.
 bool isForHere(const std::string& host, const asio::ip::address& here) {
   const std::string name = hostOf(host);
-  return name == here.to_string() || (here.is_loopback() && name == "localhost");
+  return beast::iequals(name, here.to_string()) || (here.is_loopback() && beast::iequals(name, "localhost"));
 }
 
 /// A parser for one request. How long the body may be is known behind the header. (No limit at all refuses
@@ -75,10 +75,14 @@ void prepare(Parser& parser) {
 /// Why a request is refused, of which the header is read; an answer with status 200 when it is not.
 HttpAnswer judged(Parser& parser, const Site& site, const asio::ip::address& here) {
   const auto& header = parser.get();
+  for (const auto field : {http::field::host, http::field::origin}) {
+    // Which of two counts, others on the way may see otherwise.
+    if (header.count(field) > 1) return httpError(400, "There are two \"" + text(to_string(field)) + "\".");
+  }
   const std::string host = text(header[http::field::host]);
   if (!isForHere(host, here)) return httpError(403, "The host \"" + host + "\" is not this simulator.");
   const auto origin = header.find(http::field::origin);
-  if (origin != header.end() && text(origin->value()) != "http://" + host) {
+  if (origin != header.end() && !beast::iequals(origin->value(), "http://" + host)) {
     return httpError(403, "The page of another server may not do that.");
   }
   const auto longest = site.longestBody(text(header.method_string()), text(header.target()));

@@ -54,8 +54,12 @@ void requireChangeable(Address first, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     const Address at = first.next(i);
     // A transfer goes on at the start of the page or of the memory, where nobody means it to.
-    if (at < first || !isChangeable(at)) {
-      throw std::invalid_argument("Nothing that can be changed lies at " + keyOf(first.next(i)) + ".");
+    if (at < first) {
+      throw std::invalid_argument("The " + std::to_string(count) + " bytes from " + keyOf(first) +
+                                  " run over the end of the " + (isExternal(at.area) ? "area." : "page."));
+    }
+    if (!isChangeable(at)) {
+      throw std::invalid_argument("Nothing that can be changed lies at " + keyOf(at) + ".");
     }
   }
 }
@@ -186,10 +190,10 @@ HttpAnswer PageSite::setFault(const std::string& body) {
 }
 
 HttpAnswer PageSite::takeFaultBack(const std::string& body) {
-  if (!watch_.faults.takeBack(parsed(body).at("id").get<unsigned>())) {
-    return httpError(404, "This fault is over already.");
-  }
-  return done();
+  const auto id = parsed(body).at("id").get<unsigned>();
+  if (watch_.faults.takeBack(id)) return done();
+  return httpError(404, watch_.faults.wasSet(id) ? "This fault is over already."
+                                                 : "There is no fault " + std::to_string(id) + ".");
 }
 
 HttpAnswer PageSite::takeAllFaultsBack(const std::string& /*body*/) {
