@@ -3,6 +3,19 @@
 #include <stdexcept>
 
 namespace velk::simulator {
+namespace {
+
+/// Requests have a number from 1 on.
+bool isForLoginsAlone(const Fault& fault) {
+  return fault.kind->counts == Counts::requests && fault.last == 0;
+}
+
+std::string_view countedBy(const Fault& fault) {
+  if (isForLoginsAlone(fault)) return "login";
+  return fault.kind->counts == Counts::requests ? "request" : "module request";
+}
+
+}  // namespace
 
 unsigned LiveFaults::set(std::string_view text) {
   const Fault fault = parseFault(text);
@@ -11,7 +24,9 @@ unsigned LiveFaults::set(std::string_view text) {
     throw std::invalid_argument("there are " + std::to_string(most) +
                                 " faults already: take some back first");
   }
-  rows_.push_back({.entry = {.id = ++lastId_, .text = std::string(text), .counted = 0}, .fault = fault});
+  rows_.push_back(
+      {.entry = {.id = ++lastId_, .text = std::string(text), .counts = countedBy(fault), .counted = 0},
+       .fault = fault});
   isEmpty_ = false;
   return lastId_;
 }
@@ -45,7 +60,8 @@ void LiveFaults::next(Counts counts, Plan& plan) {
   if (isEmpty_.load(std::memory_order_relaxed)) return;
   const std::lock_guard lock(mutex_);
   for (Row& row : rows_) {
-    if (row.fault.kind->counts == counts) apply(row.fault, ++row.entry.counted, counts, plan);
+    if (row.fault.kind->counts == counts && !isForLoginsAlone(row.fault))
+      apply(row.fault, ++row.entry.counted, counts, plan);
   }
   // A fault at logins has no request of its own to be over with.
   std::erase_if(rows_,
@@ -53,10 +69,13 @@ void LiveFaults::next(Counts counts, Plan& plan) {
   isEmpty_ = rows_.empty();
 }
 
-void LiveFaults::login(Plan& plan) const {
+void LiveFaults::login(Plan& plan) {
   if (isEmpty_.load(std::memory_order_relaxed)) return;
   const std::lock_guard lock(mutex_);
-  for (const Row& row : rows_) apply(row.fault, 0, Counts::requests, plan);
+  for (Row& row : rows_) {
+    apply(row.fault, 0, Counts::requests, plan);
+    if (isForLoginsAlone(row.fault)) ++row.entry.counted;
+  }
 }
 
 }  // namespace velk::simulator

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "simulator/faults.h"
@@ -18,8 +19,9 @@ class LiveFaults {
 
   struct Entry {
     unsigned id;
-    std::string text;  ///< as it was set
-    unsigned counted;  ///< requests since then
+    std::string text;         ///< as it was set
+    std::string_view counts;  ///< "request", "login" or "module request"
+    unsigned counted;         ///< so many since then
   };
 
   /// Reads a text as `parseFault` does. Throws std::invalid_argument with a sentence, also when there are too
@@ -35,9 +37,9 @@ class LiveFaults {
 
   [[nodiscard]] std::vector<Entry> list() const;
 
-  /// Counts a request, and adds to its plan what is to happen there.
+  /// Counts a request or a login, and adds to its plan what is to happen there.
   void next(Counts counts, Plan& plan);
-  void login(Plan& plan) const;
+  void login(Plan& plan);
 
  private:
   struct Row {

@@ -232,7 +232,11 @@ TEST_F(PageTest, TellsWhatHappensAndWhatIsChanged) {
   EXPECT_TRUE(events.sees(R"("c":0,"q":"write 2 V 0540 48 61  output 5, name")"));
   EXPECT_TRUE(house.velk("call ReadCom 2 5 64 V").shows("\\x00Ha"));
   post("/api/faults", R"({"fault":"late=1@9"})");
-  EXPECT_TRUE(events.sees(R"([{"id":1,"fault":"late=1@9","counted":0}])"));
+  EXPECT_TRUE(events.sees(R"([{"id":1,"fault":"late=1@9","counts":"request","counted":0}])"));
+  post("/api/faults/take-all-back", "");
+  post("/api/faults", R"({"fault":"silent@0"})");
+  EXPECT_NE(house.velk("call ReadCom 1 5 1 V").status, 0);
+  EXPECT_TRUE(events.sees(R"([{"id":2,"fault":"silent@0","counts":"login","counted":1}])"));
   std::list<Browser> others;
   for (int i = 0; i < 7; ++i) {
     others.emplace_back(port).send("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");

@@ -34,6 +34,7 @@ TEST(LiveFaultsTest, CountFromWhenTheyAreSetAndAreForgottenWhenOver) {
   }
   LiveFaults faults;
   faults.set("code=7@2");
+  EXPECT_EQ(faults.list().front().counts, "module request");
   EXPECT_EQ(refusedOf(faults, 3, Counts::moduleRequests), (std::vector<unsigned>{0, 7, 0}));
 }
 
@@ -44,9 +45,14 @@ TEST(LiveFaultsTest, LoginsHaveThemUntilTheyAreTakenBack) {
   refusedOf(faults, 2);
   Plan plan;
   faults.login(plan);
+  faults.login(plan);
+  faults.login(plan);
   EXPECT_EQ(plan.status, 9);
+  EXPECT_EQ(faults.list().front().counts, "login");
+  EXPECT_EQ(faults.list().front().counted, 3U);
   EXPECT_FALSE(plan.silent);
   EXPECT_EQ(faults.list().back().text, "silent@5-");
+  EXPECT_EQ(faults.list().back().counts, "request");
   EXPECT_EQ(faults.list().back().counted, 2U);
   EXPECT_TRUE(faults.takeBack(id));
   EXPECT_FALSE(faults.takeBack(id));

@@ -110,7 +110,8 @@ void ChangeFeed::tellLists(HttpEvents& events) {
 Json ChangeFeed::faults() const {
   Json list = Json::array();
   for (const auto& entry : watch_.faults.list()) {
-    list.push_back({{"id", entry.id}, {"fault", entry.text}, {"counted", entry.counted}});
+    list.push_back(
+        {{"id", entry.id}, {"fault", entry.text}, {"counts", entry.counts}, {"counted", entry.counted}});
   }
   return list;
 }

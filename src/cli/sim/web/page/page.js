@@ -468,7 +468,7 @@ byId('load').addEventListener('change', async event => {
 function drawFaults(faults) {
   const list = byId('fault-list');
   const counts = list.querySelectorAll('.quiet');
-  const told = fault => `${plural(fault.counted, 'request')} since then`;
+  const told = fault => `${plural(fault.counted, fault.counts)} since then`;
   const ids = faults.map(fault => fault.id).join();
   if (ids && list.dataset.ids === ids) return faults.forEach((fault, i) => { counts[i].textContent = told(fault); });
   list.dataset.ids = ids;
