@@ -107,7 +107,7 @@ Deliveries EthernetQSession::logIn(std::string_view header, std::string_view pas
   const Plan plan = loginPlan();
   const Byte result = plan.status.value_or(password == options().password ? carriedOut : refused);
   loggedIn_ = result == carriedOut;
-  note(loggedIn_ ? "login -> accepted" : "login -> refused");
+  note("login -> " + withFaults(loggedIn_ ? "accepted" : "refused", plan));
   return deliver(plan, replyQ(header, result, {}, plan), foreignQ(header));
 }
 
@@ -117,7 +117,7 @@ Deliveries EthernetQSession::memoryRequest(std::string_view header, std::string_
     return deliver(plan, replyQ(header, payload.size(), payload, plan), foreignQ(header));
   };
   const auto refuse = [&](const std::string& why) {
-    note(why + " -> status 1");
+    note(why + " -> " + withFaults("status 1", plan));
     return reply(Bytes(1, character(refused)));
   };
   constexpr std::size_t request = 2;  // behind "/" and the bus address

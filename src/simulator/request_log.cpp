@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "simulator/trace.h"
+
 namespace velk::simulator {
 namespace {
 
@@ -12,14 +14,14 @@ Byte copyTo(std::array<char, LoggedRequest::longest>& place, std::string_view by
 }  // namespace
 
 LoggedRequest LoggedRequest::of(unsigned connection, const link::Request& request, const Reply& reply,
-                                bool isFaulty) {
+                                const Plan& plan) {
   LoggedRequest logged{.at = std::chrono::system_clock::now(),
                        .connection = connection,
                        .command = request.command,
                        .high = request.high,
                        .low = request.low,
                        .status = reply.status,
-                       .isFaulty = isFaulty,
+                       .faultyReply = isFaulty(plan) ? withFaults(describe(reply), plan) : "",
                        .note = {}};
   logged.size = copyTo(logged.data, request.data);
   logged.replySize = copyTo(logged.reply, reply.data);
@@ -27,7 +29,11 @@ LoggedRequest LoggedRequest::of(unsigned connection, const link::Request& reques
 }
 
 LoggedRequest LoggedRequest::ofNote(unsigned connection, std::string note) {
-  return {.at = std::chrono::system_clock::now(), .connection = connection, .note = std::move(note)};
+  LoggedRequest logged;
+  logged.at = std::chrono::system_clock::now();
+  logged.connection = connection;
+  logged.note = std::move(note);
+  return logged;
 }
 
 link::Request LoggedRequest::request() const {

@@ -9,6 +9,7 @@
 
 #include "link/frames.h"
 #include "simulator/controller.h"
+#include "simulator/faults.h"
 
 namespace velk::simulator {
 
@@ -25,13 +26,13 @@ struct LoggedRequest {
   Byte status = 0;
   Byte size = 0;       ///< of the data that were sent
   Byte replySize = 0;  ///< of the data that were answered
-  bool isFaulty = false;
   std::array<char, longest> data{};
   std::array<char, longest> reply{};
-  std::string note;  ///< with one, there is no request
+  std::string faultyReply;  ///< in words, when a fault changed what was sent
+  std::string note;         ///< with one, there is no request
 
   static LoggedRequest of(unsigned connection, const link::Request& request, const Reply& reply,
-                          bool isFaulty);
+                          const Plan& plan = {});
   static LoggedRequest ofNote(unsigned connection, std::string note);
 
   [[nodiscard]] link::Request request() const;

@@ -92,7 +92,7 @@ std::optional<std::size_t> FastSession::takeShortRequest(std::string_view buffer
   if (mark == std::string_view::npos) return std::nullopt;
   const Bytes frame(buffer.substr(0, mark + 1));
   const Plan plan = nextPlan();
-  note("short request");
+  note(isFaulty(plan) ? "short request -> " + withFaults("repeated", plan) : "short request");
   append(out, deliver(plan, frame, foreignFrame(options().busAddress)));
   return frame.size();
 }

@@ -1,14 +1,6 @@
 #include "simulator/session.h"
 
 namespace velk::simulator {
-namespace {
-
-bool misbehaves(const Plan& plan) {
-  return plan.silent || plan.disconnect || plan.shortTo || plan.wrongHeader || plan.foreign > 0 ||
-         plan.late.count() > 0;
-}
-
-}  // namespace
 
 void append(Deliveries& out, Deliveries more) {
   for (Delivery& delivery : more) out.push_back(std::move(delivery));
@@ -34,12 +26,11 @@ void Session::note(const std::string& line) const {
 Reply Session::answer(const link::Request& request, const Plan& plan) {
   Reply reply = plan.status ? refusal(request, *plan.status) : controller_.answer(request);
   if (options_.trace) {
-    options_.trace(describe(request) + " -> " + describe(reply) +
-                   (misbehaves(plan) ? " (faulty reply)" : ""));
+    options_.trace(describe(request) + " -> " + withFaults(describe(reply), plan));
   }
   if (options_.watch != nullptr) {
     connection_->requests.fetch_add(1, std::memory_order_relaxed);
-    options_.watch->log.add(LoggedRequest::of(connection_->id, request, reply, misbehaves(plan)));
+    options_.watch->log.add(LoggedRequest::of(connection_->id, request, reply, plan));
   }
   return reply;
 }

@@ -5,6 +5,7 @@
 
 #include "link/frames.h"
 #include "simulator/controller.h"
+#include "simulator/faults.h"
 
 namespace velk::simulator {
 
@@ -17,5 +18,12 @@ std::string describe(const link::Request& request);
 
 /// What was answered: the bytes read, "ok" or "status 7".
 std::string describe(const Reply& reply);
+
+/// Whether a plan changes how a reply is sent; a status is a reply of its own.
+bool isFaulty(const Plan& plan);
+
+/// What was to be answered, and behind it what a plan made of that: "05 (fault: late=1500)", "no reply (fault:
+/// silent)". The text alone where nothing was wrong.
+std::string withFaults(std::string text, const Plan& plan);
 
 }  // namespace velk::simulator

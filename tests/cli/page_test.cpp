@@ -237,6 +237,7 @@ TEST_F(PageTest, TellsWhatHappensAndWhatIsChanged) {
   post("/api/faults", R"({"fault":"silent@0"})");
   EXPECT_NE(house.velk("call ReadCom 1 5 1 V").status, 0);
   EXPECT_TRUE(events.sees(R"([{"id":2,"fault":"silent@0","counts":"login","counted":1}])"));
+  EXPECT_TRUE(events.sees(R"-("q":"login -> no reply (fault: silent)"})-"));
   std::list<Browser> others;
   for (int i = 0; i < 7; ++i) {
     others.emplace_back(port).send("GET /api/events HTTP/1.1\r\nHost: localhost\r\n\r\n");

@@ -35,8 +35,9 @@ std::string rowOf(std::uint64_t number, const LoggedRequest& logged) {
   const link::Request request = logged.request();
   const link::Address at = link::addressAt(link::areaOf(request.command), request.high, request.low);
   row += member("q", simulator::describe(request));
-  row += member("r", simulator::describe(logged.answer()) + (logged.isFaulty ? " (faulty reply)" : ""));
-  row += member("f", logged.isFaulty || logged.status != simulator::carriedOut ? 1 : 0);
+  const bool isFaulty = !logged.faultyReply.empty();
+  row += member("r", isFaulty ? logged.faultyReply : simulator::describe(logged.answer()));
+  row += member("f", isFaulty || logged.status != simulator::carriedOut ? 1 : 0);
   row += member("w", (request.command & link::write) != 0 ? 1 : 0);
   row += member("a", nameOf(at.area)) + member("p", at.page) + member("o", at.offset);
   return row + member("k", static_cast<std::int64_t>(link::dataCount(request.command))) + "}";

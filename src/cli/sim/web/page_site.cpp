@@ -181,7 +181,7 @@ HttpAnswer PageSite::write(const std::string& body) {
   requireChangeable(at, bytes.size());
   const auto request = link::writeRequest(static_cast<Byte>(bytes.size()), at, bytes);
   const simulator::Reply reply = house_.controller().answer(request);
-  watch_.log.add(simulator::LoggedRequest::of(simulator::noConnection, request, reply, false));
+  watch_.log.add(simulator::LoggedRequest::of(simulator::noConnection, request, reply));
   return done();
 }
 
