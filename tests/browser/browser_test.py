@@ -210,6 +210,33 @@ def check_trace(port):
     expect(len(rows_of_trace()) > stopped, "the trace does not go on")
 
 
+def check_lit():
+    """What was written stays marked so while hosts read it back, on a clock that stands still in between."""
+    told = browser.execute_script("""
+        const [real, told] = [performance.now, []];
+        let now = performance.now();
+        performance.now = () => now;
+        const output = things.find(thing => thing.title === 'output 5');
+        stopFollowing();
+        choose(output);
+        const mark = later => {
+          now += later;
+          touch({a: 'V', p: 5, o: 65, k: 1, w: 0});
+          putOut();
+          drawMemory();
+          const line = [...lineKeys(output).keys()].indexOf('V 0540');
+          told.push([0, 1].map(n => byId('memory-lines').children[line].cells[1 + n].className).join(' ') + '/' +
+              ['written', 'read'].filter(name => output.cell.classList.contains(name)).join(' '));
+        };
+        touch({a: 'V', p: 5, o: 64, k: 1, w: 0});
+        touch({a: 'V', p: 5, o: 64, k: 2, w: 1});
+        for (const later of [0, 1499, 1]) mark(later);
+        performance.now = real;
+        byId('memory-follow').checked = true;
+        return told;""")
+    expect(told == ["written written/written"] * 2 + [" read/read"], f"what was just written is marked {told}")
+
+
 def press_fault(kind, number, which):
     """Presses the button of a fault; returns the fault as text."""
     form = browser.find_element(By.XPATH, f"//*[@id='fault-kinds']//form[.//button='{kind}']")
@@ -262,6 +289,7 @@ def check_simulator():
         until("the page is not live", lambda: text_of("#live") == "live")
         check_trace(port)
         check_faults(port)
+        check_lit()
         look("simulator")
         picture_for_readme("simulator", "body", 1200, 760, 0.75)
         check_files(port)

@@ -159,7 +159,7 @@ let things = [];            // with `cell`, their place on the map
 const thingsAt = new Map(); // "V 05": the runs of a page
 let chosen = null;
 const lit = new Map();      // "V 0510": {until, written}
-const litCells = new Map(); // an element of the map: until when
+const litCells = new Map(); // likewise, by elements of the map
 const litFor = 1500;        // ms
 
 const keyOf = (area, page, offset) => `${area} ${hexByte(page)}${hexByte(offset)}`;
@@ -196,27 +196,32 @@ function bytesOf(row) {
 let newlyTouched = null;
 
 function touch(row) {
-  const until = performance.now() + litFor;
   for (const [area, page, offset] of bytesOf(row)) {
-    lit.set(keyOf(area, page, offset), {until, written: row.w});
+    light(lit, keyOf(area, page, offset), row.w);
     const thing = thingAt(area, page, offset);
     if (!thing) continue;
     newlyTouched = thing;
-    light(thing.cell, row.w, until);
+    const {written} = light(litCells, thing.cell, row.w);
+    thing.cell.classList.toggle('written', written);
+    thing.cell.classList.toggle('read', !written);
   }
   if (lit.size > 20000) lit.clear();
 }
 
-function light(cell, written, until) {
-  cell.classList.toggle('written', written);
-  cell.classList.toggle('read', !written);
-  litCells.set(cell, until);
+/** Marks something as touched just now. What was just written stays so: hosts read it back at once. */
+function light(marks, key, written) {
+  const now = performance.now();
+  const before = marks.get(key);
+  if (!written && before?.written && before.until > now) return before;
+  const mark = {until: now + litFor, written: Boolean(written)};
+  marks.set(key, mark);
+  return mark;
 }
 
 function putOut() {
   const now = performance.now();
-  for (const [cell, until] of litCells) {
-    if (until > now) continue;
+  for (const [cell, mark] of litCells) {
+    if (mark.until > now) continue;
     cell.classList.remove('read', 'written');
     litCells.delete(cell);
   }
