@@ -119,9 +119,9 @@ def check_keyboard(name):
     faults.extend(f"{name}: the keyboard does not reach {what}" for i, what in enumerate(controls) if i not in reached)
 
 
-def check_console(name):
-    faults.extend(f"{name}: the console has {entry['message']}"
-                  for entry in browser.get_log("browser") if entry["level"] == "SEVERE")
+def check_console(name, expected="nothing"):
+    faults.extend(f"{name}: the console has {entry['message']}" for entry in browser.get_log("browser")
+                  if entry["level"] == "SEVERE" and expected not in entry["message"])
 
 
 def look(name, keyboard=True):
@@ -265,6 +265,30 @@ def check_faults(port):
     expect(call(port).returncode == 0, "a fault counts when it is over")
 
 
+def check_wrong_words(simulator):
+    """What is wrong is told in words of what was done, also when nobody answers any more."""
+    form = browser.find_element(By.XPATH, "//*[@id='fault-kinds']//form[.//button='late']")
+    field, press = form.find_element(By.CSS_SELECTOR, "input"), form.find_element(By.CSS_SELECTOR, "button")
+    for wrong in ("", "-1", "1.5", "3600001"):
+        field.clear()
+        field.send_keys(wrong)
+        browser.execute_script("document.querySelector('#said').textContent = ''")
+        press.click()
+        says("late: MS is a whole number from 0 to 3600000.")
+    expect("No fault is set." in text_of("#fault-list"), "a fault is set that nobody asked for")
+    (work / "torn.json").write_text("{")
+    find("#load").send_keys(str(work / "torn.json"))
+    says("torn.json: this is no JSON: line 1")
+    simulator.terminate()
+    simulator.wait()
+    find("#fault-none").click()
+    says("The simulator does not answer. Has it ended?")
+    until("the page does not see the end", lambda: text_of("#live") == "connection lost")
+    check_console("wrong words", "Failed to load resource")
+    browser.get("about:blank")  # which asks for nothing more
+    browser.get_log("browser")
+
+
 def check_files(port):
     """A house that is loaded is served, and saved as it was loaded."""
     find("#load").send_keys(str(work / "full.json"))
@@ -294,6 +318,7 @@ def check_simulator():
         picture_for_readme("simulator", "body", 1200, 760, 0.75)
         check_files(port)
         look("simulator-full", keyboard=False)
+        check_wrong_words(simulator)
     finally:
         simulator.terminate()
         simulator.wait()

@@ -34,20 +34,22 @@ function say(text, bad = false) {
 }
 
 async function ask(path, body) {
-  const answer = await fetch(path, body === undefined ? {} : {method: 'POST', body});
+  const answer = await fetch(path, body === undefined ? {} : {method: 'POST', body}).catch(() => {
+    throw new Error('The simulator does not answer. Has it ended?');
+  });
   const json = await answer.json();
   if (!answer.ok) throw new Error(json.error);
   return json;
 }
 
-/** Asks for a change; says what came of it. */
-async function change(path, body, done) {
+/** Asks for a change; says what came of it, and in front of what is wrong where. */
+async function change(path, body, done, where = '') {
   try {
     const json = await ask(path, typeof body === 'string' ? body : JSON.stringify(body));
     if (done) say(typeof done === 'function' ? done(json) : done);
     return true;
   } catch (error) {
-    say(error.message, true);
+    say(where + error.message, true);
     return false;
   }
 }
@@ -453,6 +455,8 @@ function houseSoon() {
     try {
       // What has the focus is not taken away under somebody's hands.
       if (!document.activeElement?.closest?.('#outputs td, #presets td, #texts td')) drawHouse(await ask('/api/house'));
+    } catch {
+      // The pill tells that the connection is lost, and everything is read again when it is back.
     } finally {
       houseTimer = 0;
     }
@@ -462,8 +466,12 @@ function houseSoon() {
 byId('load').addEventListener('change', async event => {
   const file = event.target.files[0];
   if (!file) return;
-  await change('/api/backup', await file.text(),
-      json => `${file.name} is loaded.` + (json.remark ? ` Mind: ${json.remark}.` : ''));
+  const text = await file.text().catch(() => null);
+  if (text === null) say(`${file.name} cannot be read.`, true);
+  else {
+    await change('/api/backup', text, json => `${file.name} is loaded.` + (json.remark ? ` Mind: ${json.remark}.` : ''),
+        `${file.name}: `);
+  }
   event.target.value = '';
 });
 
@@ -490,9 +498,15 @@ function kindElement(kind) {
   const argument = kind.argument ? make('input', {type: 'number', min: 0, max: kind.highest,
     value: kind.fallback >= 0 ? kind.fallback : {status: 7, late: 1500, short: 2, busy: 3, pending: 3, code: 128}[kind.name] ?? 1,
     'aria-label': `${kind.name}: ${kind.argument}`}) : make('span');
-  const form = make('form', {}, make('span', {}, kind.help), argument, make('button', {type: 'submit'}, kind.name));
+  const form = make('form', {noValidate: true}, make('span', {}, kind.help), argument,
+      make('button', {type: 'submit'}, kind.name));
   form.addEventListener('submit', event => {
     event.preventDefault();
+    // What is no number at all a browser hands over as an empty text.
+    if (kind.argument && !(/^\d+$/.test(argument.value) && Number(argument.value) <= kind.highest)) {
+      argument.focus();
+      return say(`${kind.name}: ${kind.argument} is a whole number from 0 to ${kind.highest}.`, true);
+    }
     setFault(kind.name + (kind.argument ? '=' + argument.value : '') + '@' + byId('fault-which').value);
   });
   return make('li', {}, form);
