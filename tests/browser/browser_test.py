@@ -89,13 +89,16 @@ def picture(name, part=None):
     (pictures / f"{name}.png").write_bytes(base64.b64decode(shot["data"]))
 
 
-def picture_for_readme(name, at, width, height, scale):
-    """What the README shows: the page from an element on, a bit smaller, logs at their end."""
-    show(width, "light", height)
-    top = browser.execute_script("""document.activeElement.blur();
+def picture_for_readme(name, first, last, width, scale, prepare=""):
+    """What the README shows: the page from one element to another, both whole, a bit smaller, logs at their end."""
+    show(width, "light")
+    top, bottom = browser.execute_script("""document.activeElement.blur();
+        for (const region of document.querySelectorAll('[role=region]')) region.scrollTop = 0;
         for (const log of document.querySelectorAll('[role=log]')) log.scrollTop = log.scrollHeight;
-        return document.querySelector(arguments[0]).offsetTop""", at)
-    picture(f"readme-{name}", {"x": 0, "y": top, "width": width, "height": height, "scale": scale})
+        const [first, last] = [...arguments].map(one => document.querySelector(one).getBoundingClientRect());
+        """ + prepare + """
+        return [first.top + scrollY, last.bottom + scrollY]""", first, last)
+    picture(f"readme-{name}", {"x": 0, "y": top, "width": width, "height": bottom - top, "scale": scale})
 
 
 def probe(name):
@@ -167,7 +170,7 @@ def check_reports():
         browser.get((work / f"{name}.html").as_uri())
         look(name)
         if name == "report":
-            picture_for_readme(name, "#links", 1100, 1050, 0.8)
+            picture_for_readme(name, "#links", "#week", 1100, 0.8)
         for wanted, fewest, most in SHEETS:
             if wanted == name:
                 check_print(name, fewest, most)
@@ -315,7 +318,9 @@ def check_simulator():
         check_faults(port)
         check_lit()
         look("simulator")
-        picture_for_readme("simulator", "body", 1200, 760, 0.75)
+        # The bytes that the last call has read are lit once more.
+        picture_for_readme("simulator", "body", "#memory-lines tr:nth-child(6)", 1200, 0.75,
+                           "for (const row of rows.slice(-3)) touch(row); drawMemory();")
         check_files(port)
         look("simulator-full", keyboard=False)
         check_wrong_words(simulator)
