@@ -70,6 +70,13 @@ OutputFile::OutputFile(std::string path, std::string like)
       like_(std::move(like)),
       destination_(named(path_, [&] { return system::open(path_); })) {}
 
+bool OutputFile::isSameAs(const OutputFile& other) const {
+  const auto whole = [](const OutputFile& file) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(pathOf(file.destination_.file)));
+  };
+  return isFile() && other.isFile() && whole(*this) == whole(other);
+}
+
 void OutputFile::write(std::string_view text) {
   named(path_, [&] {
     if (destination_.sink) {

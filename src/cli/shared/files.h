@@ -64,6 +64,9 @@ class OutputFile {
   /// Whether what is written can be found there later; not so for a device, a pipe or standard output.
   [[nodiscard]] bool isFile() const { return !destination_.sink; }
 
+  /// Whether one of two would take the other's place.
+  [[nodiscard]] bool isSameAs(const OutputFile& other) const;
+
   /// Writes a file beside it and lets that take its place when it is whole on the disk, with the mode and
   /// owner of the file that was there; a file behind a link is replaced, not the link. May be called again.
   void write(std::string_view text);

@@ -59,6 +59,10 @@ int carryOutWeek(const WeekOptions& options) {
   for (const std::string& written : {options.svg, options.html}) requireApart(link.backup, written);
   auto svg = fileOf(options.svg);
   auto html = fileOf(options.html);
+  if (svg && html && svg->isSameAs(*html)) {
+    throw std::invalid_argument(options.svg + " and " + options.html +
+                                " are one file, which takes only one of them");
+  }
   const auto connection = open(link);
   OutputNames names(connection->serial());
   const std::vector<Module> none;
