@@ -284,9 +284,8 @@ const Chapter weekChapter{
     "week",
     "Week",
     "A lane for all that is switched; days that are the same share a line. Bars above it are switch times, "
-    "round bars below it events of the simulation; a number in a bar tells how many meet there. The two "
-    "numbers "
-    "behind an output are what it is told.",
+    "round bars below it events of the simulation; a number in a bar tells how many meet there. What happens "
+    "then is told by two numbers behind the output; their meaning depends on its mode.",
     "There are no switch times.",
     {"Switch time", "Time", "Days", "Switches"},
     readSwitchTimes,
@@ -306,9 +305,11 @@ const std::vector<Chapter>& chapters() {
   static const std::vector<Chapter> all{
       {"outputs",
        "Outputs",
-       "A setting is called by where it lies in the output's page: 18.low is the lower half of byte 18, 16:0 "
-       "bit "
-       "0 of byte 16, B3 byte 3 of the output's block.",
+       "What each output does, and what switches it. The numbers are its settings, each behind the place "
+       "where "
+       "the controller keeps it: 18.low is the lower half of byte 18, 16:0 bit 0 of byte 16, B3 byte 3 of "
+       "the "
+       "output's block.",
        "No output has a mode or a name.",
        {"Output", "Mode", "Settings", "Switched by"},
        readOutputs,
@@ -334,8 +335,8 @@ const std::vector<Chapter>& chapters() {
        nullptr},
       {"modules",
        "Modules",
-       "Those that the backup holds, by their serial numbers.",
-       "No modules were read: those that --modules names are.",
+       "Parts of the installation that were read one by one, by their serial numbers.",
+       "No modules are listed here.",
        {"Serial", "Model", "Firmware", "CPU", "Record"},
        readModules,
        nullptr},
