@@ -24,12 +24,6 @@ std::string entryText(std::string_view entry, OutputNames& names) {
   return names.titleOf(byteAt(entry, 0)) + ": " + numbers(entry.substr(1));
 }
 
-Json entryJson(std::string_view entry, OutputNames& names) {
-  if (isAction(entry)) return {{"action", jsonOfBytes(entry)}};
-  const Byte output = byteAt(entry, 0);
-  return {{"output", output}, {"name", names.of(output)}, {"data", jsonOfBytes(entry.substr(1))}};
-}
-
 }  // namespace
 
 SwitchTime readSwitchTime(Serial& serial, Byte block) {
@@ -68,6 +62,12 @@ std::string actionOf(const SwitchTime& time, OutputNames& names) {
   return text.empty() ? "nothing" : text;
 }
 
+Json jsonOfEntry(std::string_view entry, OutputNames& names) {
+  if (isAction(entry)) return {{"action", jsonOfBytes(entry)}};
+  const Byte output = byteAt(entry, 0);
+  return {{"output", output}, {"name", names.of(output)}, {"data", jsonOfBytes(entry.substr(1))}};
+}
+
 Json jsonOf(const SwitchTime& time, OutputNames& names) {
   Json json{{"block", time.block}, {"readable", time.readable}, {"time", timeOf(time)}};
   json["days"] = Json::array();
@@ -76,7 +76,7 @@ Json jsonOf(const SwitchTime& time, OutputNames& names) {
   }
   json["data"] = jsonOfBytes(time.data);
   json["switches"] = Json::array();
-  for (const Bytes& entry : entriesOf(time)) json["switches"].push_back(entryJson(entry, names));
+  for (const Bytes& entry : entriesOf(time)) json["switches"].push_back(jsonOfEntry(entry, names));
   return json;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/shared/json.h"
@@ -34,6 +35,9 @@ std::string titleOf(const SwitchTime& time);
 
 /// What it switches, each by itself: an action of two bytes, or entries of three.
 std::vector<Bytes> entriesOf(const SwitchTime& time);
+
+/// One of them, or what an event switches, which looks the same.
+Json jsonOfEntry(std::string_view entry, OutputNames& names);
 
 /// "output 3 Kitchen ceiling: 255 2; output 7 Bedroom shutter: 0 4", "action 101.2".
 std::string actionOf(const SwitchTime& time, OutputNames& names);

@@ -107,11 +107,18 @@ std::vector<Mark> marksOf(const Week& week, OutputNames& names, bool folded) {
   for (const SwitchTime& time : week.times) {
     for (int day = 0; time.readable && day < weekdays; ++day) {
       if ((time.days >> day & 1) == 0) continue;
-      marks.push_back({.days = onlyDay(day), .minute = minuteOf(time), .text = actionOf(time, names)});
+      marks.push_back({.days = onlyDay(day),
+                       .minute = minuteOf(time),
+                       .entries = entriesOf(time),
+                       .text = actionOf(time, names)});
     }
   }
   for (const Event& event : week.events) {
-    marks.push_back({onlyDay(event.day), minuteOf(event), true, actionOf(event, names)});
+    marks.push_back({.days = onlyDay(event.day),
+                     .minute = minuteOf(event),
+                     .event = true,
+                     .entries = {Bytes(slice(event.record, 2))},
+                     .text = actionOf(event, names)});
   }
   if (folded) fold(marks);
   std::stable_sort(marks.begin(), marks.end(), [](const Mark& a, const Mark& b) {
@@ -127,10 +134,13 @@ std::string timeOf(Byte days, int minute) {
 Json jsonOf(const Week& week, Serial& serial, OutputNames& names) {
   Json marks = Json::array();
   for (const Mark& mark : marksOf(week, names, false)) {
+    Json switches = Json::array();
+    for (const Bytes& entry : mark.entries) switches.push_back(jsonOfEntry(entry, names));
     marks.push_back({{"day", weekday(firstOf(mark.days))},
                      {"time", clockTime(mark.minute)},
                      {"kind", mark.event ? "simulation" : "switch time"},
-                     {"text", mark.text}});
+                     {"text", mark.text},
+                     {"switches", std::move(switches)}});
   }
   Json links = Json::array();
   for (const Byte source : linkSources()) {

@@ -37,7 +37,8 @@ struct Mark {
   Byte days = 0;
   int minute = 0;
   bool event = false;
-  std::string text;  ///< "output 3 Kitchen ceiling: 255 2; output 7 Bedroom shutter: 0 4"
+  std::vector<Bytes> entries;  ///< an output's number and two bytes each, or an action
+  std::string text;            ///< "output 3 Kitchen ceiling: 255 2; output 7 Bedroom shutter: 0 4"
 };
 
 /// In the order of days and times; equal ones of several days are one, a day each when they are not `folded`.
