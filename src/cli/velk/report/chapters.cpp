@@ -1,7 +1,6 @@
 #include "cli/velk/report/chapters.h"
 
 #include <algorithm>
-#include <bit>
 #include <map>
 #include <string_view>
 
@@ -189,7 +188,8 @@ Drawings drawWeek(HouseView& is, HouseView* was) {
   return drawings;
 }
 
-/// A row for each output, with its events; the same one of several days stands once.
+/// A row for each output, with its events; the same one of several days stands once, by its days, so that what changes
+/// of it is the days.
 Rows readSimulation(HouseView& house) {
   std::map<Byte, std::map<std::pair<std::string, std::string>, Byte>> outputs;
   for (const Event& event : house.week().events) {
@@ -199,12 +199,16 @@ Rows readSimulation(HouseView& house) {
   Rows rows;
   for (const auto& [output, events] : outputs) {
     Details details;
-    int count = 0;
+    Details things;
     for (const auto& [what, days] : events) {
-      details.push_back({daysOf(days) + " " + what.first, what.second});
-      count += std::popcount(days);
+      const std::string event = what.first + ", " + what.second;
+      details.push_back({event, daysOf(days)});
+      for (int day = 0; day < weekdays; ++day) {
+        if ((days >> day & 1) != 0) things.push_back({std::string(weekday(day)) + " " + event, ""});
+      }
     }
-    rows.push_back({keyOf(output), {cellOf(house.names().titleOf(output)), {std::move(details)}}, count});
+    rows.push_back(
+        {keyOf(output), {cellOf(house.names().titleOf(output)), {std::move(details)}}, std::move(things)});
   }
   for (const std::string& hour : house.week().unreadable) {
     rows.push_back({hour, {cellOf(hour), cellOf("not readable")}});
@@ -222,8 +226,7 @@ void addTexts(Rows& rows, const char* kind, int first, int last, auto read) {
   for (auto& [ten, texts] : tens) {
     const std::string range =
         std::to_string(std::max(first, ten * 10)) + " to " + std::to_string(std::min(last, ten * 10 + 9));
-    const int count = static_cast<int>(texts.size());
-    rows.push_back({Bytes(kind) + keyOf(ten), {cellOf(kind + (" " + range)), {std::move(texts)}}, count});
+    rows.push_back({Bytes(kind) + keyOf(ten), {cellOf(kind + (" " + range)), {texts}}, texts});
   }
 }
 
@@ -291,13 +294,14 @@ const Chapter weekChapter{
     readSwitchTimes,
     drawWeek};
 
-const Chapter simulationChapter{"simulation",
-                                "Simulation",
-                                "The recorded events, which the controller replays.",
-                                "There are no recorded events.",
-                                {"Output", "Events"},
-                                readSimulation,
-                                nullptr};
+const Chapter simulationChapter{
+    "simulation",
+    "Simulation",
+    "The recorded events, which the controller replays: time, two numbers that tell what happens, and days.",
+    "There are no recorded events.",
+    {"Output", "Events"},
+    readSimulation,
+    nullptr};
 
 }  // namespace
 

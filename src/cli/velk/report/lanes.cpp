@@ -66,22 +66,30 @@ Days only(bool events, Days days) {
   return days;
 }
 
-bool holds(const std::vector<LaneDays>& rows, const LaneDays& wanted) {
-  return std::any_of(rows.begin(), rows.end(), [&](const LaneDays& row) {
-    return row.days == wanted.days && row.spots == wanted.spots;
-  });
-}
-
-std::vector<LaneDays> merged(const std::vector<LaneDays>& was, const std::vector<LaneDays>& is) {
-  std::vector<LaneDays> rows;
-  for (LaneDays row : was) {
-    if (holds(is, row)) continue;
-    row.side = Side::was;
-    rows.push_back(std::move(row));
+/// Equal days of both houses become one row; days that changed likewise become one of each.
+std::vector<LaneDays> merged(const Days& was, const Days& is) {
+  struct Both {
+    LaneDays was;
+    LaneDays is;
+  };
+  std::vector<Both> found;
+  for (std::size_t day = 0; day < weekdays; ++day) {
+    const std::vector<Spot>& before = was.spots.at(day);
+    const std::vector<Spot>& now = is.spots.at(day);
+    auto same = std::find_if(found.begin(), found.end(), [&](const Both& both) {
+      return both.was.spots == before && both.is.spots == now;
+    });
+    if (same == found.end()) {
+      const bool stayed = before == now;
+      same = found.insert(found.end(), {{.spots = before, .side = Side::was},
+                                        {.spots = now, .side = stayed ? Side::both : Side::is}});
+    }
+    same->was.days = same->is.days = static_cast<Byte>(same->is.days | 1 << day);
   }
-  for (LaneDays row : is) {
-    row.side = holds(was, row) ? Side::both : Side::is;
-    rows.push_back(std::move(row));
+  std::vector<LaneDays> rows;
+  for (Both& both : found) {
+    if (both.is.side == Side::is && !both.was.spots.empty()) rows.push_back(std::move(both.was));
+    if (!both.is.spots.empty()) rows.push_back(std::move(both.is));
   }
   return rows;
 }
@@ -102,7 +110,7 @@ std::vector<Lane> lanesOf(const std::vector<Moment>& was, const std::vector<Mome
   for (const auto& [key, days] : now) {
     Lane lane{.title = days.title, .rows = {}};
     for (const bool events : {false, true}) {
-      const auto rows = merged(rowsOf(only(events, before[key])), rowsOf(only(events, days)));
+      const auto rows = merged(only(events, before[key]), only(events, days));
       lane.rows.insert(lane.rows.end(), rows.begin(), rows.end());
     }
     lanes.push_back(std::move(lane));

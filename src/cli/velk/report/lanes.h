@@ -39,8 +39,8 @@ struct Lane {
 /// A lane for all that is switched, outputs first.
 std::vector<Lane> lanesOf(const std::vector<Moment>& moments);
 
-/// Likewise of two houses: days that are the same in both stand once, those of switch times in front of those of
-/// events, which seldom change together.
+/// Likewise of two houses: days that are the same in both stand once, and share a line only with such. Those of switch
+/// times stand in front of those of events, which seldom change together.
 std::vector<Lane> lanesOf(const std::vector<Moment>& was, const std::vector<Moment>& is);
 
 /// "Mon-Fri: switch time 07:30 255 2, simulation 18:15 0 2".

@@ -95,20 +95,32 @@ bool isSame(const Row& was, const Row& is) {
                     [](const Cell& a, const Cell& b) { return a.isOfOthers || a == b; });
 }
 
-const char* fateOf(const Pair& pair, bool compared, Fates& fates) {
-  if (pair.is != nullptr) fates.things += pair.is->things;
-  if (!compared) return "";
-  if (pair.was == nullptr) {
-    ++fates.added;
-    return "added";
+const char* fateOf(const Pair& pair) {
+  if (pair.was == nullptr) return "added";
+  if (pair.is == nullptr) return "removed";
+  return isSame(*pair.was, *pair.is) ? "" : "changed";
+}
+
+/// The things of a row; a row without them is one itself, and tells as its text whether it is the same.
+Details thingsOf(const Row* row, const std::string& text) {
+  if (row == nullptr) return {};
+  return row->things.empty() ? Details{{"", text}} : row->things;
+}
+
+void count(const Pair& pair, bool compared, Fates& fates) {
+  const bool stayed = pair.was != nullptr && pair.is != nullptr && isSame(*pair.was, *pair.is);
+  const Details is = thingsOf(pair.is, "");
+  const Details was = thingsOf(pair.was, stayed ? "" : "before");
+  fates.things += static_cast<int>(is.size());
+  if (!compared) return;
+  for (const Detail& thing : is) {
+    const Detail* const before = find(was, thing);
+    if (before == nullptr) ++fates.added;
+    if (before != nullptr && *before != thing) ++fates.changed;
   }
-  if (pair.is == nullptr) {
-    ++fates.removed;
-    return "removed";
+  for (const Detail& thing : was) {
+    if (find(is, thing) == nullptr) ++fates.removed;
   }
-  if (isSame(*pair.was, *pair.is)) return "";
-  ++fates.changed;
-  return "changed";
 }
 
 Element rowOf(const Pair& pair, const std::vector<std::string>& headings, const std::string& fate) {
@@ -153,8 +165,8 @@ RowsTable tableOf(const std::string& caption, const std::vector<std::string>& he
   Element body("tbody");
   Fates fates;
   for (const auto& [key, pair] : paired(is, was)) {
-    const char* const fate = fateOf(pair, was != nullptr, fates);
-    body.add(rowOf(pair, headings, fate));
+    count(pair, was != nullptr, fates);
+    body.add(rowOf(pair, headings, was == nullptr ? "" : fateOf(pair)));
   }
   Element table("table", {{"aria-label", caption}});
   Element headOf("thead");

@@ -24,12 +24,12 @@ Cell cellOf(const std::string& text);
 struct Row {
   Bytes key;                ///< which thing it is, in the order of the table
   std::vector<Cell> cells;  ///< the first one names it
-  int things = 1;           ///< that it stands for
+  Details things = {};      ///< that it stands for and that are counted, in place of itself
 };
 
 using Rows = std::vector<Row>;
 
-/// How many things a table tells of, and how many of its rows changed in which way.
+/// How many things a table tells of, and how many of them changed in which way.
 struct Fates {
   int things = 0;
   int added = 0;
