@@ -152,6 +152,7 @@ int carryOutBackup(const BackupOptions& options) {
   if (options.json && options.file == standardStream) {
     throw std::invalid_argument("standard output cannot take the backup and --json");
   }
+  requireSerials(options.modules);
   std::optional<Series> series;
   if (options.keep != 0) series.emplace(options.file);
   Made made{.file = series ? series->next() : options.file};

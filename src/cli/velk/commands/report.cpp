@@ -1,9 +1,13 @@
+#include <algorithm>
+
 #include "cli/shared/files.h"
+#include "cli/shared/progress.h"
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/offline.h"
 #include "cli/velk/commands/command.h"
 #include "cli/velk/connection/link_text.h"
 #include "cli/velk/report/page.h"
+#include "cli/velk/things/module.h"
 
 namespace velk::cli {
 namespace {
@@ -37,6 +41,7 @@ struct Told {
   Backup backup;
   std::string name;
   std::string from;
+  std::vector<Failure> failures = {};  ///< modules that did not answer
 };
 
 std::string nameOfFile(const std::string& path) {
@@ -60,19 +65,42 @@ std::string titleOf(const LinkChoice& choice, const LinkOptions& link) {
   return link.simulate ? "The simulated house" : nameOf(link);
 }
 
-/// With the modules that are asked for, and those of `like`.
+/// Those that are asked for, and those of `like`, each once.
+std::vector<std::string> serialsOf(const ReportOptions& options, const Backup* like) {
+  std::vector<std::string> serials;
+  const auto add = [&](const std::string& serial) {
+    if (std::find(serials.begin(), serials.end(), serial) == serials.end()) serials.push_back(serial);
+  };
+  if (like != nullptr) {
+    for (const Module& module : like->modules) add(module.serial);
+  }
+  for (const std::string& serial : options.modules) add(serial);
+  return serials;
+}
+
+/// One that does not answer does not cost the page, which took minutes to read.
+void readModules(Serial& serial, const std::vector<std::string>& serials, Told& told) {
+  for (const std::string& number : counted("modules", serials)) {
+    try {
+      told.backup.modules.push_back(readModule(serial, number));
+    } catch (const Failure& failure) {
+      if (!failure.result) throw;
+      told.failures.push_back(failure);
+      Module silent{.serial = number, .model = {}, .firmware = {}, .record = {}, .obstacle = {}};
+      silent.obstacle = "did not answer (result " + std::to_string(*failure.result) + ")";
+      told.backup.modules.push_back(std::move(silent));
+    }
+  }
+}
+
 Told fromLink(const ReportOptions& options, const Backup* like) {
   const LinkOptions link = options.link.required();
   if (!link.backup.empty()) return fromFile(options, link.backup);
   const std::string name = nameOf(link);
   const auto connection = open(link);
-  Backup wanted;
-  if (like != nullptr) wanted.modules = like->modules;
-  for (const std::string& serial : options.modules) {
-    wanted.modules.push_back({.serial = serial, .model = {}, .firmware = {}, .record = {}, .obstacle = {}});
-  }
   Told told{{}, titleOf(options.link, link), name + ", read " + now()};
-  told.backup = readLike(connection->serial(), wanted, {});
+  told.backup = readLike(connection->serial(), {}, {});
+  readModules(connection->serial(), serialsOf(options, like), told);
   return told;
 }
 
@@ -97,23 +125,35 @@ std::string pageOf(const ReportOptions& options, const Told& before, const Told&
                 chapters(), is, &was);
 }
 
-std::string carriedOut(const ReportOptions& options) {
+/// A page, and what it could not tell.
+struct Written {
+  std::string page;
+  std::vector<Failure> failures;
+};
+
+Written carriedOut(const ReportOptions& options) {
   const bool linked = options.link.namesLink();
   if (!options.b.empty() && linked) throw std::invalid_argument("two backups take no link");
   if (!options.modules.empty() && !options.a.empty() && !linked) {
     throw std::invalid_argument("--modules needs a link; a backup holds its own");
   }
-  if (options.a.empty()) return pageOf(options, fromLink(options, nullptr));
+  if (options.a.empty()) {
+    const Told told = fromLink(options, nullptr);
+    return {pageOf(options, told), told.failures};
+  }
   const Told first = fromFile(options, options.a);
-  if (!options.b.empty()) return pageOf(options, first, fromFile(options, options.b));
-  if (linked) return pageOf(options, first, fromLink(options, &first.backup));
-  return pageOf(options, first);
+  if (options.b.empty() && !linked) return {pageOf(options, first), {}};
+  const Told second = linked ? fromLink(options, &first.backup) : fromFile(options, options.b);
+  return {pageOf(options, first, second), second.failures};
 }
 
 int carryOutReport(const ReportOptions& options) {
+  requireSerials(options.modules);
   OutputFile file(options.output);
-  file.write(carriedOut(options));
-  return success;
+  const Written written = carriedOut(options);
+  file.write(written.page);
+  for (const Failure& failure : written.failures) tell("velk", failure, false);
+  return written.failures.empty() ? success : badResult;
 }
 
 }  // namespace
@@ -127,9 +167,10 @@ void addReport(const CommandLine& velk, Job& job) {
       "  velk report --tcp 192.168.1.20:8445 house.json -o since.html\n"
       "\nThe page needs no other file and no script. Two backups, or a backup and a link, are compared: what "
       "was\n"
-      "added, removed and changed since the first is marked. A controller is read as \"velk backup\" does. "
-      "There\n"
-      "is no --json: outputs, links, presets, week, modules and diff print what the page tells.\n",
+      "added, removed and changed since the first is marked. A controller is read as \"velk backup\" does. A "
+      "module\n"
+      "that does not answer is named in the page and told, with exit status 1. There is no --json: outputs, "
+      "links, presets, week, modules and diff print what the page tells.\n",
       carryOutReport);
 }
 

@@ -247,6 +247,10 @@ Rows readTexts(HouseView& house) {
 Rows readModules(HouseView& house) {
   Rows rows;
   for (const Module& module : house.modules()) {
+    if (module.record.empty()) {
+      rows.push_back({module.serial, {cellOf(module.serial), {}, {}, {}, cellOf(module.obstacle)}});
+      continue;
+    }
     Cell record = cellOf(numbers(module.record));
     if (!module.obstacle.empty()) record.parts.push_back({"cannot be restored", module.obstacle});
     rows.push_back({module.serial,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 #include "cli/house/simulated_modules.h"
 #include "cli/velk/connection/expect_done.h"
@@ -28,6 +29,15 @@ bool isKnown(const std::string& number, Byte pieces) {
 }
 
 }  // namespace
+
+void requireSerials(const std::vector<std::string>& numbers) {
+  constexpr std::size_t digits = 6;
+  for (const std::string& number : numbers) {
+    const bool isSerial =
+        number.size() == digits && number.find_first_not_of("0123456789") == std::string::npos;
+    if (!isSerial) throw std::invalid_argument("\"" + number + "\": a module's serial number has six digits");
+  }
+}
 
 Module readModule(Serial& serial, const std::string& number) {
   Module module{.serial = number, .model = {}, .firmware = {}, .record = {}, .obstacle = {}};
