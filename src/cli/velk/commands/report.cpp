@@ -5,8 +5,8 @@
 #include "cli/velk/backup/controller_backup.h"
 #include "cli/velk/backup/offline.h"
 #include "cli/velk/commands/command.h"
-#include "cli/velk/connection/link_text.h"
 #include "cli/velk/report/page.h"
+#include "cli/velk/report/source.h"
 #include "cli/velk/things/module.h"
 
 namespace velk::cli {
@@ -39,30 +39,15 @@ struct ReportOptions {
 /// A house, and what a page says of it.
 struct Told {
   Backup backup;
-  std::string name;
-  std::string from;
+  Source source;
   std::vector<Failure> failures = {};  ///< modules that did not answer
 };
-
-std::string nameOfFile(const std::string& path) {
-  constexpr std::string_view ending = ".json";
-  std::string name = path.substr(path.find_last_of("/\\") + 1);
-  if (name.ends_with(ending) && name != ending) name.resize(name.size() - ending.size());
-  return name;
-}
 
 Told fromFile(const ReportOptions& options, const std::string& path) {
   requireApart(path, options.output);
   Backup backup = loadBackup(path);
-  std::string from = path;
-  if (!backup.begun.empty()) from += ", saved " + backup.begun;
-  if (!backup.link.empty()) from += " from " + backup.link;
-  return {std::move(backup), nameOfFile(path), std::move(from)};
-}
-
-std::string titleOf(const LinkChoice& choice, const LinkOptions& link) {
-  if (!choice.house().empty()) return choice.house();
-  return link.simulate ? "The simulated house" : nameOf(link);
+  Source source = sourceOf(path, backup);
+  return {std::move(backup), std::move(source)};
 }
 
 /// Those that are asked for, and those of `like`, each once.
@@ -96,23 +81,22 @@ void readModules(Serial& serial, const std::vector<std::string>& serials, Told& 
 Told fromLink(const ReportOptions& options, const Backup* like) {
   const LinkOptions link = options.link.required();
   if (!link.backup.empty()) return fromFile(options, link.backup);
-  const std::string name = nameOf(link);
   const auto connection = open(link);
-  Told told{{}, titleOf(options.link, link), name + ", read " + now()};
+  Told told{{}, sourceOf(options.link, link)};
   told.backup = readLike(connection->serial(), {}, {});
   readModules(connection->serial(), serialsOf(options, like), told);
   return told;
 }
 
 std::string titleOf(const ReportOptions& options, const Told& told) {
-  return options.title.empty() ? told.name : options.title;
+  return options.title.empty() ? told.source.title : options.title;
 }
 
 std::string pageOf(const ReportOptions& options, const Told& told) {
   Offline offline(told.backup.lines);
   OutputNames names(offline.serial());
   HouseView house(offline.serial(), names, told.backup.modules);
-  return pageOf({.title = titleOf(options, told), .from = {told.from}}, chapters(), house);
+  return pageOf({.title = titleOf(options, told), .from = {told.source.from}}, chapters(), house);
 }
 
 std::string pageOf(const ReportOptions& options, const Told& before, const Told& after) {
@@ -121,8 +105,9 @@ std::string pageOf(const ReportOptions& options, const Told& before, const Told&
   OutputNames names(now.serial());
   HouseView was(then.serial(), names, before.backup.modules);
   HouseView is(now.serial(), names, after.backup.modules);
-  return pageOf({.title = titleOf(options, after), .from = {"was: " + before.from, "is: " + after.from}},
-                chapters(), is, &was);
+  return pageOf(
+      {.title = titleOf(options, after), .from = {"was: " + before.source.from, "is: " + after.source.from}},
+      chapters(), is, &was);
 }
 
 /// A page, and what it could not tell.

@@ -8,8 +8,8 @@
 #include "cli/shared/files.h"
 #include "cli/shared/terminal.h"
 #include "cli/velk/commands/command.h"
-#include "cli/velk/connection/link_text.h"
 #include "cli/velk/report/page.h"
+#include "cli/velk/report/source.h"
 #include "cli/velk/report/week_text.h"
 
 namespace velk::cli {
@@ -18,11 +18,13 @@ namespace {
 struct WeekOptions : LinkedOptions {
   std::string svg;
   std::string html;
+  std::string title;
 
   void declare(const CommandLine& line) {
     LinkedOptions::declare(line);
     line.option("--svg", svg, "Write a picture, with the links below it").typeName("FILE");
     line.option("--html", html, "Write a page that needs no other file").typeName("FILE");
+    line.option("--title", title, "What the house is called there, in place of the link's or file's name");
   }
 };
 
@@ -32,14 +34,14 @@ std::optional<OutputFile> fileOf(const std::string& path) {
   return std::optional<OutputFile>(std::in_place, path);
 }
 
-std::string svgOf(HouseView& house) {
-  Drawings drawings;
+std::string svgOf(HouseView& house, const Source& source) {
+  Drawings drawings{drawHeading(source.title, source.from)};
   for (const Chapter& chapter : weekChapters()) {
     if (chapter.draw == nullptr) continue;
     Drawings some = chapter.draw(house, nullptr);
     std::move(some.begin(), some.end(), std::back_inserter(drawings));
   }
-  return standAlone(std::move(drawings), "The week, and the links");
+  return standAlone(std::move(drawings), source.title + ": the week, and the links");
 }
 
 /// The picture, then what happens when.
@@ -56,6 +58,9 @@ int carryOutWeek(const WeekOptions& options) {
   if (std::count(onOutput.begin(), onOutput.end(), true) > 1) {
     throw std::invalid_argument("standard output takes one of --svg, --html and --json");
   }
+  if (!options.title.empty() && options.svg.empty() && options.html.empty()) {
+    throw std::invalid_argument("--title needs --svg or --html");
+  }
   for (const std::string& written : {options.svg, options.html}) requireApart(link.backup, written);
   auto svg = fileOf(options.svg);
   auto html = fileOf(options.html);
@@ -67,8 +72,12 @@ int carryOutWeek(const WeekOptions& options) {
   OutputNames names(connection->serial());
   const std::vector<Module> none;
   HouseView house(connection->serial(), names, none, Unreadable::fails);
-  if (svg) svg->write(svgOf(house));
-  if (html) html->write(pageOf({.title = "The week", .from = {nameOf(link)}}, weekChapters(), house));
+  if (svg || html) {
+    Source source = sourceOf(options.link, link);
+    if (!options.title.empty()) source.title = options.title;
+    if (svg) svg->write(svgOf(house, source));
+    if (html) html->write(pageOf({.title = source.title, .from = {source.from}}, weekChapters(), house));
+  }
   if (options.json) {
     std::cout << jsonOf(house.week(), house.serial(), names) << '\n';
   } else if (options.svg.empty() && options.html.empty()) {

@@ -20,6 +20,9 @@ struct Drawing {
 
 Drawing draw(const Lane& lane);
 
+/// What stands above pictures: which house, where and when it was read, and what the marks of the week mean.
+Drawing drawHeading(const std::string& title, const std::string& from);
+
 /// A link as it is drawn.
 struct DrawnLink {
   SoftLink link;
