@@ -16,11 +16,12 @@ struct Typed {
 };
 
 /// Runs velk on a terminal of its own, of so many columns. Its text is what the terminal shows.
-Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned short columns = 80) {
+Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned short columns = 80,
+             const std::string& environment = {}) {
   int terminal = -1;
   winsize size{.ws_row = 24, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
   const pid_t pid = forkpty(&terminal, nullptr, nullptr, &size);
-  if (pid == 0) become("exec velk " + line);
+  if (pid == 0) become("exec env " + environment + " velk " + line);
   const platform::Fd fd(terminal);
   std::string text;
   std::array<char, 4096> buffer{};
@@ -53,9 +54,10 @@ Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned s
 
 /// The same, where a person answers one question, which may not come.
 Ended onTerminal(const std::string& line, const std::string& answer = {},
-                 const std::string& question = "[y/N] ", unsigned short columns = 80) {
-  return talkTo(line, answer.empty() ? std::vector<Typed>() : std::vector<Typed>{{question, answer}},
-                columns);
+                 const std::string& question = "[y/N] ", unsigned short columns = 80,
+                 const std::string& environment = "TERM=xterm LC_ALL=C.UTF-8") {
+  return talkTo(line, answer.empty() ? std::vector<Typed>() : std::vector<Typed>{{question, answer}}, columns,
+                environment);
 }
 
 TEST(Terminal, ARestorationAsksBeforeItWrites) {
@@ -159,11 +161,20 @@ TEST(Terminal, TheWeekTakesItsWidthAndHalfBlocksInTwoColours) {
                           std::string(34, ' ') + "|"),
             std::string::npos)
       << coloured;
-  setenv("NO_COLOR", "1", 1);  // NOLINT(concurrency-mt-unsafe)
-  const std::string plain = onTerminal("week --simulate", "", "", 40).text;
-  unsetenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe)
-  EXPECT_NE(plain.find("\r\nMon       |       #          .     |\r\n"), std::string::npos) << plain;
-  EXPECT_EQ(plain.find('\x1b'), std::string::npos);
+  EXPECT_NE(coloured.find("\nMon-Fri 07:30 " + times + " output 3"), std::string::npos) << "the key's signs";
+  EXPECT_NE(coloured.find("\nMon 18:15 " + events + " output 3"), std::string::npos);
+  EXPECT_NE(onTerminal("week --simulate", "", "", 40, "TERM=xterm LC_ALL= LC_CTYPE= LANG=nl_BE.utf8")
+                .text.find(times),
+            std::string::npos);
+  // Neither where they are unwanted nor where the terminal does not have them.
+  for (const char* const environment :
+       {"TERM=xterm LC_ALL=C.UTF-8 NO_COLOR=1", "TERM=dumb LC_ALL=C.UTF-8", "TERM=vt100 LC_ALL=C.UTF-8",
+        "-u TERM LC_ALL=C.UTF-8", "TERM=xterm LC_ALL=C LANG=C.UTF-8",
+        "TERM=xterm LC_ALL= LC_CTYPE=POSIX LANG=C.UTF-8", "-u LC_ALL -u LC_CTYPE -u LANG TERM=xterm"}) {
+    const std::string plain = onTerminal("week --simulate", "", "", 40, environment).text;
+    EXPECT_NE(plain.find("\r\nMon       |       #          .     |\r\n"), std::string::npos) << plain;
+    EXPECT_EQ(plain.find("\u2580"), std::string::npos) << environment;
+  }
 }
 
 TEST(Terminal, HeadingsAreBoldUnlessUnwanted) {

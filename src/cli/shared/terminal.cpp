@@ -19,7 +19,7 @@ int outputWidth() {
 
 bool colours() {
   const char* const off = std::getenv("NO_COLOR");
-  return outputIsTerminal() && (off == nullptr || *off == '\0');
+  return outputIsTerminal() && terminalHasColours() && (off == nullptr || *off == '\0');
 }
 
 std::string bold(std::string_view text) {

@@ -16,7 +16,11 @@ int outputWidth();
 /// Those of the terminal that is standard output; 0 when it is none, or does not know.
 int terminalWidth();
 
-/// Whether standard output is coloured: on a terminal, unless NO_COLOR is set.
+/// Whether the terminal has colours, as TERM says on Linux, and shows UTF-8, as the locale says there.
+bool terminalHasColours();
+bool terminalShowsUtf8();
+
+/// Whether standard output is coloured: on a terminal that has colours, unless NO_COLOR is set.
 bool colours();
 
 /// The text in bold, where standard output is coloured.

@@ -34,4 +34,12 @@ int terminalWidth() {
   return isKnown ? info.srWindow.Right - info.srWindow.Left + 1 : 0;
 }
 
+bool terminalHasColours() {
+  return true;
+}
+
+bool terminalShowsUtf8() {
+  return true;
+}
+
 }  // namespace velk::cli

@@ -46,10 +46,9 @@ std::string svgOf(HouseView& house, const Source& source) {
 
 /// The picture, then what happens when.
 void print(HouseView& house) {
-  std::cout << textOf(lanesOf(momentsOf(house.week(), house.names())), outputWidth(), colours()) << '\n';
-  for (const Mark& mark : marksOf(house.week(), house.names(), true)) {
-    std::cout << timeOf(mark.days, mark.minute) << (mark.event ? " . " : " # ") << mark.text << '\n';
-  }
+  const bool halfBlocks = colours() && terminalShowsUtf8();
+  std::cout << textOf(lanesOf(momentsOf(house.week(), house.names())), outputWidth(), halfBlocks) << '\n'
+            << textOf(marksOf(house.week(), house.names(), true), outputWidth(), halfBlocks);
 }
 
 int carryOutWeek(const WeekOptions& options) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "cli/shared/wrap.h"
 #include "cli/velk/things/words.h"
 
 namespace velk::cli {
@@ -68,36 +69,50 @@ constexpr std::array signs{
     Sign{"*", "\x1b[94;43m\u2580\x1b[0m"},
 };
 
-std::string_view textOf(const Sign& sign, bool colours) {
-  return colours ? sign.coloured : sign.plain;
+std::string_view textOf(const Sign& sign, bool halfBlocks) {
+  return halfBlocks ? sign.coloured : sign.plain;
 }
 
-std::string lineOf(const LaneDays& row, const Layout& layout, bool colours) {
+std::string lineOf(const LaneDays& row, const Layout& layout, bool halfBlocks) {
   std::vector<std::size_t> cells(static_cast<std::size_t>(layout.columns));
   for (const Spot& spot : row.spots) {
     const int column = std::min(spot.minute, minutesOfDay - 1) * layout.columns / minutesOfDay;
     cells.at(static_cast<std::size_t>(column)) |= spot.event ? 2U : 1U;
   }
   std::string line = labelOf(row.days, layout.label) + "|";
-  for (const std::size_t cell : cells) line += textOf(signs.at(cell), colours);
+  for (const std::size_t cell : cells) line += textOf(signs.at(cell), halfBlocks);
   return line + "|\n";
 }
 
 }  // namespace
 
-std::string textOf(const std::vector<Lane>& lanes, int width, bool colours) {
+std::string textOf(const std::vector<Lane>& lanes, int width, bool halfBlocks) {
   const Layout layout = layoutFor(width);
   std::string text = hoursLine(layout);
   for (const Lane& lane : lanes) {
     text += lane.title + "\n";
-    for (const LaneDays& row : lane.rows) text += lineOf(row, layout, colours);
+    for (const LaneDays& row : lane.rows) text += lineOf(row, layout, halfBlocks);
   }
   const std::string indentation(layout.label + 1, ' ');
   text += indentation;
-  text.append(textOf(signs[1], colours)).append(" switch time  ");
-  text.append(textOf(signs[2], colours)).append(" simulation");
-  if (!colours) text.append("\n").append(indentation).append(signs[3].plain).append(" both");
+  text.append(textOf(signs[1], halfBlocks)).append(" switch time  ");
+  text.append(textOf(signs[2], halfBlocks)).append(" simulation");
+  if (!halfBlocks) text.append("\n").append(indentation).append(signs[3].plain).append(" both");
   return text + "\n";
+}
+
+std::string textOf(const std::vector<Mark>& marks, int width, bool halfBlocks) {
+  constexpr std::size_t indent = 4;
+  const auto longest = static_cast<std::size_t>(std::clamp(width, narrowest, widest));
+  std::string text;
+  for (const Mark& mark : marks) {
+    const std::string time = timeOf(mark.days, mark.minute) + " ";
+    const std::size_t before = time.size() + 2;  // with the sign, one column wide, and a blank
+    const bool fits = before + mark.text.size() <= longest;
+    text.append(time).append(textOf(signs[mark.event ? 2 : 1], halfBlocks)).append(" ");
+    text += (fits ? mark.text : filled(mark.text, longest, indent, before)) + "\n";
+  }
+  return text;
 }
 
 }  // namespace velk::cli
