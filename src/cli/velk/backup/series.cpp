@@ -28,6 +28,12 @@ std::string nameAt(std::time_t time) {
           std::strftime(text.data(), text.size(), "backup-%Y%m%dT%H%M%SZ.json", std::gmtime(&time))};
 }
 
+/// Dated after today: when it was written a clock was wrong.
+bool isInFuture(const std::string& file) {
+  constexpr std::time_t day = 86400;
+  return textOf(pathOf(file).filename()) > nameAt(std::time(nullptr) + day);
+}
+
 Lines withoutMailbox(Lines lines) {
   for (const Address at : sharedWithMailbox) {
     const auto line = lines.find({at.area, at.page, static_cast<Byte>(at.offset / lineSize * lineSize)});
@@ -69,11 +75,16 @@ std::string Series::last() const {
   return all.empty() ? std::string() : all.back();
 }
 
+std::string Series::lastInFuture() const {
+  const auto all = files();
+  const auto end = std::find_if_not(all.begin(), all.end(), isInFuture);
+  return end == all.begin() ? std::string() : *(end - 1);
+}
+
 std::vector<std::string> Series::prune(std::size_t keep, const std::string& written) const {
-  auto all = files();
-  std::vector<std::string> old(all.begin(),
-                               all.end() - static_cast<std::ptrdiff_t>(std::min(keep, all.size())));
-  std::erase(old, written);
+  std::vector<std::string> old = files();
+  const std::size_t others = keep - std::erase(old, written);
+  old.resize(old.size() - std::min(others, old.size()));
   for (const std::string& file : old) {
     std::error_code error;
     fs::remove(pathOf(file), error);
@@ -91,6 +102,7 @@ std::vector<std::string> Series::files() const {
   }
   if (error) throw failureOfFile(folder_, error);
   std::sort(found.begin(), found.end());
+  std::rotate(found.begin(), std::find_if(found.begin(), found.end(), isInFuture), found.end());
   return found;
 }
 

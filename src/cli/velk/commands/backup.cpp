@@ -147,6 +147,14 @@ std::string sameInSeries(const Series& series, const Backup& backup) {
   }
 }
 
+void tellWrongDate(const Series& series) {
+  const std::string file = series.lastInFuture();
+  if (file.empty()) return;
+  std::cerr << "velk: " << file
+            << ": its date is in the future, as a wrong clock writes it: it counts as older than "
+            << "all others\n";
+}
+
 int carryOutBackup(const BackupOptions& options) {
   const LinkOptions link = options.link.required();
   if (options.json && options.file == standardStream) {
@@ -155,6 +163,7 @@ int carryOutBackup(const BackupOptions& options) {
   requireSerials(options.modules);
   std::optional<Series> series;
   if (options.keep != 0) series.emplace(options.file);
+  if (series) tellWrongDate(*series);
   Made made{.file = series ? series->next() : options.file};
   // Whether the files can be written is found out before the first request, not after the last.
   OutputFile file(made.file);
