@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "cli/shared/progress.h"
+#include "cli/velk/backup/identity.h"
 #include "cli/velk/backup/memory_reader.h"
 #include "cli/velk/backup/part_file.h"
 #include "cli/velk/backup/restorable_module.h"
@@ -20,6 +21,7 @@ struct BackupOptions : LinkedOptions {
   std::vector<std::string> modules;
   bool fresh = false;
   int keep = 0;
+  bool otherHouse = false;
   bool quiet = false;
 
   void declare(const CommandLine& line) {
@@ -31,12 +33,15 @@ struct BackupOptions : LinkedOptions {
         .typeName("SERIAL,...")
         .oneValueEach();
     line.flag("--fresh", fresh, "Do not continue an unfinished backup");
-    line.option(
-            "--keep", keep,
-            "Write a dated file in the folder FILE if something has changed since the last one, and keep so "
-            "many of them")
-        .typeName("N")
-        .range(1, mostKept);
+    const Option keeps = line.option("--keep", keep,
+                                     "Write a dated file in the folder FILE if something has changed since "
+                                     "the last one, and keep so "
+                                     "many of them")
+                             .typeName("N")
+                             .range(1, mostKept);
+    line.flag("--other-house", otherHouse,
+              "Go on when the last backup in the folder looks like another house's")
+        .needs(keeps);
     line.flag("--quiet", quiet, "Say nothing when all goes well");
   }
 };
@@ -134,17 +139,28 @@ void report(const Made& made, const BackupOptions& options) {
   }
 }
 
-/// The file of a series that holds this backup already; empty when none does.
-std::string sameInSeries(const Series& series, const Backup& backup) {
+/// The last backup of a series; none when there is none that can be read.
+std::optional<Backup> lastOf(const Series& series) {
   const std::string last = series.last();
-  if (last.empty()) return {};
+  if (last.empty()) return std::nullopt;
   try {
-    const Backup before = loadBackup(last);
-    return before.condition == Condition::intact && isSameHouse(before, backup) ? last : std::string();
+    return loadBackup(last);
   } catch (const Failure& failure) {
     std::cerr << "velk: " << failure.what() << '\n';
-    return {};
+    return std::nullopt;
   }
+}
+
+/// Reads which house the controller is of, before the backups of another one are removed in its favour.
+Lines expectHouseOf(Serial& serial, const std::string& last, const Backup& before,
+                    const BackupOptions& options) {
+  Lines here = readIdentity(serial, before.lines);
+  const std::string strangeness = strangenessOf(before.lines, here);
+  if (strangeness.empty()) return here;
+  std::cerr << "velk: " << last << ": this looks like another house: " << strangeness << '\n';
+  if (options.otherHouse) return here;
+  throw Failure(wrongUsage,
+                options.file + ": each house needs a folder of its own; only --other-house goes on here");
 }
 
 void tellWrongDate(const Series& series) {
@@ -168,15 +184,18 @@ int carryOutBackup(const BackupOptions& options) {
   // Whether the files can be written is found out before the first request, not after the last.
   OutputFile file(made.file);
   PartFile part(file, options.fresh, series ? series->part() : std::string());
+  const std::optional<Backup> last = series ? lastOf(*series) : std::nullopt;
   const auto connection = open(link);
   watchInterrupts();
+  Lines known;
+  if (last) known = expectHouseOf(connection->serial(), series->last(), *last, options);
   Backup backup = begin(connection->serial(), part, nameOf(link));
   const std::size_t before = backup.lines.size();
   const auto start = std::chrono::steady_clock::now();
+  backup.lines.merge(known);
   readOrKeep(connection->serial(), options, backup, part, [&] {
-    const std::string same = series ? sameInSeries(*series, backup) : std::string();
-    made.changed = same.empty();
-    if (!made.changed) made.file = same;
+    made.changed = !last || last->condition != Condition::intact || !isSameHouse(*last, backup);
+    if (!made.changed) made.file = series->last();
     if (made.changed) file.write(textOf(backup));
   });
   made.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
