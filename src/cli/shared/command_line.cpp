@@ -5,6 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "cli/shared/config_lines.h"
 #include "cli/shared/failure.h"
 #include "cli/shared/nearest.h"
 #include "cli/shared/wrap.h"
@@ -224,41 +225,19 @@ CommandShape CommandLine::shape() const {
   return shape;
 }
 
-namespace {
-
-/// The library takes a "#" for the start of a comment in quotes, too: part of a text would be lost unseen.
-void refuseHashInQuotes(const std::string& text) {
-  char quote = 0;
-  bool comment = false;
-  for (const char c : text) {
-    if (c == '\n') {
-      quote = 0;
-      comment = false;
-    } else if (!comment && c == '#') {
-      if (quote != 0) throw std::invalid_argument(R"(the configuration file: in quotes "#" is written \x23)");
-      comment = true;
-    } else if (!comment && (c == '"' || c == '\'')) {
-      if (quote == 0 || quote == c) quote = quote == 0 ? c : '\0';
-    }
-  }
-}
-
-}  // namespace
-
-std::vector<ConfigSetting> parseConfiguration(const std::string& text) try {
-  refuseHashInQuotes(text);
-  std::istringstream in(text);
+std::vector<ConfigSetting> parseConfiguration(const std::string& text, const std::string& file) try {
+  std::istringstream in(checkedConfiguration(text));
   std::vector<ConfigSetting> settings;
   for (const CLI::ConfigItem& item : CLI::ConfigTOML().from_config(in)) {
-    // Where sections begin and end the library leaves marks.
+    // Where sections begin and end the library leaves marks. Settings of none and of "default" are the same to it.
     if (item.name == "++" || item.name == "--") continue;
-    settings.push_back({.section = CLI::detail::join(item.parents, "."),
+    settings.push_back({.section = item.parents.empty() ? "default" : CLI::detail::join(item.parents, "."),
                         .name = item.name,
                         .value = CLI::detail::join(item.inputs, " ")});
   }
   return settings;
-} catch (const CLI::Error& error) {
-  throw std::invalid_argument(std::string("the configuration file: ") + error.what());
+} catch (const std::exception& error) {
+  throw std::invalid_argument(file + ":" + error.what());
 }
 
 namespace {

@@ -57,14 +57,14 @@ class Option {
 
 /// A setting of a configuration file.
 struct ConfigSetting {
-  std::string section;  ///< empty in front of the first one
+  std::string section;
   std::string name;
   std::string value;
 };
 
 /// Reads the text of a configuration file as TOML writes it: "[section]", "name = value", comments behind "#".
-/// Throws std::invalid_argument with a sentence.
-std::vector<ConfigSetting> parseConfiguration(const std::string& text);
+/// Throws std::invalid_argument with the file's name, the line and a sentence.
+std::vector<ConfigSetting> parseConfiguration(const std::string& text, const std::string& file);
 
 /// An option, or a value that is known by its position, as help shows it.
 struct OptionShape {

@@ -55,7 +55,8 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 std::vector<ConfigSetting> configuration() {
-  return parseConfiguration(readFileIfThere(textOf(configurationFile())).value_or(""));
+  const std::string file = textOf(configurationFile());
+  return parseConfiguration(readFileIfThere(file).value_or(""), file);
 }
 
 std::vector<std::string> namesIn(const std::vector<ConfigSetting>& settings) {

@@ -17,7 +17,8 @@ namespace velk::cli {
 ///
 /// or `password-file`, whose first line is the password; a relative name starts where the configuration file
 /// lies, "~/" in the home folder. Says on standard error when others may read a file with a password. Throws
-/// std::invalid_argument with a sentence, which lists the houses when there is none of that name.
+/// std::invalid_argument with a sentence, which lists the houses when there is none of that name. A file
+/// with a line that is wrong is refused, whichever house that is of.
 LinkOptions houseNamed(const std::string& name);
 
 /// Those that the file names, in its order. Throws as above.
