@@ -85,7 +85,7 @@ TEST(Terminal, ARestorationAsksWhetherItIsTheHouse) {
   const std::string asks = "restore --only infrared" + link + " " + folder / "b";
   const Ended no = onTerminal(asks, "n\n");
   EXPECT_EQ(no.status, 1);
-  EXPECT_TRUE(no.shows("Restore it here all the same? [y/N] ")) << no.text;
+  EXPECT_TRUE(no.shows("Go on all the same? [y/N] ")) << no.text;
   EXPECT_EQ(onTerminal(asks, "y\n").status, 0);
 }
 

@@ -35,14 +35,14 @@ bool Consent::covers() const {
   return yes || agreed("Write this to the controller?");
 }
 
-bool Consent::covers(const std::string& file, const std::string& strangeness) const {
+bool Consent::covers(const std::string& file, const std::string& strangeness, const std::string& deed) const {
   if (strangeness.empty()) return true;
   std::cerr << "velk: " << file << ": this looks like another house: " << strangeness << '\n';
   if (otherHouse || dryRun) return true;
   if (yes || !inputIsTerminal()) {
-    throw Failure(wrongUsage, file + ": only --other-house restores it here");
+    throw Failure(wrongUsage, file + ": only --other-house " + deed + " here");
   }
-  return agreed("Restore it here all the same?");
+  return agreed("Go on all the same?");
 }
 
 }  // namespace velk::cli

@@ -25,7 +25,9 @@ struct Consent {
 
   /// Whether to go on when the controller looks like another house than that of a file.
   /// @param strangeness why it does; empty when it does not
-  [[nodiscard]] bool covers(const std::string& file, const std::string& strangeness) const;
+  /// @param deed what --other-house does: "restores it"
+  [[nodiscard]] bool covers(const std::string& file, const std::string& strangeness,
+                            const std::string& deed) const;
 };
 
 }  // namespace velk::cli

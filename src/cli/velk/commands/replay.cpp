@@ -271,7 +271,8 @@ int carryOutReplay(const ReplayOptions& options) {
   PlannedWrites planned;
   if (options.writes) {
     Serial& serial = connection->serial();
-    if (!options.consent.covers(options.file, strangenessOf(serial, lines))) return badResult;
+    if (!options.consent.covers(options.file, strangenessOf(serial, lines), "sends its writes"))
+      return badResult;
     planned = planWrites(serial, lines);
     if (!isAgreed(options, planned)) return badResult;
   }

@@ -216,7 +216,8 @@ int carryOutRestore(const RestoreOptions& options) {
   const auto connection = open(link);
   watchInterrupts();
   Lines here = readIdentity(connection->serial(), backup.lines);
-  if (!options.consent.covers(options.file, strangenessOf(backup.lines, here))) return badResult;
+  if (!options.consent.covers(options.file, strangenessOf(backup.lines, here), "restores it"))
+    return badResult;
   const Backup now = readLike(connection->serial(), backup, sections, std::move(here));
   const auto differences = compare(now, backup, sections);
   const LeftOut left = leftOut(backup, now);

@@ -118,22 +118,39 @@ bool isOfModules(Address at) {
          (region->name.starts_with("mailbox") || region->name.starts_with("long-record"));
 }
 
-/// The bytes that a trace has read before it wrote there, if it does.
-std::map<Address, char> firstReadings(const std::vector<TraceLine>& requests) {
-  std::map<Address, char> bytes;
-  std::set<Address> written;
+/// What a trace knows of its house.
+struct Readings {
+  std::map<Address, char> read;     ///< before it wrote there, if it does
+  std::map<Address, char> written;  ///< at last
+};
+
+Readings readingsOf(const std::vector<TraceLine>& requests) {
+  Readings readings;
   for (const TraceLine& line : requests) {
     const auto& [request, reply, late] = line.exchange;
     if (request.writes()) {
-      forEachByte(request.place(), dataOf(request), [&](Address at, char) { written.insert(at); });
+      forEachByte(request.place(), dataOf(request),
+                  [&](Address at, char value) { readings.written[at] = value; });
     } else if (reply && reply->status == 0) {
       forEachByte(request.place(), reply->data, [&](Address at, char value) {
-        if (memory::thingAt(at) && !written.contains(at)) bytes.emplace(at, value);
+        if (memory::thingAt(at) && !readings.written.contains(at)) readings.read.emplace(at, value);
       });
     }
   }
-  for (const Address at : written) bytes.erase(at);
-  return bytes;
+  return readings;
+}
+
+/// Bytes from an address on that were read, with those that the trace has written where all of them stand here: it
+/// was sent before.
+Bytes asLeft(const Readings& readings, Address at, const Bytes& read, const Bytes& here) {
+  Bytes left = read;
+  for (std::size_t i = 0; i < here.size(); ++i) {
+    const auto written = readings.written.find(at.next(i));
+    if (written == readings.written.end()) continue;
+    if (written->second != here[i]) return read;
+    left[i] = here[i];
+  }
+  return left;
 }
 
 /// The lines that tell a house, as far as they were read whole.
@@ -159,12 +176,12 @@ Lines identityIn(const std::map<Address, char>& read) {
 }
 
 /// Compares up to 32 lines of what was read.
-std::string strangenessOfBytes(Serial& serial, const std::map<Address, char>& read) {
+std::string strangenessOfBytes(Serial& serial, const Readings& readings) {
   constexpr std::size_t most = 32;
   std::map<Address, Bytes> here;
   std::size_t all = 0;
   std::size_t same = 0;
-  for (const auto& [at, value] : read) {
+  for (const auto& [at, value] : readings.read) {
     if (memory::isReadOnly(at) || value == '\0') continue;
     const Address line = lineOf(at);
     if (!here.contains(line)) {
@@ -172,7 +189,8 @@ std::string strangenessOfBytes(Serial& serial, const std::map<Address, char>& re
       here.emplace(line, readBytes(serial, line, lineSize));
     }
     ++all;
-    if (here.at(line)[at.offset % lineSize] == value) ++same;
+    const Bytes byte(1, here.at(line)[at.offset % lineSize]);
+    if (asLeft(readings, at, Bytes(1, value), byte) == byte) ++same;
   }
   if (same * 2 >= all) return {};
   return "of " + std::to_string(all) + " bytes that the trace has read " + std::to_string(same) +
@@ -203,10 +221,14 @@ PlannedWrites planWrites(Serial& serial, const std::vector<TraceLine>& requests)
 }
 
 std::string strangenessOf(Serial& serial, const std::vector<TraceLine>& requests) {
-  const auto read = firstReadings(requests);
-  const Lines identity = identityIn(read);
-  if (identity.empty()) return strangenessOfBytes(serial, read);
-  return strangenessOf(identity, readIdentity(serial, identity));
+  const Readings readings = readingsOf(requests);
+  Lines identity = identityIn(readings.read);
+  if (identity.empty()) return strangenessOfBytes(serial, readings);
+  const Lines here = readIdentity(serial, identity);
+  for (auto& [line, bytes] : identity) {
+    if (here.contains(line)) bytes = asLeft(readings, line, bytes, here.at(line));
+  }
+  return strangenessOf(identity, here);
 }
 
 bool isVolatile(Address at) {

@@ -20,7 +20,8 @@ PlannedWrites planWrites(Serial& serial, const std::vector<TraceLine>& requests)
 
 /// Why a controller looks like another house than the one that a trace was made of; empty when it does not, or
 /// the trace tells nothing of its house. The names of outputs and the firmware words tell, where the trace has
-/// read them, else all the configuration that it has read and does not write. Throws `Failure`.
+/// read them, else all the configuration that it has read; what it has written may stand there as well. Throws
+/// `Failure`.
 std::string strangenessOf(Serial& serial, const std::vector<TraceLine>& requests);
 
 /// Whether the controller, or a module, changes a byte by itself.
