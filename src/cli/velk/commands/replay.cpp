@@ -45,6 +45,7 @@ struct ReplayAccount {
   std::size_t writesLeft = 0;  ///< not asked for
   std::vector<ChangedAnswer> changes;
   std::vector<OddLine> odd;
+  std::size_t oddUntold = 0;  ///< of these
 };
 
 /// Requests that were lost and asked again count as the last one.
@@ -163,8 +164,21 @@ void print(const ChangedAnswer& change) {
             << std::flush;
 }
 
-void print(const OddLine& line) {
-  std::cerr << "velk: line " << line.number << " is left out: it " << line.why << '\n';
+/// The first few are told as they come.
+void leaveOut(OddLine line, ReplayAccount& account) {
+  constexpr std::size_t few = 10;
+  if (account.odd.size() < few) {
+    std::cerr << "velk: line " << line.number << " is left out: it " << line.why << '\n';
+  } else {
+    ++account.oddUntold;
+  }
+  account.odd.push_back(std::move(line));
+}
+
+void tellMoreLeftOut(const ReplayAccount& account) {
+  if (account.oddUntold == 0) return;
+  std::cerr << "velk: " << amount(account.oddUntold, "more line") << (account.oddUntold == 1 ? " is" : " are")
+            << " left out\n";
 }
 
 void tellOutcome(const ReplayAccount& account) {
@@ -198,14 +212,16 @@ Json jsonOf(const ReplayAccount& account, const PlannedWrites& planned) {
 /// The requests that are to be sent. Throws `Failure` when there are none.
 std::vector<TraceLine> requestsOf(const ReplayOptions& options, ReplayAccount& account) {
   TraceText text = parseTrace(readFile(options.file));
-  for (const OddLine& line : text.odd) print(line);
-  account.odd = std::move(text.odd);
+  for (OddLine& line : text.odd) {
+    if (text.isTrace) leaveOut(std::move(line), account);
+  }
   std::vector<TraceLine> lines = withoutLost(text.requests);
   if (!options.writes) {
     account.writesLeft =
         std::erase_if(lines, [](const TraceLine& line) { return line.exchange.request.writes(); });
   }
   if (lines.empty() && account.writesLeft == 0) {
+    tellMoreLeftOut(account);
     throw Failure(badFile, options.file + ": there is no request in it");
   }
   return lines;
@@ -218,15 +234,13 @@ bool sendOne(Replay& replay, const ReplayOptions& options, bool isFile, const Tr
   try {
     now = replay.ask(line);
   } catch (const std::invalid_argument& why) {
-    account.odd.push_back({line.number, std::string("cannot be asked: ") + why.what()});
-    print(account.odd.back());
+    leaveOut({line.number, std::string("cannot be asked: ") + why.what()}, account);
     return true;
   } catch (const Failure& failure) {
     // The exit status 1 tells of differences and nothing else.
     if (failure.status != badResult) throw;
     if (!isFile) throw Failure(noLink, failure.what(), failure.result);
-    account.odd.push_back({line.number, std::string("cannot be asked: ") + failure.what()});
-    print(account.odd.back());
+    leaveOut({line.number, std::string("cannot be asked: ") + failure.what()}, account);
     return true;
   }
   ++account.sent;
@@ -277,12 +291,12 @@ int carryOutReplay(const ReplayOptions& options) {
     if (!isAgreed(options, planned)) return badResult;
   }
   Replay replay(*connection, last);
-  if (!(options.writes && options.consent.dryRun)) {
-    for (const TraceLine& line : lines) {
-      if (!sendOne(replay, options, !link.backup.empty(), line, account)) break;
-    }
-    tellOutcome(account);
+  const bool sends = !(options.writes && options.consent.dryRun);
+  for (const TraceLine& line : lines) {
+    if (!sends || !sendOne(replay, options, !link.backup.empty(), line, account)) break;
   }
+  tellMoreLeftOut(account);
+  if (sends) tellOutcome(account);
   if (options.json) std::cout << jsonOf(account, planned) << '\n';
   return account.changes.empty() ? success : badResult;
 }
@@ -303,7 +317,8 @@ void addReplay(const CommandLine& velk, Job& job) {
       "in\n"
       "its order: what would change is shown first, and asked about; a controller that looks like another\n"
       "house is not written to without --other-house. It ends with the first write that is answered\n"
-      "differently. Attempts that were repeated count once. Lines that are not understood are told.\n",
+      "differently. Attempts that were repeated count once. Lines that are not understood are told, the first ten\n"
+      "of them by their numbers.\n",
       carryOutReplay);
 }
 

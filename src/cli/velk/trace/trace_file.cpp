@@ -154,16 +154,26 @@ std::string_view withoutTimes(std::string_view line) {
   return rest.substr(std::min(rest.find_first_not_of(' '), rest.size()));
 }
 
-/// The request in a line; none in one of another kind. Throws std::invalid_argument with the rest of a sentence
-/// for a line that is not understood.
-std::optional<Exchange> parseLine(std::string_view line) {
-  const std::string_view text = withoutTimes(line);
-  if (text.starts_with("read ") || text.starts_with("write ")) return parseExchange(text);
-  if (text.starts_with("instruction ") || text.starts_with("short request")) fail("is of fast mode alone");
-  const bool isKnown = text.empty() || std::any_of(others.begin(), others.end(), [&](std::string_view start) {
-                         return text.starts_with(start);
-                       });
-  if (!isKnown) fail("is none of a trace");
+bool isRequest(std::string_view text) {
+  return text.starts_with("read ") || text.starts_with("write ");
+}
+
+bool isOfFastMode(std::string_view text) {
+  return text.starts_with("instruction ") || text.starts_with("short request");
+}
+
+bool isOfTrace(std::string_view text) {
+  return isRequest(text) || isOfFastMode(text) ||
+         std::any_of(others.begin(), others.end(),
+                     [&](std::string_view start) { return text.starts_with(start); });
+}
+
+/// The request in a line behind its times; none in one of another kind. Throws std::invalid_argument with the rest of
+/// a sentence for a line that is not understood.
+std::optional<Exchange> parseLine(std::string_view text) {
+  if (isRequest(text)) return parseExchange(text);
+  if (isOfFastMode(text)) fail("is of fast mode alone");
+  if (!text.empty() && !isOfTrace(text)) fail("is none of a trace");
   return std::nullopt;
 }
 
@@ -216,6 +226,8 @@ TraceText parseTrace(std::string_view text) {
     std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
     if (line.ends_with('\r')) line.remove_suffix(1);
+    line = withoutTimes(line);
+    trace.isTrace = trace.isTrace || isOfTrace(line);
     try {
       if (auto exchange = parseLine(line)) trace.requests.push_back({number, *std::move(exchange)});
     } catch (const std::invalid_argument& why) {

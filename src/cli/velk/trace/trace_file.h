@@ -44,6 +44,7 @@ struct OddLine {
 struct TraceText {
   std::vector<TraceLine> requests;
   std::vector<OddLine> odd;
+  bool isTrace = false;  ///< some line is one of a trace, whether it is understood or not
 };
 
 /// Reads a trace of velk or velk-sim; anything else that these two print is skipped.
