@@ -136,6 +136,17 @@ TEST(Terminal, ABackupShowsHowFarItIs) {
   EXPECT_FALSE(velk(backup).tells(" % ")) << "but not in a file or a pipe";
 }
 
+TEST(Terminal, LinesThatWereKeptMakeABackupNoFaster) {
+  const Folder folder;
+  const std::string backup = "backup " + folder / "a";
+  ASSERT_TRUE(House("--fault disconnect@207").velk(backup).tells("206 lines are kept"));
+  // 51 of them are read again first.
+  const std::string text = onTerminal(House("--fault late=300@52").with(backup)).text;
+  const auto rate = text.find(" %  ");
+  ASSERT_NE(rate, std::string::npos) << text;
+  EXPECT_LT(std::atoi(text.c_str() + rate + 4), 4) << text;
+}
+
 TEST(Terminal, AllLongReadsShowHowFarTheyAre) {
   for (const auto& [command, bar] : {std::pair("outputs", "outputs ["),
                                      {"links", "links ["},

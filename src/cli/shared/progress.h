@@ -17,13 +17,14 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  void show(std::size_t done, std::size_t total);
+  /// @param kept how many of those that are done took no time: they were done before
+  void show(std::size_t done, std::size_t total, std::size_t kept = 0);
 
  private:
   std::string what_;
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
   std::chrono::steady_clock::time_point next_ = start_;
-  std::size_t first_ = 0;  ///< what was done before
+  std::size_t first_ = 0;  ///< what was done when it began
   bool begun_ = false;
   bool shown_ = false;  ///< on the terminal, where it is taken away at the end
 };

@@ -15,7 +15,7 @@ Backup readLike(Serial& serial, const Backup& backup, const Sections& sections, 
     Progress progress("reading");
     readMissing(
         serial, now.lines, [&](ThingKind kind) { return isSelected(sections, sectionOf(kind)); },
-        [&](std::size_t done, std::size_t total) { progress.show(done, total); });
+        [&](std::size_t done, std::size_t total, std::size_t kept) { progress.show(done, total, kept); });
   }
   if (!isSelected(sections, "modules")) return now;
   for (const Module& module : backup.modules) now.modules.push_back(readModule(serial, module.serial));

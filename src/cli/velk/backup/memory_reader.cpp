@@ -18,20 +18,26 @@ class EventList {
  public:
   EventList(Serial& serial, Lines& lines) : serial_(serial), lines_(lines) {}
 
-  void fill(int day, int hour) {
+  /// Whether something had to be read.
+  bool fill(int day, int hour) {
     constexpr int pageSize = 256;
     Address line = timed::eventList(static_cast<Byte>(day), static_cast<Byte>(hour));
     Bytes list;
+    bool hasRead = false;
     for (int offset = 0; offset < pageSize; offset += lineSize) {
       line.offset = static_cast<Byte>(offset);
       auto found = lines_.find(line);
-      if (found == lines_.end()) found = lines_.emplace(line, readBytes(serial_, line, lineSize)).first;
+      if (found == lines_.end()) {
+        found = lines_.emplace(line, readBytes(serial_, line, lineSize)).first;
+        hasRead = true;
+      }
       list += found->second;
       if (const auto end = endOfEvents(list)) {
         blankBehind(found->second, *end - static_cast<std::size_t>(offset));
-        return;
+        break;
       }
     }
+    return hasRead;
   }
 
  private:
@@ -84,17 +90,20 @@ void readMissing(Serial& serial, Lines& lines, const Wanted& wanted, const Step&
   const int days = wanted(ThingKind::events) ? weekdays : 0;
   const std::size_t total = fixed.size() + static_cast<std::size_t>(days) * hoursOfDay;
   std::size_t done = 0;
+  std::size_t kept = 0;
   for (const Address line : fixed) {
-    if (!lines.contains(line)) {
+    if (lines.contains(line)) {
+      ++kept;
+    } else {
       lines.emplace(line, onlyConfiguration(line, readBytes(serial, line, lineSize)));
     }
-    step(++done, total);
+    step(++done, total, kept);
   }
   EventList events(serial, lines);
   for (int day = 0; day < days; ++day) {
     for (int hour = 0; hour < hoursOfDay; ++hour) {
-      events.fill(day, hour);
-      step(++done, total);
+      if (!events.fill(day, hour)) ++kept;
+      step(++done, total, kept);
     }
   }
 }

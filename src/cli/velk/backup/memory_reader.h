@@ -8,8 +8,8 @@
 
 namespace velk::cli {
 
-/// Is told after each line how many of how many are there.
-using Step = std::function<void(std::size_t done, std::size_t total)>;
+/// Is told after each line how many of how many are there, and how many of these were before.
+using Step = std::function<void(std::size_t done, std::size_t total, std::size_t kept)>;
 
 /// Reads the lines of the wanted things that are not there yet. Bytes that are no configuration, and those
 /// behind the end of a list of events, become zero. Throws `Failure` at the first transaction that fails, and

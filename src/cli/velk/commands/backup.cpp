@@ -71,8 +71,8 @@ void read(Serial& serial, const BackupOptions& options, Backup& backup, PartFile
   Progress progress("backup");
   readMissing(
       serial, backup.lines, [](ThingKind /*kind*/) { return true; },
-      [&](std::size_t done, std::size_t total) {
-        if (!options.quiet) progress.show(done, total);
+      [&](std::size_t done, std::size_t total, std::size_t kept) {
+        if (!options.quiet) progress.show(done, total, kept);
         if (steady_clock::now() < next) return;
         part.save(backup);
         next = steady_clock::now() + interval;

@@ -317,7 +317,8 @@ void addReplay(const CommandLine& velk, Job& job) {
       "in\n"
       "its order: what would change is shown first, and asked about; a controller that looks like another\n"
       "house is not written to without --other-house. It ends with the first write that is answered\n"
-      "differently. Attempts that were repeated count once. Lines that are not understood are told, the first ten\n"
+      "differently. Attempts that were repeated count once. Lines that are not understood are told, the "
+      "first ten\n"
       "of them by their numbers.\n",
       carryOutReplay);
 }

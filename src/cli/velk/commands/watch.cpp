@@ -164,7 +164,7 @@ class Watch {
       Lines lines;
       readMissing(
           serial(), lines, [section](ThingKind kind) { return sectionOf(kind) == section; },
-          [](std::size_t, std::size_t) {});
+          [](std::size_t, std::size_t, std::size_t) {});
       Backup before{.lines = known_};
       for (auto& [at, bytes] : lines) known_[at] = std::move(bytes);
       if (known_ == before.lines) continue;
