@@ -83,15 +83,22 @@ class Shell {
   int carryOut(const std::string& text, const std::string& place) {
     surviveInterrupts();
     const auto outcome = outcomeOf([&] { return carryOut(text); });
+    // What a command has told as written is in the file.
+    const auto saved = outcomeOf([&] {
+      shared_.save();
+      return success;
+    });
     const auto* const failure = std::get_if<Failure>(&outcome);
-    if (failure != nullptr) {
-      tell("velk", {failure->status, place + failure->what(), failure->result},
-           asksForJson(wordsOf(text).words));
+    const auto* const unsaved = std::get_if<Failure>(&saved);
+    for (const Failure* const each : {failure, unsaved}) {
+      if (each == nullptr) continue;
+      tell("velk", {each->status, place + each->what(), each->result}, asksForJson(wordsOf(text).words));
     }
     // Nobody reads along any more when that fails.
     if (auto lost = failureOfOutput()) throw Failure(*std::move(lost));
     tellRepeats();
     closeIfLost(failure);
+    if (unsaved != nullptr) return unsaved->status;
     return failure != nullptr ? failure->status : std::get<int>(outcome);
   }
 
@@ -139,7 +146,7 @@ void addShell(const CommandLine& velk, Job& job, AddCommands addCommands) {
       "exit,\n"
       "quit or Ctrl-D; on Windows Ctrl-Z. Ctrl-C breaks off the command that runs. A link that is lost is "
       "opened\n"
-      "again by the next command, and a backup file is saved at the end.\n"
+      "again by the next command. A backup file is read by each command and saved at its end.\n"
       "On Linux Tab completes, and what was typed is kept in ~/.local/state/velk/history\n"
       "($XDG_STATE_HOME/velk/history), but not what was refused. On Windows the console edits lines.\n"
       "Lines that no person types are all carried out, also behind one that fails; the exit status is that "

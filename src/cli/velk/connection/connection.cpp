@@ -90,10 +90,15 @@ void Connection::makeSerial(const LinkOptions& options) {
   serial_ = std::make_unique<Serial>(host());
 }
 
+void Connection::save() {
+  if (!house_ || isSaved_) return;
+  isSaved_ = true;
+  house_->save(*serial_);
+}
+
 Connection::~Connection() {
-  if (!house_) return;
   try {
-    house_->save(*serial_);
+    save();
   } catch (const std::exception& error) {
     std::cerr << "velk: " << error.what() << '\n';
     unsaved = true;

@@ -52,6 +52,9 @@ class Connection {
   [[nodiscard]] Serial& serial() { return *serial_; }
   [[nodiscard]] Byte result() const { return result_; }
 
+  /// Saves a backup file that was written to; called once, when nothing more is written. Throws `Failure`.
+  void save();
+
   /// The host that the object works on.
   [[nodiscard]] platform::Host& host() { return tap_ ? *tap_ : loopbackOrReached(); }
 
@@ -71,6 +74,7 @@ class Connection {
   std::optional<TappedHost> tap_;
   std::unique_ptr<Serial> serial_;
   Byte result_ = 0;
+  bool isSaved_ = false;
 };
 
 }  // namespace velk::cli

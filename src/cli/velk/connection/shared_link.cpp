@@ -64,6 +64,11 @@ void SharedLink::dropDraft() {
   draft_.reset();
 }
 
+void SharedLink::save() {
+  if (link_.backup.empty() || !connection_) return;
+  std::exchange(connection_, nullptr)->save();
+}
+
 void SharedLink::close() {
   dropDraft();
   connection_.reset();

@@ -33,6 +33,10 @@ class SharedLink {
   void beginDraft();
   void dropDraft();
 
+  /// Ends what was done with a backup file, which is saved when it was written to; the next command reads it anew.
+  /// Other links stay open. Throws `Failure`.
+  void save();
+
   /// Closes the link; a backup file that was written to is saved.
   void close();
 
