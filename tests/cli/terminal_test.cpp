@@ -31,7 +31,8 @@ Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned s
   };
   std::size_t seen = 0;
   auto next = talk.begin();
-  for (int left = patience; left > 0;) {
+  int left = patience;
+  while (left > 0) {
     constexpr int pause = 200;  // ms
     if (poll(&watched, 1, pause) == 0) {
       left -= pause;
@@ -46,7 +47,8 @@ Ended talkTo(const std::string& line, const std::vector<Typed>& talk, unsigned s
     }
   }
   EXPECT_TRUE(next == talk.end()) << next->shown << " was not shown in\n" << text;
-  if (next != talk.end()) kill(pid, SIGKILL);
+  EXPECT_GT(left, 0) << "it does not end\n" << text;
+  if (next != talk.end() || left <= 0) kill(pid, SIGKILL);
   int status = 0;
   waitpid(pid, &status, 0);
   return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1, .text = text, .complaint = {}};

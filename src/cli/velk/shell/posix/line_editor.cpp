@@ -69,6 +69,8 @@ class LineEditor::System {
 
   std::optional<std::string> read() {
     el_resize(editor_);
+    // In front of the prompt: who sees it types at once, and a Ctrl-D that comes before that would be lost.
+    el_set(editor_, EL_PREP_TERM, 1);
     int length = 0;
     const char* const typed = el_gets(editor_, &length);
     if (typed == nullptr) {
